@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# Checks format and code: clang-format, clang-tidy, shellcheck, and who includes whom.
+# Usage: scripts/check-code.sh BUILD_FOLDER (configured, for its compile_commands.json)
+# A file that was found clean is not looked at again until it or a header changes.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+build=${1:?build folder}
+
+sources() {
+    git ls-files --cached --others --exclude-standard -- "$@"
+}
+
+mapfile -t code < <(sources '*.cpp' '*.h')
+mapfile -t units < <(sources '*.cpp')
+mapfile -t scripts < <(sources '*.sh' .ci/run simulator | while read -r file; do
+    if head -n 1 "$file" | grep -qE '^#!.*\b(ba)?sh\b' || [[ $file == *.sh ]]; then echo "$file"; fi
+done)
+
+echo "Format"
+clang-format --dry-run --Werror "${code[@]}"
+
+echo "Include rules"
+# folder: folders of ours that it may include besides itself
+while read -r folder allowed; do
+    [ -d "src/$folder" ] || continue
+    forbidden=$(grep -nHoE '^#include "[a-z]+/' -r "src/$folder" |
+        grep -vE "\"($folder|${allowed// /|})/" || true)
+    if [ -n "$forbidden" ]; then
+        printf 'src/%s may not include this:\n%s\n' "$folder" "$forbidden"
+        exit 1
+    fi
+done <<'RULES'
+system system
+widgets widgets
+packages system widgets
+inputpanel system widgets
+factory system
+shell system widgets packages inputpanel pages
+pages system widgets packages inputpanel shell
+RULES
+
+echo "Scripts"
+shellcheck --external-sources "${scripts[@]}"
+
+echo "Code"
+stamps=$build/clang-tidy
+mkdir -p "$stamps"
+mapfile -t headers < <(sources '*.h')
+state=$(cat .clang-tidy "${headers[@]}" | sha256sum | cut -d' ' -f1)
+pending=()
+for unit in "${units[@]}"; do
+    stamp=$stamps/${unit//\//_}
+    hash=$(sha256sum "$unit" | cut -d' ' -f1)
+    [ "$(cat "$stamp" 2>/dev/null)" = "$state $hash" ] || pending+=("$unit")
+done
+check_unit() {
+    clang-tidy --quiet -p "$build" "$1" 2>/dev/null || return
+    echo "$state $(sha256sum "$1" | cut -d' ' -f1)" >"$stamps/${1//\//_}"
+}
+export -f check_unit
+export build stamps state
+if [ "${#pending[@]}" -gt 0 ]; then
+    # shellcheck disable=SC2016 # the inner shell expands it
+    printf '%s\0' "${pending[@]}" |
+        xargs -0 -n 1 -P "$(nproc)" bash -c 'check_unit "$1"' check_unit
+fi

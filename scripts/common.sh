@@ -1,0 +1,64 @@
+# Shared by run.sh and test.sh: what they install and how they build.
+# shellcheck shell=bash
+
+project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export project_root
+
+# Debian package names, by what needs them. Read by run.sh and test.sh.
+# shellcheck disable=SC2034
+build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev)
+# shellcheck disable=SC2034
+check_packages=(clang-format clang-tidy shellcheck)
+# shellcheck disable=SC2034
+panel_packages=(util-linux iproute2 busybox python3
+    xserver-xorg-core xserver-xorg-video-dummy xserver-xephyr xvfb x11-utils
+    x11-xserver-utils xinput xinput-calibrator imagemagick
+    x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)
+
+# One line on stderr, then the end.
+die() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+    exit 1
+}
+
+# Runs a command as root: directly, or through sudo where the user is not root.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        die "this needs root: run it as root or install sudo"
+    fi
+}
+
+is_installed() {
+    [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+# Installs what is missing of the given Debian packages. Says and does nothing if all are there.
+install_packages() {
+    local package missing=()
+    for package in "$@"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    [ "${#missing[@]}" -gt 0 ] || return 0
+    echo "Installing: ${missing[*]}"
+    as_root apt-get update -qq || die "apt-get update failed: is there a network?"
+    as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
+        die "apt-get could not install: ${missing[*]}"
+}
+
+# Configures and builds a preset of CMakePresets.json: build_preset PRESET [TARGET...], all targets
+# if none is given. Says nothing if all is up to date.
+build_preset() {
+    local preset=$1
+    shift
+    cd "$project_root" || die "cannot enter $project_root"
+    cmake --preset "$preset" >/dev/null || die "cmake could not configure the preset $preset"
+    # CMake names each target whose generated code it looks at, even if nothing is to be done.
+    cmake --build --preset "$preset" --parallel "$(nproc)" ${1+--target "$@"} |
+        sed --unbuffered '/Automatic MOC for target/d'
+    [ "${PIPESTATUS[0]}" -eq 0 ] || die "the build of the preset $preset failed"
+}

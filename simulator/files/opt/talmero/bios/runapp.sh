@@ -1,0 +1,15 @@
+#!/bin/sh
+# Runs the HMI runtime and ends when it is closed.
+if [ -p /run/panel/tools.pipe ]; then
+    line="[tool] /bin/sh /opt/talmero/bios/runapp.sh"
+    echo "$line" >>/run/panel/tools.log
+    echo "$line" >/run/panel/tools.pipe
+fi
+# What the runtime runs is not the settings program's doing.
+PATH=/usr/sbin:/usr/bin:/sbin:/bin
+export PATH
+if [ ! -x /opt/talmero/hmi/runtime ]; then
+    echo "runapp.sh: /opt/talmero/hmi/runtime is not installed" >&2
+    exit 1
+fi
+/opt/talmero/hmi/runtime

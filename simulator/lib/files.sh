@@ -1,0 +1,16 @@
+# The panel's own files and its USB stick. Sourced.
+# shellcheck shell=bash
+
+install_files() {
+    [[ $files == yes ]] || return 0
+    mkdir -p /opt/talmero/hmi /home/dest /media/usb0 &&
+        # a stick is a file system of its own: moving a file off it copies
+        mount -t tmpfs panel /media/usb0 &&
+        cp -r "$simulator/files/." / || fail "cannot install the panel's files"
+    if [[ -x $build/simulator/standin-runtime ]]; then
+        cp "$build/simulator/standin-runtime" /opt/talmero/hmi/runtime
+    fi
+    if [[ $factory == yes ]]; then
+        : >/media/usb0/talmero_setup
+    fi
+}

@@ -1,0 +1,35 @@
+#!/bin/bash
+# The panel's first process. Started by "panel" in namespaces of its own; when it
+# ends, the kernel ends everything else in the panel.
+set -u
+
+eval "$PANEL_CONFIG"
+unset -v PANEL_CONFIG
+panel_error=125
+caller_folder=$PWD
+
+# shellcheck disable=SC2317 # the files sourced below use it
+fail() {
+    printf 'panel: %s\n' "$1" >&2
+    exit "$panel_error"
+}
+
+for topic in rootfs files tools display screenshot command; do
+    # shellcheck source=/dev/null
+    source "$simulator/lib/$topic.sh"
+done
+
+# A first process ignores signals that it does not catch.
+trap 'end_by_signal 1' HUP
+trap 'end_by_signal 2' INT
+trap 'end_by_signal 15' TERM
+
+make_root
+enter_root
+set_environment
+install_files
+install_tools
+start_tracing
+start_display
+run_command
+exit "$status"

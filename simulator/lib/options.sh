@@ -1,0 +1,122 @@
+# The command line of "panel". Sourced.
+# shellcheck shell=bash
+
+display=none
+size=800x600
+build=
+factory=no
+files=yes
+trace=no
+screenshot=
+after=3
+shares=()
+command=()
+
+readonly usage_error=2
+readonly panel_error=125 # the panel itself failed; a command can hardly mean this by it
+
+fail() {
+    printf 'panel: %s\n' "$1" >&2
+    exit "${2:-$panel_error}"
+}
+
+show_help() {
+    cat <<'HELP'
+Usage: simulator/panel [OPTIONS] [--] COMMAND [ARGS...]
+
+Makes a throw-away touch panel out of this machine and runs COMMAND in it.
+COMMAND sees the files of this machine under their own paths and may change all
+of them; at the end every change is gone. It has no network but its own, no disk,
+no serial port, and it cannot set the clock. Root is needed; sudo is used where
+it is there. The end status is that of COMMAND, 128 and the signal's number if a
+signal ended it, or 125 if the panel could not be made.
+
+  --display none      No display. This is the default.
+  --display xvfb      A plain display in memory.
+  --display xorg      A display in memory with a touch controller. Brightness
+                      works. simulator/finger touches it.
+  --display xephyr    A display in memory that can be rotated.
+  --display window    A window on your display. It can be rotated.
+  --display web       Like xorg, shown in the browser. The address is printed.
+                      A press in the browser is a finger on the panel.
+  --size WxH          Size of the display in pixels, 800x600 if not given.
+  --share DIR         COMMAND may write into this folder for real. The option
+                      may be given several times.
+  --build DIR         Folder with the built programs, otherwise "build" in the
+                      checkout. The stand-in of the HMI runtime comes from there.
+  --factory           Puts the marker of factory setup on the USB stick.
+  --no-files          Leaves out the panel's own files and the stick's.
+  --trace             Prints one line on standard error for each tool that COMMAND
+                      runs. A line that repeats at once is shown only once more.
+                      /run/panel/tools.log in the panel has every line.
+  --screenshot FILE   Saves a picture of the display as PNG, then ends the panel
+                      with status 0.
+  --after SECONDS     Takes the picture so long after the first window came up,
+                      3 if not given. Decimals are allowed.
+  --help              Shows this text.
+HELP
+}
+
+parse_options() {
+    while (($#)); do
+        case $1 in
+        --help)
+            show_help
+            exit 0
+            ;;
+        --factory) factory=yes ;;
+        --no-files) files=no ;;
+        --trace) trace=yes ;;
+        --display | --size | --share | --build | --screenshot | --after)
+            (($# > 1)) || fail "$1 needs a value; see --help" "$usage_error"
+            take_value "$1" "$2"
+            shift
+            ;;
+        --)
+            shift
+            break
+            ;;
+        -*) fail "unknown option $1; see --help" "$usage_error" ;;
+        *) break ;;
+        esac
+        shift
+    done
+    command=("$@")
+    ((${#command[@]})) || fail "no command given; see --help" "$usage_error"
+}
+
+take_value() {
+    case $1 in
+    --display)
+        [[ $2 =~ ^(none|xvfb|xorg|xephyr|window|web)$ ]] ||
+            fail "unknown display $2; see --help" "$usage_error"
+        display=$2
+        ;;
+    --size)
+        [[ $2 =~ ^[1-9][0-9]{1,3}x[1-9][0-9]{1,3}$ ]] ||
+            fail "the size must look like 800x600, not like $2" "$usage_error"
+        size=$2
+        ;;
+    --share) shares+=("$2") ;;
+    --build) build=$2 ;;
+    --screenshot) screenshot=$2 ;;
+    --after)
+        [[ $2 =~ ^([0-9]+\.?[0-9]*|\.[0-9]+)$ ]] ||
+            fail "--after takes a number of seconds, not $2" "$usage_error"
+        after=$2
+        ;;
+    esac
+}
+
+# Separate from the parsing, because a folder may be readable for root only.
+check_options() {
+    local i
+    for i in "${!shares[@]}"; do
+        [[ -d ${shares[i]} ]] || fail "no folder ${shares[i]} to share" "$usage_error"
+        shares[i]=$(readlink -f -- "${shares[i]}")
+    done
+    checkout=$(dirname -- "$simulator")
+    build=$(readlink -m -- "${build:-$checkout/build}")
+    [[ -z $screenshot || $display != none ]] ||
+        fail "--screenshot needs a display" "$usage_error"
+}

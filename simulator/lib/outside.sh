@@ -1,0 +1,106 @@
+# What happens on the side of the machine that the panel is made from. Sourced.
+# shellcheck shell=bash
+
+web_port=
+status=0
+
+# A script's background command ignores INT from birth, and bash cannot take that
+# back by itself. The panel must end on INT however it was started.
+accept_interrupts() {
+    if [[ $(trap -p INT QUIT) ]]; then
+        exec env --default-signal=INT,QUIT "$simulator/panel" "$@"
+    fi
+}
+
+become_root() {
+    ((EUID)) || return 0
+    type -P sudo >/dev/null || fail "root is needed, and there is no sudo here"
+    # sudo may drop what leads to the user's display
+    exec sudo -- env ${DISPLAY+"DISPLAY=$DISPLAY"} \
+        "XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}" "$simulator/panel" "$@"
+}
+
+# A desktop session's addresses and look must not reach into the panel, or a test
+# would depend on who runs it.
+forget_the_callers_session() {
+    local name
+    export PANEL_HOST_DISPLAY=${DISPLAY-} PANEL_HOST_XAUTHORITY=${XAUTHORITY:-${HOME-}/.Xauthority}
+    for name in $(compgen -e); do
+        case $name in
+        DBUS_* | SESSION_* | WAYLAND_* | QT_* | XDG_* | GTK_* | GDK_* | DESKTOP_* | LC_* | SUDO_COMMAND)
+            unset -v "$name"
+            ;;
+        DISPLAY | XAUTHORITY | LANG | LANGUAGE | BASH_ENV | ENV | MAIL | OLDPWD | TMPDIR | _)
+            unset -v "$name"
+            ;;
+        esac
+    done
+}
+
+prepare_outside() {
+    case $display in
+    window)
+        [[ -n $PANEL_HOST_DISPLAY ]] || fail "--display window needs a display; DISPLAY is not set"
+        keep_host_namespaces
+        ;;
+    web)
+        find_free_port
+        keep_host_namespaces
+        ;;
+    esac
+    if [[ -n $screenshot ]]; then
+        open_screenshot
+    fi
+}
+
+# The panel hands these to the one helper that must reach the user's display or
+# browser. As a process of the panel that helper ends with it in any case.
+keep_host_namespaces() {
+    exec 20</proc/self/ns/mnt 21</proc/self/ns/net 22</proc/self/ns/uts 23</proc/self/ns/ipc
+}
+
+find_free_port() {
+    for ((web_port = 6080; web_port < 6180; web_port++)); do
+        (exec 3<>"/dev/tcp/127.0.0.1/$web_port") 2>/dev/null || return 0
+    done
+    fail "no free port from 6080 to 6179 for the browser"
+}
+
+# Opened out here: the panel can then fill this one file and see no other.
+open_screenshot() {
+    { exec 24>"$screenshot"; } 2>/dev/null || fail "cannot write $screenshot"
+    if [[ -n ${SUDO_UID-} && -n ${SUDO_GID-} ]]; then
+        chown "$SUDO_UID:$SUDO_GID" "$screenshot"
+    fi
+}
+
+# unshare keeps INT and TERM from itself, so they go to its child, the panel's first process.
+pass_on() {
+    local first=
+    { read -r first <"/proc/$panel_process/task/$panel_process/children"; } 2>/dev/null
+    if [[ -n $first ]]; then
+        kill -s "$1" "${first%% *}" 2>/dev/null
+    else
+        kill -s KILL "$panel_process" 2>/dev/null
+    fi
+    stopped_by=$1
+}
+
+wait_for_panel() {
+    local name
+    stopped_by=
+    for name in INT TERM HUP; do
+        # shellcheck disable=SC2064 # the name of this round is wanted
+        trap "pass_on $name" "$name"
+    done
+    while kill -0 "$panel_process" 2>/dev/null; do
+        wait "$panel_process" 2>/dev/null
+        status=$?
+    done
+    if [[ -n $stopped_by ]]; then
+        status=$((128 + $(kill -l "$stopped_by")))
+    fi
+    if [[ -n $screenshot && ! -s $screenshot ]]; then
+        rm -f -- "$screenshot"
+    fi
+}

@@ -1,0 +1,26 @@
+#!/bin/sh
+# Shows a panel in a window: window-server.sh DISPLAY XAUTHORITY XEPHYR-OPTIONS...
+# Runs with a mount namespace of its own, in which it may cover /tmp: the server's
+# socket and lock then leave no trace on the machine, not even if it is killed.
+set -eu
+DISPLAY=$1
+XAUTHORITY=$2
+shift 2
+number=${DISPLAY##*:}
+number=${number%%.*}
+socket=.X11-unix/X$number
+
+mount -t tmpfs -o mode=1777 panel /mnt
+mkdir -m 1777 /mnt/.X11-unix
+if [ -S "/tmp/$socket" ]; then
+    : >"/mnt/$socket"
+    mount --bind "/tmp/$socket" "/mnt/$socket"
+fi
+if [ -r "$XAUTHORITY" ]; then
+    cp "$XAUTHORITY" /mnt/authority
+fi
+mount --move /mnt /tmp
+XAUTHORITY=/tmp/authority
+export DISPLAY XAUTHORITY
+# Shared memory would not work across the panel's border.
+exec Xephyr -title "TALMERO panel" -extension MIT-SHM "$@"

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, checks the code and runs every test in the simulated panel.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+# shellcheck source=scripts/common.sh
+. scripts/common.sh
+
+usage() {
+    cat <<'TEXT'
+Usage: ./test.sh [OPTION]
+
+Installs the missing Debian packages, builds, checks format and code, and runs
+every test twice: with the address and undefined-behaviour sanitizers, then as
+released. Needs root or sudo.
+
+  --quick   Leaves out the code checks and the run with sanitizers.
+  --help    Shows this text.
+TEXT
+}
+
+quick=no
+case "${1:-}" in
+    "") ;;
+    --quick) quick=yes ;;
+    --help) usage && exit 0 ;;
+    *) usage >&2 && exit 2 ;;
+esac
+
+install_packages "${build_packages[@]}" "${panel_packages[@]}" "${check_packages[@]}"
+build_preset release
+if [ "$quick" = no ]; then
+    scripts/check-code.sh build
+    build_preset sanitize
+    ctest --preset sanitize --parallel "$(nproc)"
+fi
+ctest --preset release --parallel "$(nproc)"
