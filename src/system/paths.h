@@ -1,0 +1,16 @@
+#pragma once
+
+/// Every file and folder of the panel that the program knows, spelt once.
+namespace Paths {
+inline constexpr char settingsFile[] = "/opt/talmero/bios/bios.ini";
+inline constexpr char runtimeVersionFile[] = "/opt/talmero/bios/fwver";
+inline constexpr char runtimeOemFile[] = "/opt/talmero/bios/oem";
+inline constexpr char biosVersionFile[] = "/opt/talmero/bios/bios.version";
+inline constexpr char modelFile[] = "/opt/talmero/bios/model";
+
+/// Starts the HMI runtime and lives as long as it does.
+inline constexpr char runtimeScript[] = "/opt/talmero/bios/runapp.sh";
+
+/// Its existence opens the factory window; what is in it does not matter.
+inline constexpr char factoryMarker[] = "/media/usb0/talmero_setup";
+} // namespace Paths

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+
+// The ways to run a tool. All of them block the calling thread; none needs an event loop.
+// A command is the program first, then its arguments, passed without a shell.
+
+/// What became of a tool that ran with a time limit.
+struct ProcessResult
+{
+    bool finished = false; ///< false: not started, or cut off at the limit
+    QByteArray output;     ///< standard output, whole
+    QByteArray errors;     ///< standard error, whole
+};
+
+/// Waits for ever.
+inline constexpr std::chrono::milliseconds noLimit{-1};
+
+/// Runs @p command and waits for its end without limit. Its output goes where ours goes, its
+/// input is empty, its exit code is ignored. A program that cannot be started changes nothing.
+void runAndWait(const QStringList &command);
+
+/// Starts @p command and does not wait for it; it outlives this program.
+/// Result: false if it cannot be started.
+bool startDetached(const QStringList &command);
+
+/// Runs @p command, waits for its end for at most @p limit and collects what it writes, however
+/// much that is. A tool that is still running then is asked to end, and killed.
+ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds limit);
+
+/// Standard output of @p command as text, up to @p limit as with runLimited(); what was written
+/// until then if the tool did not end, empty if it could not be started.
+QString readOutput(const QStringList &command, std::chrono::milliseconds limit);
+
+/// A command line such as "xinput query-state  \"A B\"" as a command: split at blanks, with
+/// double quotes around what belongs together and three of them for a quote itself.
+QStringList splitCommandLine(const QString &commandLine);
+
+/// Output of a tool as 8-bit text, byte for byte, up to the first zero byte.
+QString byteText(const QByteArray &bytes);

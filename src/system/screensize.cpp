@@ -1,0 +1,16 @@
+#include "system/screensize.h"
+
+#include <QStringList>
+
+std::optional<QSize> parseScreenSize(const QString &text)
+{
+    const QStringList parts = text.split('x', Qt::KeepEmptyParts, Qt::CaseInsensitive);
+    if (parts.size() != 2) {
+        return std::nullopt;
+    }
+    const QSize size(parts.at(0).toInt(), parts.at(1).toInt()); // not a number: 0
+    if (size.width() < 1 || size.height() < 1) {
+        return std::nullopt;
+    }
+    return size;
+}

@@ -1,0 +1,69 @@
+#include "system/settingsfile.h"
+
+#include "system/textcodec.h"
+
+#include <QByteArrayView>
+#include <QFile>
+
+namespace {
+constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+}
+
+std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line)
+{
+    // On bytes, because the white space of Unicode includes bytes that are half a UTF-8 letter.
+    const QByteArray simple = line.simplified();
+    const qsizetype equals = simple.indexOf('=');
+    if (equals <= 0 || simple.startsWith('#')) {
+        return std::nullopt;
+    }
+    return SettingsEntry{textFromBytes(simple.left(equals)), textFromBytes(simple.mid(equals + 1))};
+}
+
+void applySettingsText(const QByteArray &text, SettingsMap &settings)
+{
+    qsizetype start = text.startsWith(byteOrderMark) ? byteOrderMark.size() : 0;
+    while (start < text.size()) {
+        const qsizetype found = text.indexOf('\n', start);
+        const qsizetype end = found < 0 ? text.size() : found;
+        const QByteArray line = QByteArray::fromRawData(text.constData() + start, end - start);
+        if (const auto entry = parseSettingsLine(line)) {
+            if (entry->value.isEmpty()) {
+                settings.remove(entry->key);
+            } else {
+                settings.insert(entry->key, entry->value);
+            }
+        }
+        start = end + 1;
+    }
+}
+
+QByteArray formatSettings(const SettingsMap &settings)
+{
+    QByteArray text;
+    for (auto entry = settings.cbegin(); entry != settings.cend(); ++entry) {
+        text += bytesFromText(entry.key());
+        text += '=';
+        text += bytesFromText(entry.value());
+        text += '\n';
+    }
+    return text;
+}
+
+void readSettingsFile(const QString &path, SettingsMap &settings)
+{
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly)) {
+        applySettingsText(file.readAll(), settings);
+    }
+}
+
+bool writeSettingsFile(const QString &path, const SettingsMap &settings)
+{
+    const QByteArray text = formatSettings(settings);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        return false;
+    }
+    return file.write(text) == text.size();
+}

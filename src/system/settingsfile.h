@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+#include <optional>
+
+/// The settings in memory. An absent key and an empty value both mean "not set".
+using SettingsMap = QMap<QString, QString>;
+
+/// One "key=value" line of a settings file. An empty value asks for the key to be removed.
+struct SettingsEntry
+{
+    QString key;
+    QString value;
+};
+
+/// Reads one line of a settings file, with or without its line end.
+/// White space (ASCII; other bytes are kept as they are) is trimmed at both ends and every inner
+/// run becomes one blank. Blanks around the first "=" then belong to the key and to the value.
+/// Result: the entry, or nothing for a blank line, a comment ("#"), a line that begins with "="
+/// and a line without "=".
+std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line);
+
+/// Applies every line of @p text to @p settings: a value inserts or replaces its key, an empty
+/// value removes it. A UTF-8 byte order mark at the start, as editors leave it, is passed over.
+void applySettingsText(const QByteArray &text, SettingsMap &settings);
+
+/// The whole settings file: "key=value\n" for each key in ascending order.
+QByteArray formatSettings(const SettingsMap &settings);
+
+/// Adds the entries of the file at @p path to @p settings.
+/// A file that is missing or cannot be read leaves @p settings as it is.
+void readSettingsFile(const QString &path, SettingsMap &settings);
+
+/// Writes @p settings over the file at @p path, in place and in one write call.
+/// Result: false if the file cannot be opened or does not take the text whole.
+bool writeSettingsFile(const QString &path, const SettingsMap &settings);

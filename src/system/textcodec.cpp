@@ -1,0 +1,70 @@
+#include "system/textcodec.h"
+
+namespace {
+constexpr char16_t escapeBase = 0xDC00;
+constexpr char16_t firstEscape = escapeBase + 0x80;
+constexpr char16_t lastEscape = escapeBase + 0xFF;
+
+/// Length in bytes of the UTF-8 sequence that @p lead announces, 1 for a byte that starts none.
+qsizetype sequenceLength(uchar lead)
+{
+    if (lead >= 0xF0) {
+        return 4;
+    }
+    if (lead >= 0xE0) {
+        return 3;
+    }
+    return lead >= 0xC0 ? 2 : 1;
+}
+
+bool survives(const QByteArray &bytes, const QString &text)
+{
+    return text.toUtf8() == bytes;
+}
+
+bool isEscape(QChar c)
+{
+    return c.unicode() >= firstEscape && c.unicode() <= lastEscape;
+}
+} // namespace
+
+QString textFromBytes(const QByteArray &bytes)
+{
+    QString whole = QString::fromUtf8(bytes);
+    if (survives(bytes, whole)) {
+        return whole;
+    }
+    QString text;
+    text.reserve(bytes.size());
+    for (qsizetype at = 0; at < bytes.size();) {
+        const auto lead = static_cast<uchar>(bytes.at(at));
+        const QByteArray sequence = bytes.mid(at, sequenceLength(lead));
+        const QString character = QString::fromUtf8(sequence);
+        if (survives(sequence, character)) {
+            text += character;
+            at += sequence.size();
+        } else {
+            text += QChar(static_cast<char16_t>(escapeBase + lead));
+            ++at;
+        }
+    }
+    return text;
+}
+
+QByteArray bytesFromText(const QString &text)
+{
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    qsizetype start = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (text.at(at).isHighSurrogate()) {
+            ++at; // the low half that follows belongs to a character
+        } else if (isEscape(text.at(at))) {
+            bytes += text.mid(start, at - start).toUtf8();
+            bytes += static_cast<char>(text.at(at).unicode() - escapeBase);
+            start = at + 1;
+        }
+    }
+    bytes += text.mid(start).toUtf8();
+    return bytes;
+}

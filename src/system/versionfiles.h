@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// One-line files that record what is installed on the panel.
+
+/// Version number of the installed HMI runtime as written in its file; empty if there is none.
+QString getCurrentRuntimeVersion();
+
+/// OEM name of the installed HMI runtime; empty if there is none.
+QString getCurrentRuntimOEM();
+
+/// Version number of this settings program; empty if there is none.
+QString getCurrentBIOSVersion();
+
+/// Names of the panel's model: the model name (one empty text if there is none), then its short
+/// code if it has one. Compare whole entries, with case.
+QStringList getCurrentRuntimeModel();
+
+// The setters write the value without a line end; a file that cannot be opened stays as it is.
+
+void setCurrentRuntimeVersion(int version);
+void setCurrentBIOSVersion(int version);
+void setCurrentRuntimeModel(const QString &model);
+void setCurrentRuntimeOEM(const QString &oem);
+
+/// First line of the file at @p path without its line end; empty if it cannot be read.
+QString firstLineOfFile(const QString &path);
+
+/// Makes @p text the whole content of the file at @p path. Does nothing if it cannot be opened.
+void writeTextFile(const QString &path, const QString &text);
+
+/// @p model, and behind it its short code if it has one.
+QStringList modelNames(const QString &model);

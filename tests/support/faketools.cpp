@@ -1,0 +1,55 @@
+#include "faketools.h"
+
+#include <QFile>
+
+namespace {
+constexpr char logName[] = "calls.log";
+
+void writeScript(const QString &path, const QString &text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        qFatal("cannot write %s", qPrintable(path));
+    }
+    file.write(text.toUtf8());
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+} // namespace
+
+FakeTools::FakeTools(const QStringList &names)
+    : m_previousPath(qgetenv("PATH"))
+{
+    for (const QString &name : names) {
+        setBody(name, {});
+    }
+    qputenv("PATH", m_folder.path().toLocal8Bit() + ':' + m_previousPath);
+}
+
+FakeTools::~FakeTools()
+{
+    qputenv("PATH", m_previousPath);
+}
+
+void FakeTools::setBody(const QString &name, const QString &body) const
+{
+    const QString recorder = QString("#!/bin/sh\n"
+                                     "{ printf '%s' \"${0##*/}\"\n"
+                                     "[ $# -eq 0 ] || printf ' [%s]' \"$@\"\n"
+                                     "echo; } >>'%1'\n")
+                                 .arg(filePath(logName));
+    writeScript(filePath(name), recorder + body + '\n');
+}
+
+QStringList FakeTools::calls() const
+{
+    QFile log(filePath(logName));
+    if (!log.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return QString::fromUtf8(log.readAll()).split('\n', Qt::SkipEmptyParts);
+}
+
+QString FakeTools::filePath(const QString &name) const
+{
+    return m_folder.filePath(name);
+}

@@ -1,0 +1,195 @@
+#include "system/process.h"
+
+#include "faketools.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+QStringList shell(const QString &text)
+{
+    return {"/bin/sh", "-c", text};
+}
+
+bool isRunning(const QString &processId)
+{
+    // A zombie has an empty command line.
+    QFile commandLine("/proc/" + processId + "/cmdline");
+    return commandLine.open(QIODevice::ReadOnly) && !commandLine.readAll().isEmpty();
+}
+} // namespace
+
+class TestProcess : public QObject
+{
+    Q_OBJECT
+private slots:
+    void collectsBothStreams();
+    void passesArgumentsWithoutShell();
+    void collectsMoreThanAPipeHolds();
+    void missingProgramAnswersAtOnce_data();
+    void missingProgramAnswersAtOnce();
+    void cutsOffAtTheLimit();
+    void killsWhatIgnoresThePoliteEnd();
+    void inputIsEmpty();
+    void doesNotWaitForABackgroundChild();
+    void readsOutputAsText();
+    void runAndWaitWaits();
+    void runAndWaitPassesOverFailures();
+    void startDetachedDoesNotWait();
+    void splitsCommandLines_data();
+    void splitsCommandLines();
+    void byteTextEndsAtZero();
+};
+
+void TestProcess::collectsBothStreams()
+{
+    const ProcessResult result = runLimited(shell("printf out; printf err >&2; exit 3"), noLimit);
+    QVERIFY(result.finished);
+    QCOMPARE(result.output, QByteArray("out"));
+    QCOMPARE(result.errors, QByteArray("err"));
+}
+
+void TestProcess::passesArgumentsWithoutShell()
+{
+    const ProcessResult result
+        = runLimited({"printf", "[%s]", "a b", "", "$HOME", "\"*'"}, noLimit);
+    QCOMPARE(result.output, QByteArray("[a b][][$HOME][\"*']"));
+}
+
+void TestProcess::collectsMoreThanAPipeHolds()
+{
+    constexpr qsizetype tenMegabytes = 10'000'000;
+    const ProcessResult result
+        = runLimited(shell("head -c 10000000 /dev/zero; head -c 10000000 /dev/zero >&2"), 30000ms);
+    QVERIFY(result.finished);
+    QCOMPARE(result.output.size(), tenMegabytes);
+    QCOMPARE(result.errors.size(), tenMegabytes);
+}
+
+void TestProcess::missingProgramAnswersAtOnce_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::newRow("not on PATH") << QStringList{"no-such-tool", "x"};
+    QTest::newRow("not executable") << QStringList{"/etc/passwd"};
+    QTest::newRow("directory") << QStringList{"/etc"};
+    QTest::newRow("empty name") << QStringList{""};
+    QTest::newRow("empty command") << QStringList{};
+}
+
+void TestProcess::missingProgramAnswersAtOnce()
+{
+    QFETCH(QStringList, command);
+    QElapsedTimer timer;
+    timer.start();
+    const ProcessResult result = runLimited(command, 30000ms);
+    QVERIFY(!result.finished);
+    QVERIFY(result.output.isEmpty());
+    QVERIFY(result.errors.isEmpty());
+    QVERIFY(timer.elapsed() < 5000);
+}
+
+void TestProcess::cutsOffAtTheLimit()
+{
+    QElapsedTimer timer;
+    timer.start();
+    const ProcessResult result = runLimited(shell("echo $$; exec sleep 60"), 500ms);
+    QVERIFY(timer.elapsed() >= 500);
+    QVERIFY(timer.elapsed() < 10000);
+    QVERIFY(!result.finished);
+    const QString processId = QString::fromLatin1(result.output).trimmed();
+    QVERIFY(processId.toInt() > 0); // what it wrote until then is there
+    QVERIFY(!isRunning(processId));
+}
+
+void TestProcess::killsWhatIgnoresThePoliteEnd()
+{
+    const ProcessResult result
+        = runLimited(shell("trap '' TERM; echo $$; while :; do :; done"), 500ms);
+    QVERIFY(!result.finished);
+    QVERIFY(!isRunning(QString::fromLatin1(result.output).trimmed()));
+}
+
+void TestProcess::inputIsEmpty()
+{
+    QVERIFY(runLimited({"cat"}, 10000ms).finished);
+}
+
+void TestProcess::doesNotWaitForABackgroundChild()
+{
+    const ProcessResult result = runLimited(shell("sleep 20 & echo done"), 15000ms);
+    QVERIFY(result.finished);
+    QCOMPARE(result.output, QByteArray("done\n"));
+}
+
+void TestProcess::readsOutputAsText()
+{
+    QCOMPARE(readOutput(shell("printf 'größe\\n'; echo x >&2"), 10000ms),
+             QString::fromUtf8("größe\n"));
+    QCOMPARE(readOutput(shell("printf part; exec sleep 60"), 500ms), QString("part"));
+    QCOMPARE(readOutput({"no-such-tool"}, 10000ms), QString());
+}
+
+void TestProcess::runAndWaitWaits()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("done");
+    runAndWait({"/bin/sh", "-c", "sleep 0.2; echo x >\"$1\"", "sh", path});
+    QVERIFY(QFile::exists(path));
+}
+
+void TestProcess::runAndWaitPassesOverFailures()
+{
+    runAndWait({"no-such-tool"});
+    runAndWait({});
+    runAndWait(shell("exit 7"));
+    runAndWait(shell("kill -KILL $$"));
+    const FakeTools tools({"fails"});
+    tools.setBody("fails", "exit 1");
+    runAndWait({"fails", "a b"});
+    QCOMPARE(tools.calls(), QStringList{"fails [a b]"});
+}
+
+void TestProcess::startDetachedDoesNotWait()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("done");
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(startDetached({"/bin/sh", "-c", "sleep 1; echo x >\"$1\"", "sh", path}));
+    QVERIFY(timer.elapsed() < 900);
+    QVERIFY(!QFile::exists(path));
+    QTRY_VERIFY(QFile::exists(path));
+    QVERIFY(!startDetached({"no-such-tool"}));
+}
+
+void TestProcess::splitsCommandLines_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("command");
+    QTest::newRow("empty") << "" << QStringList{};
+    QTest::newRow("two words") << "ifconfig eth0" << QStringList{"ifconfig", "eth0"};
+    QTest::newRow("two blanks and quotes") << "xinput query-state  \"PenMount USB\""
+                                           << QStringList{"xinput", "query-state", "PenMount USB"};
+    QTest::newRow("three quotes for one") << "a \"\"\"b\"\"\"" << QStringList{"a", "\"b\""};
+}
+
+void TestProcess::splitsCommandLines()
+{
+    QFETCH(QString, line);
+    QFETCH(QStringList, command);
+    QCOMPARE(splitCommandLine(line), command);
+}
+
+void TestProcess::byteTextEndsAtZero()
+{
+    QCOMPARE(byteText(QByteArray("a\0b", 3)), QString("a"));
+    QCOMPARE(byteText("\xE9"), QString(QChar(0xE9)));
+    QCOMPARE(byteText({}), QString(""));
+}
+
+QTEST_GUILESS_MAIN(TestProcess)
+#include "tst_process.moc"

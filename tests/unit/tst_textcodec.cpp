@@ -1,0 +1,67 @@
+#include "system/textcodec.h"
+
+#include <QTest>
+
+class TestTextCodec : public QObject
+{
+    Q_OBJECT
+private slots:
+    void survivesBothWays_data();
+    void survivesBothWays();
+    void everyPairOfBytesSurvives();
+    void encodesOtherTextAsUtf8();
+};
+
+void TestTextCodec::survivesBothWays_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    const QChar e9(char16_t(0xDCE9));
+    const QChar ff(char16_t(0xDCFF));
+    QTest::newRow("empty") << QByteArray() << QString();
+    QTest::newRow("ASCII") << QByteArray("abc=1") << "abc=1";
+    QTest::newRow("control character") << QByteArray("\x01") << QString(QChar(1));
+    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << QString::fromUtf8("a\0b", 3);
+    QTest::newRow("UTF-8") << QByteArray("gr\xC3\xB6\xC3\x9F"
+                                         "e")
+                           << QString::fromUtf8("größe");
+    QTest::newRow("four bytes") << QByteArray("\xF0\x9F\x94\x86") << QString::fromUtf8("🔆");
+    QTest::newRow("Latin-1") << QByteArray("caf\xE9") << QString("caf") + e9;
+    QTest::newRow("Latin-1 before UTF-8")
+        << QByteArray("\xE9\xC3\xA9") << QString(e9) + QString::fromUtf8("é");
+    QTest::newRow("cut sequence") << QByteArray("\xC3") << QString(QChar(char16_t(0xDCC3)));
+    QTest::newRow("no lead") << QByteArray("\xFF\xFF") << QString(ff) + ff;
+    QTest::newRow("UTF-8 of a surrogate")
+        << QByteArray("\xED\xB3\xA9")
+        << QString(QChar(char16_t(0xDCED))) + QChar(char16_t(0xDCB3)) + QChar(char16_t(0xDCA9));
+    QTest::newRow("character before a cut one")
+        << QByteArray("\xF0\x9F\x94\x86\xF0") << QString::fromUtf8("🔆") + QChar(char16_t(0xDCF0));
+}
+
+void TestTextCodec::survivesBothWays()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+    QCOMPARE(textFromBytes(bytes), text);
+    QCOMPARE(bytesFromText(text), bytes);
+}
+
+void TestTextCodec::everyPairOfBytesSurvives()
+{
+    for (int first = 0; first < 256; ++first) {
+        for (int second = 0; second < 256; ++second) {
+            const QByteArray bytes{QByteArray(1, char(first)) + char(second)};
+            QCOMPARE(bytesFromText(textFromBytes(bytes)), bytes);
+        }
+    }
+    const QByteArray mark("\xEF\xBB\xBFx"); // the toolkit drops a byte order mark
+    QCOMPARE(bytesFromText(textFromBytes(mark)), mark);
+}
+
+void TestTextCodec::encodesOtherTextAsUtf8()
+{
+    QCOMPARE(bytesFromText(QString::fromUtf8("größe 🔆")), QByteArray("größe 🔆"));
+}
+
+QTEST_GUILESS_MAIN(TestTextCodec)
+#include "tst_textcodec.moc"
