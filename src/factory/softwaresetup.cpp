@@ -1,0 +1,6 @@
+#include "factory/softwaresetup.h"
+
+SoftwareSetup::SoftwareSetup(QWidget *parent)
+    : QWidget(parent)
+{
+}

@@ -1,0 +1,27 @@
+#include "factory/softwaresetup.h"
+#include "shell/biosinterface.h"
+#include "system/commandline.h"
+#include "system/paths.h"
+#include "system/process.h"
+#include "system/startup.h"
+
+#include <QApplication>
+#include <QFile>
+
+int main(int argc, char *argv[])
+{
+    if (isVersionQuery(argc, argv)) {
+        printVersion();
+        return 0;
+    }
+    shieldFromEnvironment();
+    const QApplication application(argc, argv);
+    runAndWait(startPauseCommand());
+
+    // Never deleted: the process ends with it, and the runtime may be waiting on top of it.
+    static QWidget *const window = QFile::exists(Paths::factoryMarker)
+        ? static_cast<QWidget *>(new SoftwareSetup)
+        : new BiosInterface;
+    window->show();
+    return QApplication::exec();
+}

@@ -1,0 +1,188 @@
+#include "shell/biosinterface.h"
+
+#include "system/commandline.h"
+#include "system/process.h"
+#include "system/screensize.h"
+#include "system/versionfiles.h"
+#include "system/xrandroutput.h"
+#include "widgets/settingsbutton.h"
+#include "widgets/stackwidgetpage.h"
+#include "widgets/startingapplicationaniationbutton.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace {
+constexpr int rescuePollInterval = 200; // ms
+
+constexpr char fontFamily[] = "WeblySleek UI";
+/// Take its place where it is not installed: as narrow as it is, so that the texts fit, first.
+constexpr const char *fontSubstitutes[] = {"Open Sans", "DejaVu Sans"};
+constexpr int fontPixelSize = 28;
+constexpr int smallFontPixelSize = 20;
+/// Models with a screen too small for the usual font.
+constexpr const char *smallFontModels[] = {"K07", "K21"};
+
+int fontPixelSizeFor(const QStringList &model)
+{
+    for (const char *name : smallFontModels) {
+        if (model.contains(QLatin1String(name))) {
+            return smallFontPixelSize;
+        }
+    }
+    return fontPixelSize;
+}
+} // namespace
+
+BiosInterface::BiosInterface(QWidget *parent)
+    : QWidget(parent)
+    , m_rescuePoll(new QTimer(this))
+{
+    connect(m_rescuePoll, &QTimer::timeout, this, &BiosInterface::slotRescueTimesup);
+    m_rescuePoll->start(rescuePollInterval);
+    readINI();
+    preAction();
+    init();
+}
+
+BiosInterface::~BiosInterface()
+{
+    delete m_countDown;
+    deletePageButtons();
+    while (m_pages->count() > 0) {
+        delete m_pages->widget(m_pages->count() - 1);
+    }
+    delete m_pages;
+}
+
+int BiosInterface::getDebugLevel() const
+{
+    return m_debugLevel;
+}
+
+/// What has to be known and applied before the window is built.
+void BiosInterface::preAction()
+{
+    readDebugLevel();
+    readScreenSize();
+    findDisplayOutput();
+    setScreenSaving();
+    setBackLighting();
+    watchScreens(); // before the orientation, which changes the size of the screen
+    setScreenOrientation();
+}
+
+void BiosInterface::readDebugLevel()
+{
+    const QString level = m_settings.value("bios.debug");
+    if (!level.isEmpty()) {
+        m_debugLevel = level.toInt();
+    }
+}
+
+void BiosInterface::readScreenSize()
+{
+    if (const auto size = parseScreenSize(m_settings.value("bios.screen.size"))) {
+        m_screenWidth = size->width();
+        m_screenHeight = size->height();
+    }
+}
+
+void BiosInterface::findDisplayOutput()
+{
+    m_displayOutput = connectedOutputName(readOutput(outputQueryCommand(), queryLimit));
+}
+
+void BiosInterface::watchScreens()
+{
+    const auto screens = QGuiApplication::screens();
+    for (QScreen *screen : screens) {
+        watchScreen(screen);
+    }
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, &BiosInterface::watchScreen);
+}
+
+void BiosInterface::watchScreen(QScreen *screen)
+{
+    connect(screen, &QScreen::geometryChanged, this, [this, screen] {
+        slotresize(static_cast<int>(QGuiApplication::screens().indexOf(screen)));
+    });
+}
+
+void BiosInterface::slotresize(int screen)
+{
+    if (const QScreen *resized = QGuiApplication::screens().value(screen)) {
+        resize(resized->geometry().size());
+        update();
+    }
+}
+
+void BiosInterface::init()
+{
+    setUpWindow();
+    // The on-screen keypad's input context is installed here.
+    setUpFont();
+    createPageStack();
+    buildPages();
+}
+
+void BiosInterface::setUpWindow()
+{
+    if (m_screenWidth > 0 && m_screenHeight > 0) {
+        resize(m_screenWidth, m_screenHeight);
+    } else {
+        resize(QGuiApplication::primaryScreen()->virtualGeometry().size());
+    }
+    setWindowFlags(Qt::FramelessWindowHint);
+}
+
+void BiosInterface::setUpFont()
+{
+    for (const char *substitute : fontSubstitutes) {
+        QFont::insertSubstitution(fontFamily, QLatin1String(substitute));
+    }
+    QFont windowFont = font();
+    windowFont.setFamily(fontFamily);
+    windowFont.setWeight(QFont::Bold);
+    windowFont.setPixelSize(fontPixelSizeFor(getCurrentRuntimeModel()));
+    setFont(windowFont);
+}
+
+void BiosInterface::createPageStack()
+{
+    m_pages = new QStackedWidget(this);
+    for (int page = 0; page < PageCount; ++page) {
+        m_pages->addWidget(page <= MainSettingsPage ? new StackWidgetPage
+                                                    : new StackWidgetPage(StackWidgetPage::Glow));
+    }
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_pages);
+    m_pages->setCurrentIndex(CountDownPage);
+}
+
+void BiosInterface::buildPages()
+{
+    initCountDownPage();
+    initMainSettingsButtonsPage();
+    initCOMPortPage();
+    initEthernetPage();
+    initFiletransferPage();
+    initMiscPage();
+    initCalibrationPage();
+    initSystemStatusPage();
+    initHomeKeyPage();
+    initFontPage();
+}
+
+void BiosInterface::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+        setScreenOrientation();
+    }
+    QWidget::changeEvent(event);
+}

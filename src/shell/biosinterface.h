@@ -1,0 +1,204 @@
+#pragma once
+
+#include "system/settingsfile.h"
+
+#include <QPair>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <QWidget>
+
+class QBoxLayout;
+class QHBoxLayout;
+class QLayout;
+class QScreen;
+class QStackedWidget;
+class SettingsButton;
+class StackWidgetPage;
+class StartingApplicationAniationButton;
+
+/// The settings window: reads and applies the stored settings, counts down, starts the HMI
+/// runtime and holds all settings pages. It owns the settings, the page stack and every page.
+/// Each page is a trio of members, a builder (init...), a loader (load...) and a saver
+/// (save...), implemented in the file of the page.
+class BiosInterface : public QWidget
+{
+    Q_OBJECT
+public:
+    /// Indices of the pages in the page stack.
+    enum Page : int {
+        CountDownPage,
+        MainSettingsPage,
+        ComPortPage,
+        EthernetPage,
+        FileTransferPage,
+        BacklightPage, ///< stays empty: its builder is not called
+        MiscPage,
+        CalibrationPage,
+        VolumePage, ///< stays empty: its builder is not called
+        SystemStatusPage,
+        HomeKeyPage,
+        FontPage,
+        TimeSettingPage, ///< stays empty
+        SparePage1,      ///< stays empty
+        SparePage2,      ///< stays empty
+        PageCount
+    };
+
+    /// Reads the settings, applies the display settings and builds all pages. Blocks while the
+    /// tools run that this takes. A tool or file that is missing is passed over.
+    explicit BiosInterface(QWidget *parent = nullptr);
+    ~BiosInterface() override;
+
+    /// Debug level from the settings, 0 if not set. Above 0 adds the "Home Key" button.
+    int getDebugLevel() const;
+
+    /// Runs a tool, waits for it for at most @p timeout milliseconds (-1: without limit) and logs
+    /// the run. With empty @p arguments @p program is a whole command line, split at blanks with
+    /// double quotes for grouping.
+    /// Result: the text on standard output, then the text on standard error or "not finished"
+    /// if the tool could not be started or did not end in time. Both texts are 8-bit characters
+    /// up to the first zero byte. The exit code is not looked at.
+    QPair<QString, QString> doProcess(const QString &program, const QStringList &arguments,
+                                      int timeout);
+
+    /// Writes the program's environment to the debug channel; the argument is not used. Nothing
+    /// calls it: it is there for diagnosis, under a name that is misspelt for good.
+    void echoEnviromentProcess(const QString &unused);
+
+    /// Adds the entries of the settings file to the settings. A missing or unreadable file adds
+    /// none.
+    void readINI();
+
+    /// Writes all settings over the settings file. A failure is a debug line; the settings keep
+    /// their values.
+    void writeINI();
+
+    /// Gives a caption of a page its look: white text in a font 24 pixels high.
+    static void setWidgetWithStyle(QWidget *widget);
+
+    // The order of the slots is part of the interface: the meta-object numbers them by it.
+public slots:
+    void goToSettingsPage();
+
+    /// Starts the HMI runtime and blocks until it ends; the main settings page is shown then.
+    void runApplication();
+
+    /// Opens the page whose index is in the sender's object name ("label:index").
+    void runSettingsUI();
+
+    /// Leaves a page: saves it if the sender's object name contains "ok".
+    void titleBarButtonPressed();
+
+    /// Calls the loader of the page, if it has one. A failure is a debug line.
+    void loadSettings(int pageIndex);
+    virtual bool loadEthernetSettings();
+    virtual bool loadFiletransferSettings();
+    virtual bool loadMiscSettings();
+    virtual bool loadCalibrationSettings();
+    virtual bool loadSystemStatusSettings();
+    virtual bool loadFontSettings();
+    virtual bool loadTimeSettings();
+
+    /// Calls the saver of the page, if it has one. A failure is a debug line.
+    void saveSettings(int pageIndex);
+    virtual bool saveEthernetSettings();
+    virtual bool saveFiletransferSettings();
+    virtual bool saveMiscSettings();
+    virtual bool saveCalibrationSettings();
+    virtual bool saveFontSettings();
+    virtual bool saveTimeSettings();
+
+    void updateBIOSDialog(const QString &filename = QString());
+    bool installPackages();
+    void slotTimerEdit();
+
+    /// Resizes the window to the screen with the index @p screen; another index does nothing.
+    void slotresize(int screen);
+
+    void setScreenOrientation();
+    void slotRescueTimesup();
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    struct PageActions
+    {
+        Page page;
+        bool (BiosInterface::*load)();
+        bool (BiosInterface::*save)();
+    };
+    struct PageButton
+    {
+        SettingsButton *BiosInterface::*button;
+        const char *label;
+        Page page;
+    };
+    static const PageActions s_pageActions[];
+    static const PageButton s_pageButtons[];
+
+    void preAction();
+    void readDebugLevel();
+    void readScreenSize();
+    void findDisplayOutput();
+    void watchScreens();
+    void watchScreen(QScreen *screen);
+    void setScreenSaving();
+    void setBackLighting();
+
+    void init();
+    void setUpWindow();
+    void setUpFont();
+    void createPageStack();
+    void buildPages();
+
+    void initCountDownPage();
+    void initMainSettingsButtonsPage();
+    void initCOMPortPage();
+    void initEthernetPage();
+    void initFiletransferPage();
+    void initBacklightPage();
+    void initMiscPage();
+    void initCalibrationPage();
+    void initVolumePage();
+    void initSystemStatusPage();
+    void initHomeKeyPage();
+    void initFontPage();
+    void initTimeSettingPage();
+    void initEmptyPage(Page page, const QString &title);
+
+    QHBoxLayout *createTitleBar(const QString &title, bool withOk, bool withCancel);
+    SettingsButton *createTitleBarButton(const QString &text, const QString &name);
+    static void setPageLayout(QLayout *titleBar, QLayout *content, QWidget *page);
+
+    void createPageButtons();
+    void deletePageButtons();
+    QLayout *createPageButtonGrid();
+
+    void runPageAction(int pageIndex, bool (BiosInterface::*PageActions::*action)());
+
+    SettingsMap m_settings;
+    int m_screenWidth = -1;  ///< px, -1: not configured
+    int m_screenHeight = -1; ///< px, -1: not configured
+    int m_debugLevel = 0;
+    QTimer m_clockTick;      ///< runs while the miscellaneous page shows the time
+    QString m_displayOutput; ///< name for xrandr, empty if none is connected
+    QTimer *m_rescuePoll = nullptr;
+    QString m_touchDevice{"null"}; ///< "null": not found yet
+
+    QStackedWidget *m_pages = nullptr;
+    StartingApplicationAniationButton *m_countDown = nullptr;
+    SettingsButton *m_runApplication = nullptr;
+    SettingsButton *m_comPort = nullptr;
+    SettingsButton *m_ethernet = nullptr;
+    SettingsButton *m_fileTransfer = nullptr;
+    SettingsButton *m_backlight = nullptr;
+    SettingsButton *m_miscellaneous = nullptr;
+    SettingsButton *m_calibration = nullptr;
+    SettingsButton *m_volume = nullptr;
+    SettingsButton *m_systemStatus = nullptr;
+    SettingsButton *m_homeKey = nullptr; ///< only with a debug level above 0
+    SettingsButton *m_installFonts = nullptr;
+};

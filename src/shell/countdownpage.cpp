@@ -1,0 +1,37 @@
+#include "shell/biosinterface.h"
+
+#include "system/commandline.h"
+#include "system/process.h"
+#include "widgets/startingapplicationaniationbutton.h"
+
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace {
+constexpr int countDownMargin = 19; // px of the page's background around the button
+}
+
+void BiosInterface::initCountDownPage()
+{
+    m_countDown = new StartingApplicationAniationButton;
+    connect(m_countDown, &StartingApplicationAniationButton::countDownToZero, this,
+            &BiosInterface::runApplication);
+    connect(m_countDown, &StartingApplicationAniationButton::buttonClicked, this,
+            &BiosInterface::goToSettingsPage);
+    auto *layout = new QVBoxLayout(m_pages->widget(CountDownPage));
+    layout->setContentsMargins(countDownMargin, countDownMargin, countDownMargin, countDownMargin);
+    layout->setSpacing(0);
+    layout->addWidget(m_countDown);
+}
+
+void BiosInterface::runApplication()
+{
+    m_pages->setCurrentIndex(MainSettingsPage);
+    runAndWait(runtimeCommand());
+    repaint(); // nothing was painted while the runtime ran: show the page at once
+}
+
+void BiosInterface::goToSettingsPage()
+{
+    m_pages->setCurrentIndex(MainSettingsPage);
+}

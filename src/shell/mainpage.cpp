@@ -1,0 +1,115 @@
+#include "shell/biosinterface.h"
+
+#include "shell/pagebuttongrid.h"
+#include "shell/pagename.h"
+#include "widgets/settingsbutton.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace {
+constexpr int contentMargin = 29;        // px
+constexpr int spacerSize = 20;           // px
+constexpr int gridSpacing = 11;          // px
+constexpr int headingFontSize = 28;      // px
+constexpr int headingMaximumHeight = 50; // px
+constexpr QColor headingColor(192, 104, 31);
+
+QLabel *createHeading(const QString &text, QWidget *parent)
+{
+    auto *heading = new QLabel(text, parent);
+    QPalette palette = heading->palette();
+    palette.setColor(QPalette::WindowText, headingColor);
+    heading->setPalette(palette);
+    QFont font = heading->font();
+    font.setPixelSize(headingFontSize);
+    font.setWeight(QFont::Bold);
+    font.setItalic(true);
+    heading->setFont(font);
+    heading->setMaximumHeight(headingMaximumHeight);
+    return heading;
+}
+
+QFrame *createLine(QWidget *parent)
+{
+    auto *line = new QFrame(parent);
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
+}
+} // namespace
+
+// In the order of the members, which is the order in which they are deleted.
+const BiosInterface::PageButton BiosInterface::s_pageButtons[] = {
+    {&BiosInterface::m_comPort, QT_TR_NOOP("COM Port"), ComPortPage},
+    {&BiosInterface::m_ethernet, QT_TR_NOOP("Ethernet"), EthernetPage},
+    {&BiosInterface::m_fileTransfer, QT_TR_NOOP("File Transfer"), FileTransferPage},
+    {&BiosInterface::m_backlight, QT_TR_NOOP("Backlight"), BacklightPage},
+    {&BiosInterface::m_miscellaneous, QT_TR_NOOP("Miscellaneous"), MiscPage},
+    {&BiosInterface::m_calibration, QT_TR_NOOP("Calibration"), CalibrationPage},
+    {&BiosInterface::m_volume, QT_TR_NOOP("Volume"), VolumePage},
+    {&BiosInterface::m_systemStatus, QT_TR_NOOP("System Status"), SystemStatusPage},
+    {&BiosInterface::m_homeKey, QT_TR_NOOP("Home Key"), HomeKeyPage},
+    {&BiosInterface::m_installFonts, QT_TR_NOOP("Install Fonts"), FontPage},
+};
+
+void BiosInterface::initMainSettingsButtonsPage()
+{
+    QWidget *page = m_pages->widget(MainSettingsPage);
+    m_runApplication = new SettingsButton(tr("Run Application"), page);
+    connect(m_runApplication, &SettingsButton::buttonClicked, this, &BiosInterface::runApplication);
+    createPageButtons();
+
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    content->addWidget(m_runApplication);
+    content->addSpacing(spacerSize);
+    content->addWidget(createLine(page));
+    content->addWidget(createHeading(tr("Settings"), page));
+    content->addLayout(createPageButtonGrid());
+    setPageLayout(createTitleBar(tr("TALMERO"), false, false), content, page);
+}
+
+void BiosInterface::createPageButtons()
+{
+    for (const PageButton &entry : s_pageButtons) {
+        if (entry.page == HomeKeyPage && m_debugLevel <= 0) {
+            continue;
+        }
+        const QString label = tr(entry.label);
+        auto *button = new SettingsButton(label);
+        button->setObjectName(pageButtonName(label, entry.page));
+        connect(button, &SettingsButton::buttonClicked, this, &BiosInterface::runSettingsUI);
+        this->*entry.button = button;
+    }
+    // No current panel has what these three would set: they exist, and no layout shows them.
+    m_comPort->setEnabled(false);
+    m_backlight->setEnabled(false);
+    m_volume->setEnabled(false);
+    m_miscellaneous->setEnabled(true);
+}
+
+void BiosInterface::deletePageButtons()
+{
+    for (const PageButton &entry : s_pageButtons) {
+        delete (this->*entry.button);
+    }
+}
+
+QLayout *BiosInterface::createPageButtonGrid()
+{
+    auto *grid = new PageButtonGrid;
+    grid->setSpacing(gridSpacing);
+    grid->addWidget(m_installFonts, 0, 0);
+    grid->addWidget(m_ethernet, 0, 1);
+    grid->addWidget(m_fileTransfer, 0, 2);
+    grid->addWidget(m_systemStatus, 1, 0);
+    grid->addWidget(m_miscellaneous, 1, 1);
+    grid->addWidget(m_calibration, 1, 2);
+    if (m_homeKey != nullptr) {
+        grid->addWidget(m_homeKey, 2, 0);
+    }
+    return grid;
+}

@@ -1,0 +1,71 @@
+#include "panelprogram.h"
+
+#include "panelguard.h"
+
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+
+namespace {
+constexpr int endLimit = 10000; // ms
+}
+
+PanelProgram::PanelProgram(const QStringList &arguments)
+{
+    requirePanel();
+    m_process.setProcessChannelMode(QProcess::SeparateChannels);
+    m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.start(PANEL_PROGRAM, arguments);
+    if (!m_process.waitForStarted()) {
+        qFatal("cannot start %s", PANEL_PROGRAM);
+    }
+}
+
+PanelProgram::~PanelProgram()
+{
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+bool PanelProgram::isRunning() const
+{
+    return m_process.state() == QProcess::Running;
+}
+
+int PanelProgram::waitForEnd()
+{
+    const bool ended = m_process.waitForFinished(endLimit) || !isRunning();
+    return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+QString PanelProgram::errorText()
+{
+    m_errorText += QString::fromUtf8(m_process.readAllStandardError());
+    return m_errorText;
+}
+
+QImage screenImage()
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+}
+
+QColor screenColor(QPoint at)
+{
+    return screenImage().pixelColor(at);
+}
+
+void tapScreen(QPoint at)
+{
+    toolOutput({PANEL_SIMULATOR "/finger", "send", QString("tap %1 %2").arg(at.x()).arg(at.y())});
+}
+
+QString toolOutput(const QStringList &command)
+{
+    QProcess process;
+    process.start(command.first(), command.mid(1));
+    if (!process.waitForFinished() || process.exitCode() != 0) {
+        qFatal("%s failed: %s", qPrintable(command.join(' ')),
+               process.readAllStandardError().constData());
+    }
+    return QString::fromUtf8(process.readAllStandardOutput());
+}

@@ -1,0 +1,171 @@
+#include "widgets/startingapplicationaniationbutton.h"
+
+#include "layermodel.h"
+
+#include <QElapsedTimer>
+#include <QFontMetrics>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+constexpr QSize buttonSize(400, 300);
+constexpr QPoint centre(200, 150);
+constexpr int second = 1000; // ms
+/// Room around the ring, in which pixels are not as the layers alone make them.
+constexpr QRect ringArea(110, 60, 180, 180);
+
+const QList<QColor> ringColors{Qt::red, Qt::magenta, Qt::yellow, Qt::green, Qt::blue, Qt::white};
+
+QImage painted(QWidget &button)
+{
+    return button.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+/// The count of which the ring has its colour, -1 if there is no ring. The ring is looked for at
+/// its radius, where the number in the centre does not reach.
+int ringCount(StartingApplicationAniationButton &button)
+{
+    const int radius = QFontMetrics(button.font()).height();
+    const QImage image = painted(button);
+    for (int degree = 0; degree < 360; ++degree) {
+        const double angle = qDegreesToRadians(double(degree));
+        const QPoint at = centre + QPoint(int(radius * qCos(angle)), int(radius * qSin(angle)));
+        const qsizetype count = ringColors.indexOf(image.pixelColor(at));
+        if (count >= 0) {
+            return int(count);
+        }
+    }
+    return -1;
+}
+
+LayerModel computed(bool pressed)
+{
+    const QRect rect(QPoint(0, 0), buttonSize);
+    LayerModel model(buttonSize, Qt::black);
+    if (!pressed) {
+        model.addShadow(rect);
+        model.addBarShadow(rect);
+        model.addLinearGradient(rect);
+        model.addHighlight(rect);
+    }
+    return model;
+}
+
+bool holdsWhite(const QImage &image, const QRect &area)
+{
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            if (image.pixelColor(x, y) == QColor(Qt::white)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+} // namespace
+
+class TestCountDown : public QObject
+{
+    Q_OBJECT
+private slots:
+    void usesLargeBoldFont();
+    void countsDownForSixSeconds();
+    void touchStopsTheCount();
+    void showingAgainRestarts();
+    void paintsAsComputed();
+    void slidingOffCountsAsTouch();
+};
+
+void TestCountDown::usesLargeBoldFont()
+{
+    const StartingApplicationAniationButton button;
+    QCOMPARE(button.font().pixelSize(), 40);
+    QCOMPARE(button.font().weight(), QFont::Bold);
+}
+
+void TestCountDown::countsDownForSixSeconds()
+{
+    StartingApplicationAniationButton button;
+    button.resize(buttonSize);
+    QSignalSpy zero(&button, &StartingApplicationAniationButton::countDownToZero);
+    button.show();
+    QElapsedTimer timer;
+    timer.start();
+    for (int count = 5; count >= 0; --count) {
+        QTest::qWait(int((5 - count) * second + second / 2 - timer.elapsed()));
+        QCOMPARE(ringCount(button), count);
+        QCOMPARE(zero.count(), 0);
+    }
+    QVERIFY(zero.wait(2 * second));
+    QVERIFY2(qAbs(timer.elapsed() - qint64(6) * second) < 300,
+             qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(ringCount(button), -1); // no colour for -1: no ring, but the number
+    QVERIFY(holdsWhite(painted(button), QRect(centre - QPoint(30, 20), QSize(60, 40))));
+    QTest::qWait(2 * second);
+    QCOMPARE(zero.count(), 1);
+}
+
+void TestCountDown::touchStopsTheCount()
+{
+    StartingApplicationAniationButton button;
+    button.resize(buttonSize);
+    QSignalSpy zero(&button, &StartingApplicationAniationButton::countDownToZero);
+    QSignalSpy clicked(&button, &StartingApplicationAniationButton::buttonClicked);
+    button.show();
+    QTRY_COMPARE(ringCount(button), 3);
+    QTest::mousePress(&button, Qt::LeftButton);
+    QCOMPARE(clicked.count(), 0);
+    QTest::mouseRelease(&button, Qt::LeftButton);
+    QCOMPARE(clicked.count(), 1);
+    QTest::qWait(5 * second);
+    QCOMPARE(ringCount(button), 3);
+    QCOMPARE(zero.count(), 0);
+    QTest::mouseClick(&button, Qt::LeftButton);
+    QCOMPARE(clicked.count(), 2);
+}
+
+void TestCountDown::showingAgainRestarts()
+{
+    StartingApplicationAniationButton button;
+    button.resize(buttonSize);
+    QSignalSpy zero(&button, &StartingApplicationAniationButton::countDownToZero);
+    button.show();
+    QTRY_COMPARE(ringCount(button), 4);
+    button.hide();
+    button.show();
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(ringCount(button), 5);
+    QVERIFY(zero.wait(8 * second));
+    // The first show's timer still ticks and must not count.
+    QVERIFY2(qAbs(timer.elapsed() - qint64(6) * second) < 300,
+             qPrintable(QString::number(timer.elapsed())));
+    QTest::qWait(2 * second);
+    QCOMPARE(zero.count(), 1);
+}
+
+void TestCountDown::paintsAsComputed()
+{
+    StartingApplicationAniationButton button;
+    button.resize(buttonSize);
+    QCOMPARE(computed(false).difference(painted(button), ringArea), QString());
+    QCOMPARE(ringCount(button), 5);
+    button.setPressed(true);
+    QCOMPARE(computed(true).difference(painted(button), ringArea), QString());
+    QCOMPARE(ringCount(button), 5);
+    button.setPressed(false);
+    QCOMPARE(computed(false).difference(painted(button), ringArea), QString());
+}
+
+void TestCountDown::slidingOffCountsAsTouch()
+{
+    StartingApplicationAniationButton button;
+    button.resize(buttonSize);
+    QSignalSpy clicked(&button, &StartingApplicationAniationButton::buttonClicked);
+    QTest::mousePress(&button, Qt::LeftButton, {}, centre);
+    QTest::mouseRelease(&button, Qt::LeftButton, {}, QPoint(5000, -1));
+    QCOMPARE(clicked.count(), 1);
+}
+
+QTEST_MAIN(TestCountDown)
+#include "tst_countdown.moc"
