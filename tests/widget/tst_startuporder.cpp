@@ -9,6 +9,8 @@
 #include "widgets/settingsbutton.h"
 
 #include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
 #include <QScreen>
 #include <QStackedWidget>
 #include <QTest>
@@ -40,9 +42,12 @@ private slots:
     void survivesBadSettingsFile_data();
     void survivesBadSettingsFile();
     void settingsFileIsRewrittenInOrder();
+    void missingSettingsFileIsMadeOnWrite();
+    void unwritableSettingsFileIsADebugLine_data();
     void unwritableSettingsFileIsADebugLine();
     void survivesBadDisplayTool_data();
     void survivesBadDisplayTool();
+    void missingDisplayToolIsPassedOver();
     void hangingDisplayToolIsCutOff();
     void survivesBadVersionFiles_data();
     void survivesBadVersionFiles();
@@ -174,21 +179,48 @@ void TestStartupOrder::settingsFileIsRewrittenInOrder()
              QByteArray("a=1\napp.mouse=1\nb=4\nunknown=\xC3\xA4 \xE9\n"));
 }
 
+void TestStartupOrder::missingSettingsFileIsMadeOnWrite()
+{
+    removePanelFile("bios.ini");
+    BiosInterface window;
+    QCOMPARE(window.size(), desktopSize());
+    QVERIFY(!QFile::exists("/opt/talmero/bios/bios.ini")); // reading makes none
+    const DebugLog log;
+    window.writeINI();
+    QVERIFY(QFile::exists("/opt/talmero/bios/bios.ini"));
+    QCOMPARE(readPanelFile("bios.ini"), QByteArray());
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void TestStartupOrder::unwritableSettingsFileIsADebugLine_data()
+{
+    QTest::addColumn<QString>("cover"); // makes the file unwritable on an empty file system
+    QTest::newRow("folder at its place") << "mkdir %1/bios.ini";
+    QTest::newRow("read-only file system") << "mount -o remount,ro %1";
+    QTest::newRow("full file system") << "head -c 1000000 /dev/zero >%1/rest 2>/dev/null || true";
+}
+
 void TestStartupOrder::unwritableSettingsFileIsADebugLine()
 {
+    QFETCH(QString, cover);
+    const QString folder("/opt/talmero/bios");
+    const auto shell = [&folder](const QString &text) {
+        QCOMPARE(QProcess::execute("/bin/sh", {"-c", text.arg(folder)}), 0);
+    };
     writePanelFile("bios.ini", "a=1\n");
     BiosInterface window;
-    putFolderAtPanelFile("bios.ini");
-    {
-        const DebugLog log;
-        window.writeINI();
-        QCOMPARE(log.lines(),
-                 QStringList{"void BiosInterface::writeINI() Write BIOS INI File: "
-                             "/opt/talmero/bios/bios.ini Error"});
-    }
+    shell("mount -t tmpfs -o size=64k panel %1");
+    shell(cover);
+    const DebugLog log;
+    window.writeINI();
+    QCOMPARE(log.lines(),
+             QStringList{"void BiosInterface::writeINI() Write BIOS INI File: "
+                         "/opt/talmero/bios/bios.ini Error"});
+    shell("umount %1");
     removePanelFile("bios.ini");
     window.writeINI(); // the settings are still there
     QCOMPARE(readPanelFile("bios.ini"), QByteArray("a=1\n"));
+    QCOMPARE(log.lines().size(), 1);
 }
 
 void TestStartupOrder::survivesBadDisplayTool_data()
@@ -207,6 +239,15 @@ void TestStartupOrder::survivesBadDisplayTool()
     const BiosInterface window;
     QCOMPARE(window.size(), desktopSize());
     QCOMPARE(m_tools->calls().value(0), QString("xrandr [-q]"));
+}
+
+void TestStartupOrder::missingDisplayToolIsPassedOver()
+{
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", "/nonexistent");
+    const BiosInterface window;
+    qputenv("PATH", path);
+    QCOMPARE(window.size(), desktopSize());
 }
 
 void TestStartupOrder::hangingDisplayToolIsCutOff()

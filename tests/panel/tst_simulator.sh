@@ -1,0 +1,168 @@
+#!/usr/bin/env bash
+# The simulated panel and run.sh keep what they promise. Usage: tst_simulator.sh BUILD_FOLDER
+set -u
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+build=$(cd "${1:?build folder}" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failures=0
+
+panel() {
+    "$root/simulator/panel" --build "$build" "$@"
+}
+
+# check NAME COMMAND...: the command must succeed
+check() {
+    local name=$1
+    shift
+    if "$@" >"$work/output" 2>&1; then
+        echo "PASS   : $name"
+    else
+        echo "FAIL!  : $name"
+        sed 's/^/         /' "$work/output"
+        failures=$((failures + 1))
+    fi
+}
+
+# status EXPECTED COMMAND...
+status() {
+    local expected=$1
+    shift
+    "$@"
+    local actual=$?
+    [ "$actual" -eq "$expected" ] || { echo "status $actual, not $expected" && return 1; }
+}
+
+# says PATTERN COMMAND...: the output must hold a line that matches
+says() {
+    local pattern=$1
+    shift
+    "$@" 2>&1 | tee "$work/said"
+    grep -qE -- "$pattern" "$work/said"
+}
+
+is_picture() { # FILE SIZE: a PNG of that size that is not of one colour
+    [ "$(identify -format %wx%h "$1")" = "$2" ] && [ "$(identify -format %k "$1")" -gt 50 ]
+}
+
+mounts_and_displays() {
+    cat /proc/self/mounts
+    find /tmp -maxdepth 1 -name '.X*' | sort
+}
+
+# The bit of CAP_SYS_TIME in the set beyond which no process in the panel gets.
+clock_is_out_of_reach() {
+    local capabilities
+    capabilities=$(panel -- sed -n 's/^CapBnd:\t//p' /proc/self/status)
+    [ $((0x$capabilities >> 25 & 1)) -eq 0 ]
+}
+
+host_stays_as_it_is() {
+    panel -- sh -c 'echo x >/etc/panel-was-here && rm /etc/passwd && mkdir -p /home/dest/x &&
+        echo 9 >/opt/talmero/bios/fwver && cat /etc/panel-was-here' &&
+        [ ! -e /etc/panel-was-here ] && [ -e /etc/passwd ] && [ ! -e /home/dest/x ]
+}
+
+share_reaches_the_host() {
+    mkdir "$work/shared" && panel --share "$work/shared" -- touch "$work/shared/file" &&
+        [ -e "$work/shared/file" ]
+}
+
+panels_do_not_meet() {
+    local first
+    panel -- sh -c 'echo 1 >/opt/mine && sleep 1 && cat /opt/mine' >"$work/first" &
+    first=$!
+    panel -- sh -c 'sleep 0.3 && test ! -e /opt/mine' && wait "$first" &&
+        [ "$(cat "$work/first")" = 1 ]
+}
+
+clock_tools_are_stand_ins() {
+    says '^\[tool\] date 010203042026$' panel -- date 010203042026 &&
+        says '^\[tool\] hwclock -w$' panel -- hwclock -w &&
+        says '^\[tool\] beep -f 1000$' panel -- beep -f 1000 &&
+        says "^$(date +%Y)$" panel -- date +%Y
+}
+
+# shellcheck disable=SC2016
+finger_presses_the_touch_device() {
+    panel --display xorg -- bash -c '
+        device="PenMount USB Touchscreen"
+        set -e
+        xinput --list --name-only | grep -qx "$device"
+        xinput query-state "$device" | grep -q "button\[1\]=up"
+        "$0/finger" send "down 100 100"
+        xinput query-state "$device" | grep -q "button\[1\]=down"
+        "$0/finger" send up
+        xinput query-state "$device" | grep -q "button\[1\]=up"' "$root/simulator"
+}
+
+# shellcheck disable=SC2016
+brightness_really_changes() {
+    panel --display xorg -- sh -c '
+        name=$(xrandr -q | sed -n "s/ connected .*//p")
+        xrandr --output "$name" --brightness 0.5 && xrandr --verbose | grep -q "Brightness: 0.50"'
+}
+
+screen_really_turns() {
+    panel --display xephyr --size 640x480 -- sh -c '
+        xrandr --output default --rotate left && xrandr -q | grep -q "current 480 x 640"'
+}
+
+every_size_starts() {
+    local size
+    for size in 800x600 1024x768 1280x800 480x800; do
+        panel --display xorg --size "$size" -- xrandr -q | grep -q "current ${size/x/ x }" || return
+    done
+}
+
+trace_names_each_tool() {
+    says "^\[tool\] xset s 600$" panel --trace --display xorg -- xset s 600 &&
+        says "^\[tool\] sleep 0$" panel --trace -- sleep 0
+}
+
+# A terminal's Ctrl-C reaches the whole group.
+interrupt_leaves_nothing() {
+    local before after run
+    before=$(mounts_and_displays)
+    setsid "$root/simulator/panel" --build "$build" --display xorg -- \
+        "$build/talmero-bios" >"$work/run" 2>&1 &
+    run=$!
+    sleep 2
+    kill -INT -- "-$run"
+    wait "$run"
+    after=$(mounts_and_displays)
+    [ "$before" = "$after" ] && ! pgrep -s "$run" >/dev/null
+}
+
+run_takes_a_picture() {
+    (cd "$work" && "$root/run.sh" --screenshot picture.png --after 0.5 "$@")
+}
+
+check "gives the command's status" status 7 panel -- sh -c 'exit 7'
+# shellcheck disable=SC2016
+check "gives the signal's status" status 139 panel -- sh -c 'kill -SEGV $$'
+check "says when there is no such command" status 127 panel -- no-such-command
+check "refuses unknown options" status 2 panel --unknown true
+check "leaves the host as it is" host_stays_as_it_is
+check "shares a folder" share_reaches_the_host
+check "keeps panels apart" panels_do_not_meet
+check "keeps the clock out of reach" clock_is_out_of_reach
+check "stands in for the clock tools" clock_tools_are_stand_ins
+check "has no real serial port" panel -- test ! -e /dev/ttyS0
+check "prints ifconfig's classic format" says 'Link encap:Local Loopback' panel -- ifconfig lo
+check "has a touch device" finger_presses_the_touch_device
+check "changes brightness" brightness_really_changes
+check "turns the screen" screen_really_turns
+check "starts in every size" every_size_starts
+check "traces tools" trace_names_each_tool
+check "ends on Ctrl-C and leaves nothing" interrupt_leaves_nothing
+
+check "run.sh explains itself" says '^Usage: ./run.sh' "$root/run.sh" --help
+check "run.sh refuses unknown options" status 2 "$root/run.sh" --unknown
+check "run.sh refuses a bad size" status 2 "$root/run.sh" --size 800
+check "run.sh takes a picture" run_takes_a_picture
+check "the picture shows something" is_picture "$work/picture.png" 800x600
+check "run.sh starts the factory window in another size" run_takes_a_picture --factory --size 1024x768
+check "that picture has its size" [ "$(identify -format %wx%h "$work/picture.png")" = 1024x768 ]
+
+[ "$failures" -eq 0 ]
