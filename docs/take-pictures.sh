@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Takes the pictures of the documents from the real program on the simulated panel.
+# Usage: docs/take-pictures.sh (after a build of the preset release)
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+# Runs in the panel: a picture of the countdown, then one of the main settings page.
+# shellcheck disable=SC2016 # the panel's shell expands it
+steps='
+    build/talmero-bios 2>/dev/null &
+    program=$!
+    sleep 2.5
+    simulator/panel-screenshot docs/pictures/countdown.png
+    simulator/finger send "tap 400 450"
+    sleep 0.5
+    simulator/panel-screenshot docs/pictures/main-page.png
+    kill $program'
+simulator/panel --display xorg --share docs/pictures -- bash -c "$steps"
