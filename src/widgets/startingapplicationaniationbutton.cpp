@@ -52,7 +52,8 @@ void StartingApplicationAniationButton::stopCounting()
 void StartingApplicationAniationButton::showEvent(QShowEvent *event)
 {
     m_count = firstCount;
-    m_timerId = startTimer(tickInterval, Qt::PreciseTimer); // only the latest timer counts, earlier ones run idle
+    m_timerId = startTimer(tickInterval,
+                           Qt::PreciseTimer); // only the latest timer counts, earlier ones run idle
     QWidget::showEvent(event);
 }
 
