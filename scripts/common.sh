@@ -10,7 +10,7 @@ build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy shellcheck)
 # shellcheck disable=SC2034
-panel_packages=(util-linux iproute2 busybox python3 procps
+panel_packages=(util-linux iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
     xserver-xorg-core xserver-xorg-video-dummy xserver-xephyr xvfb x11-utils
     x11-xserver-utils xinput xinput-calibrator imagemagick
     x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)

@@ -14,7 +14,7 @@ fail() {
     exit "$panel_error"
 }
 
-for topic in rootfs files tools display screenshot command; do
+for topic in rootfs far-side network files tools display screenshot command; do
     # shellcheck source=/dev/null
     source "$simulator/lib/$topic.sh"
 done
@@ -27,9 +27,11 @@ trap 'end_by_signal 15' TERM
 make_root
 enter_root
 set_environment
+start_network
 install_files
 install_tools
 start_tracing
 start_display
+finish_network
 run_command
 exit "$status"

@@ -20,6 +20,9 @@ install_tools() {
     if [[ -e /run/panel/xinput ]]; then
         mv -f /run/panel/xinput /usr/bin/xinput
     fi
+    if [[ -d $build/simulator/ifupdown/files ]]; then
+        cp -r "$build/simulator/ifupdown/files/." / || fail "cannot install ifupdown"
+    fi
     # the program reads the classic layout, which net-tools has given up
     busybox=$(type -P busybox) && ln -sf "$busybox" /usr/sbin/ifconfig
 }

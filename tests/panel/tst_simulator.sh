@@ -120,6 +120,131 @@ trace_names_each_tool() {
         says "^\[tool\] sleep 0$" panel --trace -- sleep 0
 }
 
+# Sourced in the panel. An ended client takes the kernel a moment to clear away.
+cat >"$work/network.sh" <<'SCRIPT'
+set -euo pipefail
+
+refused() { ! "$@"; }
+
+has_address() { # PORT
+    ifconfig "$1" | grep "inet addr:"
+}
+
+no_client_runs() {
+    local try
+    for ((try = 0; try < 50; try++)); do
+        pgrep -r R,S,D dhclient >/dev/null || return 0
+        sleep 0.05
+    done
+    pgrep -a dhclient
+    return 1
+}
+
+# The client must still be waiting when its time is up.
+gets_no_lease() { # PORT SECONDS
+    local result=0
+    timeout "$2" dhclient "$1" || result=$?
+    [ "$result" -eq 124 ] && ! has_address "$1" && no_client_runs
+}
+
+gets_lease() { # PORT
+    timeout 5 dhclient "$1" && has_address "$1"
+}
+
+# "dhclient -r" ends the client only then.
+client_is_known() {
+    timeout 5 bash -c "until [ -s /run/dhclient.pid ]; do sleep 0.02; done"
+}
+SCRIPT
+
+in_network() { # SCRIPT: for bash; it ends with the first failure. $network is the control.
+    panel --share "$work" -- env network="$root/simulator/network" \
+        bash -c "source '$work/network.sh'; $1"
+}
+
+# shellcheck disable=SC2016
+both_ports_get_a_lease() {
+    in_network '
+        for port in eth0 eth1; do
+            number=${port#eth}
+            mac=02:00:00:00:00:0$((number + 1))
+            subnet="192\.168\.$number"
+            ifconfig "$port" | grep -qE "HWaddr $mac *$"
+            refused has_address "$port"
+            gets_lease "$port"
+            ifconfig "$port" |
+                grep -E "^ +inet addr:$subnet\.1[0-9]{2}  Bcast:$subnet\.255  Mask:255\.255\.255\.0$"
+            "$network" leases | grep -E "^$port $subnet\.1[0-9]{2} $mac$"
+        done'
+}
+
+# shellcheck disable=SC2016
+lease_is_given_back() {
+    in_network '
+        gets_lease eth0
+        client_is_known
+        timeout 5 dhclient eth0 -r
+        refused has_address eth0
+        no_client_runs
+        [ -z "$("$network" leases)" ]'
+}
+
+# shellcheck disable=SC2016
+client_waits_while_dhcp_is_off() {
+    in_network '
+        "$network" dhcp eth0 off
+        gets_no_lease eth0 3
+        gets_lease eth1
+        "$network" dhcp eth0 on
+        gets_lease eth0'
+}
+
+# shellcheck disable=SC2016
+cable_can_be_pulled() {
+    in_network '
+        running() { ifconfig "$1" | grep "UP BROADCAST RUNNING"; }
+        running eth0
+        "$network" cable eth0 out
+        refused running eth0
+        ifconfig eth0 | grep "UP BROADCAST"
+        running eth1
+        gets_no_lease eth0 2
+        "$network" cable eth0 in
+        running eth0
+        gets_lease eth0'
+}
+
+# shellcheck disable=SC2016
+peer_echoes_on_either_port() {
+    in_network '
+        for port in eth0 eth1; do
+            ifconfig "$port" 192.168.0.9
+            exec 3<>/dev/tcp/192.168.0.30/33
+            for text in first second; do
+                echo "$text" >&3
+                read -r -t 2 answer <&3
+                [ "$answer" = "$text" ]
+            done
+            exec 3>&-
+            ifconfig "$port" 0.0.0.0
+        done'
+}
+
+# shellcheck disable=SC2016
+interfaces_are_read() {
+    in_network '
+        [ "$(ifquery --list)" = lo ]
+        printf "auto eth1\niface eth1 inet static\n    address 192.168.0.9\n" >>/etc/network/interfaces
+        ifquery eth1 | grep -x "address: 192.168.0.9"
+        ifup --no-act -a 2>&1 | grep "ip addr add 192.168.0.9"'
+}
+
+network_command_refuses() {
+    status 1 "$root/simulator/network" leases &&
+        status 2 panel -- "$root/simulator/network" cable eth2 out &&
+        status 2 panel -- "$root/simulator/network" dhcp eth0 maybe
+}
+
 # A terminal's Ctrl-C reaches the whole group.
 interrupt_leaves_nothing() {
     local before after run
@@ -150,6 +275,13 @@ check "keeps the clock out of reach" clock_is_out_of_reach
 check "stands in for the clock tools" clock_tools_are_stand_ins
 check "has no real serial port" panel -- test ! -e /dev/ttyS0
 check "prints ifconfig's classic format" says 'Link encap:Local Loopback' panel -- ifconfig lo
+check "gives both ports a lease" both_ports_get_a_lease
+check "takes a lease back" lease_is_given_back
+check "lets a client wait while DHCP is off" client_waits_while_dhcp_is_off
+check "pulls a cable" cable_can_be_pulled
+check "has a peer that echoes" peer_echoes_on_either_port
+check "reads the interfaces with ifupdown" interfaces_are_read
+check "refuses unknown network commands" network_command_refuses
 check "has a touch device" finger_presses_the_touch_device
 check "changes brightness" brightness_really_changes
 check "turns the screen" screen_really_turns

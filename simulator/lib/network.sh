@@ -1,0 +1,106 @@
+# The panel's network: two ports, their cables, and what is at the far ends. Sourced.
+# shellcheck shell=bash
+#
+# The client is Debian's own dhclient with Debian's settings: it asks at once, and asks
+# again after 3 to 20 seconds. What it leaves behind matters to whoever runs it twice:
+# - With a lease it stays in the background and renews. Running it again for the same
+#   port adds another process; both stay.
+# - It writes /run/dhclient.pid only after the command has returned. "-r" in that moment
+#   releases the lease, but ends no client.
+# - All of them write that file, so it names the last one only. "-r" ends the process in
+#   it, even if that serves the other port, and takes the address off its own port. An
+#   earlier process goes on, and its renewal after half an hour sets the address again.
+# - While it waits for an offer it is two processes, and no file tells of them. The child
+#   does the work. If only the parent is ended, as with a signal to its number, the child
+#   goes on asking, sets the address as soon as a server answers, and then ends: nobody
+#   renews that lease. A signal must go to the process group, as timeout sends it.
+# - Without an offer for a minute it says so on standard error if it was given "-v", ends
+#   with status 0 and stays in the background as well, with its number in the file.
+
+# A DHCP client would ask for the address that this machine once had.
+forget_leases() {
+    mkdir -p /var/lib/dhcp && mount -t tmpfs -o mode=755 panel /var/lib/dhcp
+}
+
+# The cables are fixed to their far ends: only there can they be pulled without
+# the port being switched off as well.
+connect_ports() {
+    local port
+    {
+        echo link set lo up
+        for port in "${ports[@]}"; do
+            echo netns add "far-$port"
+            echo link add "$port" address "02:00:00:00:00:0$((${port#eth} + 1))" \
+                type veth peer name lan address "02:00:00:00:01:0$((${port#eth} + 1))" \
+                netns "far-$port"
+            echo link set "$port" up
+        done
+    } | ip -batch -
+}
+
+address_far_end() { # PORT
+    ip -netns "far-$1" -batch - <<BATCH
+address add 192.168.${1#eth}.1/24 broadcast + dev lan
+address add $echo_address/24 broadcast + dev lan
+link set lo up
+link set lan up
+BATCH
+}
+
+is_listening() { # PROCESS TCP_PORT, in the network of that process
+    local port table address state
+    printf -v port %04X "$2"
+    for table in tcp tcp6; do
+        while read -r _ address _ state _; do
+            [[ $address == *:$port && $state == 0A ]] && return 0
+        done 2>/dev/null <"/proc/$1/net/$table"
+    done
+    return 1
+}
+
+# BusyBox cannot say that it is ready.
+wait_for_echo() { # PROCESS
+    local try
+    for ((try = 0; try < 500; try++)); do
+        is_listening "$1" "$echo_port" && return 0
+        kill -0 "$1" 2>/dev/null || return 1
+        sleep 0.01
+    done
+    return 1
+}
+
+start_far_end() { # PORT
+    local echo_peer dhcp_start
+    address_far_end "$1" || fail "cannot set up the far end of $1"
+    start_server "$far_folder/$1.echo.log" nsenter --net="$(far_network "$1")" \
+        busybox nc -ll -p "$echo_port" -e cat
+    echo_peer=$server
+    compose_dhcp_server "$1"
+    start_server "$far_folder/$1.start.log" "${dhcp_server[@]}"
+    dhcp_start=$server
+    wait "$dhcp_start" || fail "the DHCP server of $1 did not start: $(<"$far_folder/$1.start.log")"
+    wait_for_echo "$echo_peer" || fail "the echo peer of $1 did not start: $(<"$far_folder/$1.echo.log")"
+}
+
+set_up_network() {
+    local port far_ends=()
+    forget_leases || fail "cannot make a place for DHCP leases"
+    mkdir -p "$far_folder" && connect_ports || fail "cannot connect the network ports"
+    for port in "${ports[@]}"; do
+        start_far_end "$port" &
+        far_ends+=($!)
+    done
+    for port in "${!ports[@]}"; do
+        wait "${far_ends[port]}" || exit "$panel_error"
+    done
+}
+
+# Beside the rest of the set-up, because its servers take most of a short panel's time.
+start_network() {
+    set_up_network &
+    network_setup=$!
+}
+
+finish_network() {
+    wait "$network_setup" || exit "$panel_error"
+}
