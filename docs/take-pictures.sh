@@ -4,7 +4,8 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Runs in the panel: a picture of the countdown, then one of the main settings page.
+# Runs in the panel: pictures of the countdown, the main settings page, and the Ethernet page
+# with the keypad.
 # shellcheck disable=SC2016 # the panel's shell expands it
 steps='
     build/talmero-bios 2>/dev/null &
@@ -14,5 +15,10 @@ steps='
     simulator/finger send "tap 400 450"
     sleep 0.5
     simulator/panel-screenshot docs/pictures/main-page.png
+    simulator/finger send "tap 400 415"
+    sleep 0.5
+    simulator/finger send "tap 400 514"
+    sleep 0.5
+    simulator/panel-screenshot docs/pictures/ethernet.png
     kill $program'
 simulator/panel --display xorg --share docs/pictures -- bash -c "$steps"

@@ -1,4 +1,5 @@
 #include "factory/softwaresetup.h"
+#include "inputpanel/platformbridge.h"
 #include "shell/biosinterface.h"
 #include "system/commandline.h"
 #include "system/paths.h"
@@ -15,6 +16,7 @@ int main(int argc, char *argv[])
         return 0;
     }
     shieldFromEnvironment();
+    selectInputContextPlugin();
     const QApplication application(argc, argv);
     runAndWait(startPauseCommand());
 

@@ -27,11 +27,6 @@ void BiosInterface::initCOMPortPage()
     initEmptyPage(ComPortPage, tr("COM Port"));
 }
 
-void BiosInterface::initEthernetPage()
-{
-    initEmptyPage(EthernetPage, tr("Ethernet"));
-}
-
 void BiosInterface::initFiletransferPage()
 {
     initEmptyPage(FileTransferPage, tr("File Transfer"));
@@ -76,11 +71,6 @@ void BiosInterface::initTimeSettingPage()
 {
 }
 
-bool BiosInterface::loadEthernetSettings()
-{
-    return true;
-}
-
 bool BiosInterface::loadFiletransferSettings()
 {
     return true;
@@ -107,11 +97,6 @@ bool BiosInterface::loadFontSettings()
 }
 
 bool BiosInterface::loadTimeSettings()
-{
-    return true;
-}
-
-bool BiosInterface::saveEthernetSettings()
 {
     return true;
 }

@@ -1,5 +1,7 @@
 #include "shell/biosinterface.h"
 
+#include "inputpanel/myinputpanelcontext.h"
+#include "inputpanel/platformbridge.h"
 #include "system/commandline.h"
 #include "system/process.h"
 #include "system/screensize.h"
@@ -8,9 +10,10 @@
 #include "widgets/settingsbutton.h"
 #include "widgets/stackwidgetpage.h"
 #include "widgets/startingapplicationaniationbutton.h"
+#include "widgets/touchstyle.h"
 
+#include <QApplication>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QScreen>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -50,6 +53,7 @@ BiosInterface::BiosInterface(QWidget *parent)
 
 BiosInterface::~BiosInterface()
 {
+    installInputContext(nullptr);
     delete m_countDown;
     deletePageButtons();
     while (m_pages->count() > 0) {
@@ -123,7 +127,9 @@ void BiosInterface::slotresize(int screen)
 void BiosInterface::init()
 {
     setUpWindow();
-    // The on-screen keypad's input context is installed here.
+    QApplication::setStyle(new TouchStyle);
+    m_inputContext = std::make_unique<MyInputPanelContext>();
+    installInputContext(m_inputContext.get());
     setUpFont();
     createPageStack();
     buildPages();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/interfacesfile.h"
 #include "system/settingsfile.h"
 
 #include <QPair>
@@ -9,11 +10,17 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <array>
+#include <memory>
+
+class LineEditWithKeyPad;
+class MyInputPanelContext;
 class QBoxLayout;
 class QHBoxLayout;
 class QLayout;
 class QScreen;
 class QStackedWidget;
+class RadioButton;
 class SettingsButton;
 class StackWidgetPage;
 class StartingApplicationAniationButton;
@@ -78,6 +85,23 @@ public:
     /// Gives a caption of a page its look: white text in a font 24 pixels high.
     static void setWidgetWithStyle(QWidget *widget);
 
+    /// Gives back the DHCP lease of "eth0", whichever port is being set. Waits without limit.
+    /// Result: as doProcess().
+    QPair<QString, QString> releaseCurrenEthernetProcess();
+
+    /// Stores a fixed address for a port (0: "eth0", otherwise "eth1") and sets it at once. Texts
+    /// are taken as typed. Waits without limit. Result: as doProcess().
+    QPair<QString, QString> manualSetIPProcess(const QString &ip, const QString &mask, int lan);
+
+    /// Stores DHCP for a port (0: "eth0", otherwise "eth1") and obtains a lease within 10 s.
+    /// Result: as doProcess(), with the second text of the release in front of the second.
+    QPair<QString, QString> autoDetectIPProcess(int lan);
+
+    /// Writes the interfaces file for the modes that the Ethernet page shows and these texts. If
+    /// that fails the old file stays.
+    void writeEthInterface(const QString &ip0, const QString &ip1, const QString &mask0,
+                           const QString &mask1);
+
     // The order of the slots is part of the interface: the meta-object numbers them by it.
 public slots:
     void goToSettingsPage();
@@ -136,6 +160,15 @@ private:
         const char *label;
         Page page;
     };
+    /// The widgets of one LAN port.
+    struct EthernetPort
+    {
+        RadioButton *disable = nullptr;
+        RadioButton *dhcp = nullptr;
+        RadioButton *manual = nullptr;
+        LineEditWithKeyPad *address = nullptr;
+        LineEditWithKeyPad *mask = nullptr;
+    };
     static const PageActions s_pageActions[];
     static const PageButton s_pageButtons[];
 
@@ -173,6 +206,13 @@ private:
     SettingsButton *createTitleBarButton(const QString &text, const QString &name);
     static void setPageLayout(QLayout *titleBar, QLayout *content, QWidget *page);
 
+    void createEthernetPort(int lan, QBoxLayout *layout);
+    void loadEthernetPort(int lan);
+    void showLiveAddress(int lan);
+    void setEthernetEditsEnabled(int lan, bool enabled);
+    PortMode shownPortMode(int lan) const;
+    void saveEthernetPort(int lan, QString *address, QString *mask);
+
     void createPageButtons();
     void deletePageButtons();
     QLayout *createPageButtonGrid();
@@ -187,6 +227,10 @@ private:
     QString m_displayOutput; ///< name for xrandr, empty if none is connected
     QTimer *m_rescuePoll = nullptr;
     QString m_touchDevice{"null"}; ///< "null": not found yet
+
+    std::unique_ptr<MyInputPanelContext> m_inputContext;
+
+    std::array<EthernetPort, 2> m_ports;
 
     QStackedWidget *m_pages = nullptr;
     StartingApplicationAniationButton *m_countDown = nullptr;

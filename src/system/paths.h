@@ -11,6 +11,9 @@ inline constexpr char modelFile[] = "/opt/talmero/bios/model";
 /// Starts the HMI runtime and lives as long as it does.
 inline constexpr char runtimeScript[] = "/opt/talmero/bios/runapp.sh";
 
+/// ifupdown's file, written whole by the Ethernet page.
+inline constexpr char interfacesFile[] = "/etc/network/interfaces";
+
 /// Its existence opens the factory window; what is in it does not matter.
 inline constexpr char factoryMarker[] = "/media/usb0/talmero_setup";
 } // namespace Paths

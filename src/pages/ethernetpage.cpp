@@ -1,0 +1,241 @@
+#include "shell/biosinterface.h"
+
+#include "pages/ethernetkeys.h"
+#include "system/commandline.h"
+#include "system/ifconfigoutput.h"
+#include "system/process.h"
+#include "widgets/lineeditwithkeypad.h"
+#include "widgets/radiobutton.h"
+
+#include <QButtonGroup>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+constexpr int contentMargin = 29;        // px
+constexpr int captionMaximumHeight = 50; // px
+constexpr int editMinimumHeight = 20;    // px
+constexpr int rowSpacing = 6;            // px; with it both ports fit a screen 600 pixels high
+constexpr int largestFontSize = 24;      // px
+constexpr QColor captionColor(192, 104, 31);
+constexpr QColor disabledTextColor(80, 80, 80);
+constexpr char defaultMask[] = "255.255.255.0";
+
+/// What differs between the two ports. That both edits of the first have one name, and that it
+/// starts with no mode chosen, is meant so.
+struct PortLook
+{
+    const char *caption;
+    const char *dhcpName;
+    const char *manualName;
+    const char *addressName;
+    const char *maskName;
+    bool startsDisabled;
+};
+
+constexpr PortLook portLooks[] = {
+    {QT_TRANSLATE_NOOP("BiosInterface", "Lan 1"), "auto_detect_radioButton",
+     "manual_input_radioButton", "ip_address_lineEdit", "ip_address_lineEdit", false},
+    {QT_TRANSLATE_NOOP("BiosInterface", "Lan 2"), "auto_detect_radioButton2",
+     "manual_input_radioButton2", "ip_address_lineEdit2", "ip_mask_lineEdit2", true},
+};
+
+/// The page's font, not larger than what lets both ports fit.
+QFont rowFont(const QWidget *page)
+{
+    QFont font = page->font();
+    font.setPixelSize(std::min(font.pixelSize(), largestFontSize));
+    return font;
+}
+
+QLabel *createCaption(const QString &text, QWidget *page)
+{
+    auto *caption = new QLabel(text, page);
+    QPalette palette = caption->palette();
+    palette.setColor(QPalette::WindowText, captionColor);
+    caption->setPalette(palette);
+    QFont font = rowFont(page);
+    font.setItalic(true);
+    caption->setFont(font);
+    caption->setMaximumHeight(captionMaximumHeight);
+    return caption;
+}
+
+LineEditWithKeyPad *createEdit(const char *name, QWidget *page)
+{
+    auto *edit = new LineEditWithKeyPad(QString(), page);
+    edit->setObjectName(QLatin1String(name));
+    edit->setMinimumHeight(editMinimumHeight);
+    edit->setEnabled(false);
+    // A port on DHCP shows its address in disabled edits: it must be readable at arm's length.
+    QPalette palette = edit->palette();
+    palette.setColor(QPalette::Disabled, QPalette::Text, disabledTextColor);
+    edit->setPalette(palette);
+    return edit;
+}
+
+RadioButton *createMode(const QString &text, const char *name, QButtonGroup *modes, QWidget *page)
+{
+    auto *mode = new RadioButton(text, page);
+    mode->setFont(rowFont(page));
+    mode->setObjectName(QLatin1String(name));
+    modes->addButton(mode);
+    return mode;
+}
+} // namespace
+
+const EthernetKeys &ethernetKeys(int lan)
+{
+    static const EthernetKeys keys[] = {
+        {"eth0", "ethernet.eth0", "ethernet.eth0.mask"},
+        {"eth1", "ethernet.eth1", "ethernet.eth1.mask"},
+    };
+    return keys[lan == 0 ? 0 : 1];
+}
+
+void BiosInterface::initEthernetPage()
+{
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    content->setSpacing(rowSpacing);
+    createEthernetPort(0, content);
+    createEthernetPort(1, content);
+    setPageLayout(createTitleBar(tr("Ethernet"), true, true), content,
+                  m_pages->widget(EthernetPage));
+}
+
+void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
+{
+    QWidget *page = m_pages->widget(EthernetPage);
+    const PortLook &look = portLooks[lan];
+    EthernetPort &port = m_ports.at(size_t(lan));
+    auto *modes = new QButtonGroup(page);
+    port.disable = createMode(tr("Disable"), "", modes, page);
+    port.disable->setCheckable(true);
+    port.dhcp = createMode(tr("DHCP"), look.dhcpName, modes, page);
+    port.manual = createMode(tr("Manual Input"), look.manualName, modes, page);
+    port.address = createEdit(look.addressName, page);
+    port.mask = createEdit(look.maskName, page);
+    for (LineEditWithKeyPad *edit : {port.address, port.mask}) {
+        connect(port.disable, &RadioButton::clicked, edit, &QWidget::setDisabled);
+        connect(port.dhcp, &RadioButton::clicked, edit, &QWidget::setDisabled);
+        connect(port.manual, &RadioButton::clicked, edit, &QWidget::setEnabled);
+    }
+    if (look.startsDisabled) {
+        port.disable->setChecked(true);
+    }
+
+    auto *addressCaption = new QLabel(tr("IP:"), page);
+    auto *maskCaption = new QLabel(tr("Netmask:"), page);
+    setWidgetWithStyle(addressCaption);
+    setWidgetWithStyle(maskCaption);
+    auto *edits = new QGridLayout;
+    edits->setVerticalSpacing(rowSpacing);
+    edits->addWidget(addressCaption, 0, 0);
+    edits->addWidget(port.address, 0, 1);
+    edits->addWidget(maskCaption, 1, 0);
+    edits->addWidget(port.mask, 1, 1);
+
+    layout->addWidget(createCaption(tr(look.caption), page));
+    layout->addWidget(port.disable);
+    layout->addWidget(port.dhcp);
+    layout->addWidget(port.manual);
+    layout->addLayout(edits);
+    layout->addStretch();
+}
+
+bool BiosInterface::loadEthernetSettings()
+{
+    loadEthernetPort(0);
+    loadEthernetPort(1);
+    return true;
+}
+
+void BiosInterface::loadEthernetPort(int lan)
+{
+    const EthernetPort &port = m_ports.at(size_t(lan));
+    const QString value = m_settings.value(ethernetKeys(lan).address);
+    const QString mask = m_settings.value(ethernetKeys(lan).mask);
+    if (value.isEmpty()) {
+        port.disable->setChecked(true);
+        setEthernetEditsEnabled(lan, false);
+        port.address->clear();
+        port.mask->clear();
+    } else if (value == QLatin1String(dhcpValue)) {
+        port.dhcp->setChecked(true);
+        setEthernetEditsEnabled(lan, false);
+        showLiveAddress(lan);
+    } else {
+        port.manual->setChecked(true);
+        setEthernetEditsEnabled(lan, true);
+        port.address->setText(value);
+        port.mask->setText(mask.isEmpty() ? defaultMask : mask);
+    }
+}
+
+/// A port on DHCP shows what it has got, which no file says.
+void BiosInterface::showLiveAddress(int lan)
+{
+    const EthernetKeys &keys = ethernetKeys(lan);
+    const ProcessResult result = runLimited(addressQueryCommand(keys.interface), addressQueryLimit);
+    // Nothing was found in a text that never came.
+    InterfaceAddress live
+        = parseInterfaceAddress(result.finished ? byteText(result.output) : QString());
+    if (live.mask.isEmpty()) {
+        live.mask = m_settings.value(keys.mask);
+    }
+    const EthernetPort &port = m_ports.at(size_t(lan));
+    port.address->setText(live.address);
+    port.mask->setText(live.mask.isEmpty() ? defaultMask : live.mask);
+}
+
+void BiosInterface::setEthernetEditsEnabled(int lan, bool enabled)
+{
+    const EthernetPort &port = m_ports.at(size_t(lan));
+    port.address->setEnabled(enabled);
+    port.mask->setEnabled(enabled);
+}
+
+PortMode BiosInterface::shownPortMode(int lan) const
+{
+    const EthernetPort &port = m_ports.at(size_t(lan));
+    if (port.disable->isChecked()) {
+        return PortMode::Disabled;
+    }
+    return port.dhcp->isChecked() ? PortMode::Dhcp : PortMode::Static;
+}
+
+bool BiosInterface::saveEthernetSettings()
+{
+    QString address[2];
+    QString mask[2];
+    for (const int lan : {0, 1}) {
+        saveEthernetPort(lan, &address[lan], &mask[lan]);
+    }
+    writeINI();
+    writeEthInterface(address[0], address[1], mask[0], mask[1]);
+    return true;
+}
+
+/// Applies and stores what the page shows. @p address and @p mask are set for a fixed address.
+void BiosInterface::saveEthernetPort(int lan, QString *address, QString *mask)
+{
+    const EthernetPort &port = m_ports.at(size_t(lan));
+    switch (shownPortMode(lan)) {
+    case PortMode::Disabled:
+        m_settings.remove(ethernetKeys(lan).address);
+        m_settings.remove(ethernetKeys(lan).mask);
+        break;
+    case PortMode::Static:
+        *address = port.address->text();
+        *mask = port.mask->text();
+        manualSetIPProcess(*address, *mask, lan);
+        break;
+    case PortMode::Dhcp:
+        autoDetectIPProcess(lan);
+        break;
+    }
+}

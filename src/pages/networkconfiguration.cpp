@@ -1,0 +1,44 @@
+#include "shell/biosinterface.h"
+
+#include "pages/ethernetkeys.h"
+#include "system/atomicfile.h"
+#include "system/commandline.h"
+#include "system/paths.h"
+#include "system/process.h"
+#include "system/textcodec.h"
+
+QPair<QString, QString> BiosInterface::releaseCurrenEthernetProcess()
+{
+    const QStringList command = releaseLeaseCommand();
+    return doProcess(command.first(), command.mid(1), int(noLimit.count()));
+}
+
+QPair<QString, QString> BiosInterface::manualSetIPProcess(const QString &ip, const QString &mask,
+                                                          int lan)
+{
+    const EthernetKeys &keys = ethernetKeys(lan);
+    m_settings.insert(keys.address, ip);
+    m_settings.insert(keys.mask, mask);
+    const QStringList command = setAddressCommand(keys.interface, ip);
+    return doProcess(command.first(), command.mid(1), int(noLimit.count()));
+}
+
+QPair<QString, QString> BiosInterface::autoDetectIPProcess(int lan)
+{
+    const auto release = releaseCurrenEthernetProcess();
+    const EthernetKeys &keys = ethernetKeys(lan);
+    m_settings.remove(keys.mask);
+    m_settings.insert(keys.address, dhcpValue);
+    const QStringList command = obtainLeaseCommand(keys.interface);
+    auto result = doProcess(command.first(), command.mid(1), int(leaseLimit.count()));
+    result.second.prepend(release.second);
+    return result;
+}
+
+void BiosInterface::writeEthInterface(const QString &ip0, const QString &ip1, const QString &mask0,
+                                      const QString &mask1)
+{
+    const QString text = interfacesFileText(
+        {PortSetup{shownPortMode(0), ip0, mask0}, PortSetup{shownPortMode(1), ip1, mask1}});
+    replaceFile(Paths::interfacesFile, bytesFromText(text));
+}

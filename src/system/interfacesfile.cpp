@@ -1,0 +1,28 @@
+#include "system/interfacesfile.h"
+
+namespace {
+QString portStanza(int number, const PortSetup &port)
+{
+    const QString name = QString::number(number);
+    switch (port.mode) {
+    case PortMode::Disabled:
+        return {};
+    case PortMode::Dhcp:
+        return QString("auto eth%1\niface eth%2 inet dhcp\n\n").arg(name, name);
+    case PortMode::Static:
+        // Filled in one pass, so that a "%1" that somebody typed stays what it is.
+        return QString("auto eth%1\niface eth%2 inet static\naddress %3\nnetmask %4\n\n")
+            .arg(name, name, port.address, port.mask);
+    }
+    return {};
+}
+} // namespace
+
+QString interfacesFileText(const std::array<PortSetup, 2> &ports)
+{
+    QString text = "auto lo \niface lo inet loopback\n\n"; // with the blank, as it has always been
+    for (int number = 0; number < int(ports.size()); ++number) {
+        text += portStanza(number, ports[size_t(number)]);
+    }
+    return text;
+}

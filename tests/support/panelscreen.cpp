@@ -1,0 +1,62 @@
+#include "panelscreen.h"
+
+#include "panelprogram.h"
+
+#include <QTest>
+
+namespace {
+constexpr QRect headingArea(29, 310, 200, 50);
+constexpr QRect cancelText(20, 10, 60, 14);
+constexpr QRect okText(735, 10, 30, 14);
+constexpr QColor headingColor(192, 104, 31);
+} // namespace
+
+bool holdsColor(const QImage &image, const QRect &area, const QColor &color)
+{
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            if (image.pixelColor(x, y) == color) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool showsMainPage()
+{
+    const QImage image = screenImage();
+    return holdsColor(image, headingArea, headingColor)
+        && !holdsColor(image, cancelText, Qt::white);
+}
+
+bool showsSettingsPage()
+{
+    const QImage image = screenImage();
+    return holdsColor(image, cancelText, Qt::white) && holdsColor(image, okText, Qt::white);
+}
+
+int shownCount()
+{
+    // Away from the number, whose white is the colour of 5.
+    constexpr QRect ringArea(340, 250, 25, 100);
+    const QList<QColor> colors{Qt::red, Qt::magenta, Qt::yellow, Qt::green, Qt::blue, Qt::white};
+    const QImage image = screenImage();
+    for (qsizetype count = 0; count < colors.size(); ++count) {
+        if (holdsColor(image, ringArea, colors.at(count))) {
+            return int(count);
+        }
+    }
+    return -1;
+}
+
+void openMainPage()
+{
+    if (!QTest::qWaitFor([] { return shownCount() >= 0; }, startLimit)) {
+        qFatal("there is no countdown");
+    }
+    tapScreen(countDownButton);
+    if (!QTest::qWaitFor(showsMainPage, startLimit)) {
+        qFatal("the countdown does not lead to the main page");
+    }
+}

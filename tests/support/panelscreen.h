@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QColor>
+#include <QPoint>
+#include <QRect>
+
+class QImage;
+
+// What a test sees on the panel's screen of 800x600, and where it touches it.
+
+inline constexpr int startLimit = 15000; // ms until the first window, however slow the machine is
+
+inline constexpr QPoint countDownButton(400, 450);
+inline constexpr QPoint cancelButton(50, 16);
+inline constexpr QPoint okButton(750, 16);
+
+/// A button of the main settings page.
+struct PageButton
+{
+    const char *name;
+    QPoint place;
+};
+inline constexpr PageButton pageButtons[] = {
+    {"Install Fonts", {150, 415}}, {"Ethernet", {400, 415}},      {"File Transfer", {650, 415}},
+    {"System Status", {150, 522}}, {"Miscellaneous", {400, 522}}, {"Calibration", {650, 522}},
+};
+
+/// Whether a pixel of @p area in @p image has exactly this colour.
+bool holdsColor(const QImage &image, const QRect &area, const QColor &color);
+
+/// Whether the main settings page is on the screen.
+bool showsMainPage();
+
+/// Whether a page with Cancel and OK in its title bar is on the screen.
+bool showsSettingsPage();
+
+/// The count whose colour the countdown's ring on the screen has, -1 if there is no ring.
+int shownCount();
+
+/// Waits for the countdown and touches it, then waits for the main settings page. The test
+/// program ends if one of them does not come.
+void openMainPage();

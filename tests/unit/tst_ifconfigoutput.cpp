@@ -1,0 +1,93 @@
+#include "system/ifconfigoutput.h"
+#include "system/process.h"
+
+#include <QTest>
+
+class TestIfconfigOutput : public QObject
+{
+    Q_OBJECT
+private slots:
+    void parses_data();
+    void parses();
+};
+
+void TestIfconfigOutput::parses_data()
+{
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("mask");
+    QTest::newRow("BusyBox") << QByteArray(
+        "eth0      Link encap:Ethernet  HWaddr 02:00:00:00:00:01  \n"
+        "          inet addr:192.168.0.123  Bcast:192.168.0.255  "
+        "Mask:255.255.255.0\n"
+        "          UP BROADCAST RUNNING MULTICAST  MTU:1500  Metric:1\n")
+                             << "192.168.0.123"
+                             << "255.255.255.0\n     "; // and five characters more
+    QTest::newRow("old net-tools")
+        << QByteArray("eth0      Link encap:Ethernet  HWaddr 00:0c:29:3e:1d:8a  \n"
+                      "          inet addr:10.0.0.7  Bcast:10.255.255.255  Mask:255.0.0.0\n"
+                      "          inet6 addr: fe80::20c:29ff:fe3e:1d8a/64 Scope:Link\n")
+        << "10.0.0.7"
+        << "255.0.0.0\n     ";
+    QTest::newRow("today's net-tools")
+        << QByteArray("eth0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500\n"
+                      "        inet 192.168.0.123  netmask 255.255.255.0  "
+                      "broadcast 192.168.0.255\n")
+        << "NULL"
+        << "";
+    QTest::newRow("no address") << QByteArray(
+        "eth0      Link encap:Ethernet  HWaddr 02:00:00:00:00:01  \n"
+        "          UP BROADCAST RUNNING MULTICAST  MTU:1500  Metric:1\n")
+                                << "NULL"
+                                << "";
+    QTest::newRow("loopback has no Bcast")
+        << QByteArray("          inet addr:127.0.0.1  Mask:255.0.0.0\n")
+        << "127.0.0.1  Mask:255.0.0.0\n"
+        << "255.0.0.0\n"; // the address is all the rest
+    QTest::newRow("Bcast before the address")
+        << QByteArray("Bcast:1 inet addr:5.6.7.8  ") << "5.6.7.8"
+        << "";
+    QTest::newRow("Bcast right behind") << QByteArray("inet addr:Bcast:1\n") << ""
+                                        << "";
+    QTest::newRow("blanks alone") << QByteArray("inet addr:    Bcast:1\n") << ""
+                                  << "";
+    QTest::newRow("blanks go, a tab stays")
+        << QByteArray("inet addr:1.2.3.4\t  Bcast:1\n") << "1.2.3.4\t"
+        << "";
+    QTest::newRow("mask that ends the text") << QByteArray("Mask:255.0.0.0") << "NULL"
+                                             << "";
+    QTest::newRow("mask with a blank behind") << QByteArray("Mask:255.0.0.0 abcdefgh") << "NULL"
+                                              << "255.0.0.0 abcde";
+    QTest::newRow("mask with CR behind") << QByteArray("Mask:255.0.0.0\r\nabcdefgh") << "NULL"
+                                         << "255.0.0.0\r\nabcd";
+    QTest::newRow("little behind the mask") << QByteArray("Mask:1\nab") << "NULL"
+                                            << "1\nab";
+    QTest::newRow("empty mask") << QByteArray("Mask:\nabcdefgh") << "NULL"
+                                << "\nabcde";
+    QTest::newRow("other case") << QByteArray("INET ADDR:1.2.3.4 mask:1\n") << "NULL"
+                                << "";
+    QTest::newRow("cut at a zero byte")
+        << QByteArray("inet addr:1.2.3.4  Bcast:5\0Mask:255.0.0.0\n", 42) << "1.2.3.4"
+        << "";
+    QTest::newRow("nothing") << QByteArray() << "NULL"
+                             << "";
+    QTest::newRow("1 MB of something else") << QByteArray(1'000'000, 'x') << "NULL"
+                                            << "";
+    QTest::newRow("1 MB in front")
+        << QByteArray(1'000'000, ' ') + "inet addr:1.2.3.4  Bcast:5 Mask:6\nabcdef"
+        << "1.2.3.4"
+        << "6\nabcde";
+}
+
+void TestIfconfigOutput::parses()
+{
+    QFETCH(QByteArray, output);
+    QFETCH(QString, address);
+    QFETCH(QString, mask);
+    const InterfaceAddress found = parseInterfaceAddress(byteText(output));
+    QCOMPARE(found.address, address);
+    QCOMPARE(found.mask, mask);
+}
+
+QTEST_GUILESS_MAIN(TestIfconfigOutput)
+#include "tst_ifconfigoutput.moc"

@@ -1,0 +1,125 @@
+#include "system/interfacesfile.h"
+
+#include "faultfiles.h"
+#include "system/atomicfile.h"
+#include "system/commandline.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+Q_DECLARE_METATYPE(PortSetup)
+
+namespace {
+const QString loopback = "auto lo \niface lo inet loopback\n\n";
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+} // namespace
+
+class TestInterfacesFile : public QObject
+{
+    Q_OBJECT
+private slots:
+    void text_data();
+    void text();
+    void commands();
+    void replacesWholeFile();
+    void followsSymbolicLink();
+    void keepsOldFileOnFailure_data();
+    void keepsOldFileOnFailure();
+};
+
+void TestInterfacesFile::text_data()
+{
+    QTest::addColumn<PortSetup>("first");
+    QTest::addColumn<PortSetup>("second");
+    QTest::addColumn<QString>("stanzas");
+    const PortSetup off;
+    const PortSetup dhcp{PortMode::Dhcp, "ignored", "ignored"};
+    const PortSetup fixed{PortMode::Static, "192.168.0.10", "255.255.255.0"};
+    const QString dhcp0 = "auto eth0\niface eth0 inet dhcp\n\n";
+    const QString dhcp1 = "auto eth1\niface eth1 inet dhcp\n\n";
+    const QString fixed0 = "auto eth0\niface eth0 inet static\n"
+                           "address 192.168.0.10\nnetmask 255.255.255.0\n\n";
+    const QString fixed1 = "auto eth1\niface eth1 inet static\n"
+                           "address 192.168.0.10\nnetmask 255.255.255.0\n\n";
+    QTest::newRow("off, off") << off << off << QString();
+    QTest::newRow("off, dhcp") << off << dhcp << dhcp1;
+    QTest::newRow("off, static") << off << fixed << fixed1;
+    QTest::newRow("dhcp, off") << dhcp << off << dhcp0;
+    QTest::newRow("dhcp, dhcp") << dhcp << dhcp << dhcp0 + dhcp1;
+    QTest::newRow("dhcp, static") << dhcp << fixed << dhcp0 + fixed1;
+    QTest::newRow("static, off") << fixed << off << fixed0;
+    QTest::newRow("static, dhcp") << fixed << dhcp << fixed0 + dhcp1;
+    QTest::newRow("static, static") << fixed << fixed << fixed0 + fixed1;
+    QTest::newRow("empty texts") << PortSetup{PortMode::Static, "", ""} << off
+                                 << "auto eth0\niface eth0 inet static\naddress \nnetmask \n\n";
+    QTest::newRow("placeholders in a text")
+        << PortSetup{PortMode::Static, "%4%1", "%2"} << off
+        << "auto eth0\niface eth0 inet static\naddress %4%1\nnetmask %2\n\n";
+}
+
+void TestInterfacesFile::text()
+{
+    QFETCH(PortSetup, first);
+    QFETCH(PortSetup, second);
+    QFETCH(QString, stanzas);
+    QCOMPARE(interfacesFileText({first, second}), loopback + stanzas);
+}
+
+void TestInterfacesFile::commands()
+{
+    QCOMPARE(addressQueryCommand("eth1"), (QStringList{"ifconfig", "eth1"}));
+    QCOMPARE(setAddressCommand("eth0", "10.0.0.1"), (QStringList{"ifconfig", "eth0", "10.0.0.1"}));
+    QCOMPARE(setAddressCommand("eth0", ""), (QStringList{"ifconfig", "eth0", ""}));
+    QCOMPARE(obtainLeaseCommand("eth1"), (QStringList{"dhclient", "eth1"}));
+    QCOMPARE(releaseLeaseCommand(), (QStringList{"dhclient", "eth0", "-r"}));
+}
+
+void TestInterfacesFile::replacesWholeFile()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("interfaces");
+    QVERIFY(replaceFile(path, "a longer text\n"));
+    QFile reader(path);
+    QVERIFY(reader.open(QIODevice::ReadOnly));
+    QVERIFY(replaceFile(path, "new\n"));
+    QCOMPARE(contentOf(path), QByteArray("new\n"));
+    // Who has the old file open still reads all of it: it was replaced, not written over.
+    QCOMPARE(reader.readAll(), QByteArray("a longer text\n"));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"interfaces"});
+}
+
+void TestInterfacesFile::followsSymbolicLink()
+{
+    const QTemporaryDir folder;
+    QVERIFY(replaceFile(folder.filePath("real"), "old\n"));
+    QVERIFY(QFile::link(folder.filePath("real"), folder.filePath("link")));
+    QVERIFY(replaceFile(folder.filePath("link"), "new\n"));
+    QVERIFY(QFileInfo(folder.filePath("link")).isSymLink());
+    QCOMPARE(contentOf(folder.filePath("real")), QByteArray("new\n"));
+}
+
+void TestInterfacesFile::keepsOldFileOnFailure_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"directory", "folder missing", "read-only file system"}) {
+        QTest::newRow(kind) << QString(kind);
+    }
+}
+
+void TestInterfacesFile::keepsOldFileOnFailure()
+{
+    QFETCH(QString, kind);
+    const FaultFile fault(kind);
+    QVERIFY(!replaceFile(fault.path(), "new\n"));
+    QCOMPARE(fault.content(), QByteArray());
+}
+
+QTEST_GUILESS_MAIN(TestInterfacesFile)
+#include "tst_interfacesfile.moc"

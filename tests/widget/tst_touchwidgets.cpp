@@ -1,0 +1,201 @@
+#include "widgets/lineeditwithkeypad.h"
+#include "widgets/radiobutton.h"
+#include "widgets/touchstyle.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionButton>
+#include <QTest>
+
+namespace {
+constexpr QSize buttonSize(200, 40);
+
+QImage painted(QWidget &widget)
+{
+    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::cyan);
+    widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    return image;
+}
+
+QRect elementRect(const RadioButton &button, QStyle::SubElement element)
+{
+    QStyleOptionButton option;
+    option.initFrom(&button);
+    option.text = button.text();
+    return button.style()->subElementRect(element, &option, &button);
+}
+
+bool isOn(int x, int y, const QRect &outline)
+{
+    const bool inside = outline.contains(x, y);
+    return inside && !outline.adjusted(1, 1, -1, -1).contains(x, y);
+}
+
+/// How much of the gloss, white with alpha 170 in its centre, is left at a pixel of a dot whose
+/// gloss was computed for a square of the side @p side.
+double glossAlpha(int x, int y, int side)
+{
+    const double distance = std::hypot(x + 0.5 - side / 2, y + 0.5 - side / 2);
+    return 170 * std::max(0.0, 1 - distance / (side / 2 * 2 - side / 2));
+}
+} // namespace
+
+class TestTouchWidgets : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void lineEditTexts();
+    void lineEditFont();
+    void uncheckedRadioButton();
+    void checkedRadioButton();
+    void textColorFollowsTheState();
+    void glossIsKeptForGood();
+    void uncheckingRemovesTheDot();
+    void wholeRowReacts();
+};
+
+void TestTouchWidgets::initTestCase()
+{
+    QApplication::setStyle(new TouchStyle);
+}
+
+void TestTouchWidgets::lineEditTexts()
+{
+    QCOMPARE(LineEditWithKeyPad().text(), QString("127.0.0.1"));
+    QCOMPARE(LineEditWithKeyPad(QString("1.2.3.4")).text(), QString("1.2.3.4"));
+    QCOMPARE(LineEditWithKeyPad(QString()).text(), QString());
+}
+
+void TestTouchWidgets::lineEditFont()
+{
+    QWidget window;
+    QFont font = window.font();
+    font.setPixelSize(10);
+    font.setItalic(true);
+    window.setFont(font);
+    const LineEditWithKeyPad edit(&window);
+    QCOMPARE(edit.font().pixelSize(), 24);
+    QCOMPARE(edit.font().weight(), QFont::Bold);
+    QVERIFY(edit.font().italic()); // the rest is inherited
+}
+
+void TestTouchWidgets::uncheckedRadioButton()
+{
+    RadioButton button;
+    button.resize(buttonSize);
+    const QImage image = painted(button);
+    const QRect box = elementRect(button, QStyle::SE_RadioButtonIndicator);
+    QCOMPARE(box.size(), QSize(25, 25));
+    const QRect outline = box.adjusted(1, 1, -1, -1);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            QColor expected(Qt::cyan);
+            if (isOn(x, y, outline)) {
+                expected = Qt::black;
+            } else if (box.contains(x, y)) {
+                expected = Qt::gray;
+            }
+            QVERIFY2(image.pixelColor(x, y) == expected,
+                     qPrintable(QString("%1, %2").arg(x).arg(y)));
+        }
+    }
+}
+
+void TestTouchWidgets::checkedRadioButton()
+{
+    RadioButton button;
+    button.resize(buttonSize);
+    button.setChecked(true);
+    const QImage image = painted(button);
+    const QRect box = elementRect(button, QStyle::SE_RadioButtonIndicator);
+    const QRect dot(box.left() + 2, box.top() + 2, 20, 20);
+    QCOMPARE(image.pixelColor(box.topLeft()), QColor(Qt::white));
+    QCOMPARE(image.pixelColor(box.topLeft() + QPoint(1, 1)), QColor(Qt::black));
+    QCOMPARE(image.pixelColor(box.topLeft() + QPoint(2, 2)), QColor(Qt::white)); // beside the dot
+    for (int y = dot.top(); y < dot.bottom(); ++y) {
+        for (int x = dot.left(); x < dot.right(); ++x) {
+            if (std::hypot(x + 0.5 - dot.center().x() - 0.5, y + 0.5 - dot.center().y() - 0.5)
+                > 8) {
+                continue; // its black outline begins there
+            }
+            const double alpha = glossAlpha(x, y, 20); // measured from the widget's corner
+            const QColor pixel = image.pixelColor(x, y);
+            QVERIFY(qAbs(pixel.red() - alpha) <= 2);
+            QVERIFY(qAbs(pixel.blue() - alpha) <= 2);
+            QCOMPARE(pixel.green(), 255);
+        }
+    }
+}
+
+void TestTouchWidgets::textColorFollowsTheState()
+{
+    RadioButton button("HHH");
+    QFont font = button.font();
+    font.setPixelSize(24);
+    font.setBold(true);
+    button.setFont(font);
+    button.resize(buttonSize);
+    const QRect text = elementRect(button, QStyle::SE_RadioButtonContents);
+    const auto holds = [&](const QColor &color) {
+        const QImage image = painted(button);
+        for (int y = text.top(); y <= text.bottom(); ++y) {
+            for (int x = text.left(); x <= text.right(); ++x) {
+                if (image.rect().contains(x, y) && image.pixelColor(x, y) == color) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
+    QVERIFY(holds(Qt::gray));
+    QVERIFY(!holds(Qt::white));
+    button.setChecked(true);
+    QVERIFY(holds(Qt::white));
+    QVERIFY(!holds(Qt::gray));
+}
+
+void TestTouchWidgets::glossIsKeptForGood()
+{
+    RadioButton early;
+    early.resize(buttonSize);
+    early.setChecked(true);
+    early.getIndicatorRadialGradient(QRect(0, 0, 100, 100)); // as if painted at another size first
+    RadioButton late;
+    late.resize(buttonSize);
+    late.setChecked(true);
+    QVERIFY(painted(early) != painted(late));
+    const QImage before = painted(late);
+    late.resize(400, 90);
+    const QRect box = elementRect(late, QStyle::SE_RadioButtonIndicator);
+    late.resize(buttonSize);
+    QCOMPARE(painted(late), before);
+    QVERIFY(box.top() > 30); // the taller button has its dot lower, away from the gloss
+    late.resize(400, 90);
+    QCOMPARE(painted(late).pixelColor(box.center()), QColor(Qt::green));
+}
+
+void TestTouchWidgets::uncheckingRemovesTheDot()
+{
+    RadioButton button;
+    button.setAutoExclusive(false);
+    button.resize(buttonSize);
+    const QImage unchecked = painted(button);
+    button.setChecked(true);
+    QVERIFY(painted(button) != unchecked);
+    button.setChecked(false);
+    QCOMPARE(painted(button), unchecked);
+}
+
+void TestTouchWidgets::wholeRowReacts()
+{
+    RadioButton button("x");
+    button.resize(400, 40);
+    QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(390, 5));
+    QVERIFY(button.isChecked());
+}
+
+QTEST_MAIN(TestTouchWidgets)
+#include "tst_touchwidgets.moc"
