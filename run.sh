@@ -56,6 +56,8 @@ while (($#)); do
     shift
 done
 [[ $size =~ ^[1-9][0-9]{1,3}x[1-9][0-9]{1,3}$ ]] || usage_error "the size must look like 800x600, not like $size"
+((${size%x*} >= 240 && ${size#*x} >= 240 && ${size%x*} <= 4096 && ${size#*x} <= 4096)) ||
+    usage_error "the size must be from 240x240 to 4096x4096"
 [[ -z $after || -n $screenshot ]] || usage_error "--after goes with --screenshot"
 [[ -z $after || $after =~ ^([0-9]+\.?[0-9]*|\.[0-9]+)$ ]] ||
     usage_error "--after takes a number of seconds, not $after"

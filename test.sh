@@ -19,6 +19,7 @@ TEXT
 }
 
 quick=no
+[ $# -le 1 ] || { usage >&2 && exit 2; }
 case "${1:-}" in
     "") ;;
     --quick) quick=yes ;;
@@ -26,7 +27,10 @@ case "${1:-}" in
     *) usage >&2 && exit 2 ;;
 esac
 
-install_packages "${build_packages[@]}" "${panel_packages[@]}" "${check_packages[@]}"
+need_root
+needed=("${build_packages[@]}" "${panel_packages[@]}")
+[ "$quick" = yes ] || needed+=("${check_packages[@]}" "${bench_packages[@]}") # all code is checked
+install_packages "${needed[@]}"
 build_preset release
 if [ "$quick" = no ]; then
     scripts/check-code.sh build

@@ -7,7 +7,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=${1:?build folder}
 
 sources() {
-    git ls-files --cached --others --exclude-standard -- "$@"
+    # the checkout may belong to another user, of whom git would be wary
+    git -c safe.directory='*' ls-files --cached --others --exclude-standard -- "$@"
 }
 
 mapfile -t code < <(sources '*.cpp' '*.h')

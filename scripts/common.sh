@@ -1,4 +1,4 @@
-# Shared by run.sh and test.sh: what they install and how they build.
+# Shared by run.sh, test.sh and bench/run.sh: what they install and how they build.
 # shellcheck shell=bash
 
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -10,10 +10,12 @@ build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy shellcheck)
 # shellcheck disable=SC2034
+bench_packages=(libxcb1-dev libxcb-damage0-dev)
+# shellcheck disable=SC2034
 panel_packages=(util-linux iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
     xserver-xorg-core xserver-xorg-video-dummy xserver-xephyr xvfb x11-utils
-    x11-xserver-utils xinput xinput-calibrator imagemagick
-    x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)
+    x11-xserver-utils xdotool xinput xinput-calibrator imagemagick
+    openbox x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)
 
 # One line on stderr, then the end.
 die() {
@@ -32,6 +34,11 @@ as_root() {
     fi
 }
 
+# Ends with one line if as_root() would fail. Asks for the password now, not in the middle.
+need_root() {
+    as_root true || die "this needs root: sudo did not give it"
+}
+
 is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
@@ -44,6 +51,7 @@ install_packages() {
     done
     [ "${#missing[@]}" -gt 0 ] || return 0
     echo "Installing: ${missing[*]}"
+    need_root
     as_root apt-get update -qq || die "apt-get update failed: is there a network?"
     as_root env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
@@ -56,9 +64,11 @@ build_preset() {
     local preset=$1
     shift
     cd "$project_root" || die "cannot enter $project_root"
+    { [ -w . ] && { [ ! -e build ] || [ -w build ]; }; } ||
+        die "cannot write in $project_root: it belongs to another user"
     cmake --preset "$preset" >/dev/null || die "cmake could not configure the preset $preset"
     # CMake names each target whose generated code it looks at, even if nothing is to be done.
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1+--target "$@"} |
-        sed --unbuffered '/Automatic MOC for target/d'
+        sed --unbuffered '/Automatic .* for target/d'
     [ "${PIPESTATUS[0]}" -eq 0 ] || die "the build of the preset $preset failed"
 }

@@ -49,6 +49,9 @@ write_xorg_conf() {
     # The dummy driver has no timing; the numbers only have to agree with each other.
     local htotal=$((width + 160)) vtotal=$((height + 30))
     local clock=$((htotal * vtotal * 60 / 1000))
+    # outside of this the driver refuses the mode or takes another one
+    ((clock >= 12000)) || clock=12000
+    ((clock <= 300000)) || clock=300000
     cat <<CONF
 Section "ServerFlags"
     Option "AutoAddDevices" "false"
@@ -65,7 +68,7 @@ EndSection
 Section "Device"
     Identifier "memory"
     Driver "dummy"
-    VideoRam 65536
+    VideoRam 262144
 EndSection
 Section "Monitor"
     Identifier "panel"

@@ -37,8 +37,9 @@ bool isOn(int x, int y, const QRect &outline)
 /// gloss was computed for a square of the side @p side.
 double glossAlpha(int x, int y, int side)
 {
-    const double distance = std::hypot(x + 0.5 - side / 2, y + 0.5 - side / 2);
-    return 170 * std::max(0.0, 1 - distance / (side / 2 * 2 - side / 2));
+    const int radius = side / 2;
+    const double distance = std::hypot(x + 0.5 - radius, y + 0.5 - radius);
+    return 170 * std::max(0.0, 1 - distance / radius);
 }
 } // namespace
 
