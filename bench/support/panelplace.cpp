@@ -1,0 +1,30 @@
+#include "panelplace.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+void requirePanel()
+{
+    if (!std::filesystem::exists("/run/talmero-panel")) {
+        std::fputs("This runs in the simulated panel only: bench/run.sh\n", stderr);
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+std::filesystem::path ownFolder()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
+std::filesystem::path instantToolsFolder()
+{
+    return ownFolder() / "tools";
+}
+
+void useInstantTools()
+{
+    const char *path = std::getenv("PATH");
+    const std::string previous = path != nullptr ? path : "/usr/bin:/bin";
+    setenv("PATH", (instantToolsFolder().string() + ':' + previous).c_str(), 1);
+}
