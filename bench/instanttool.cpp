@@ -26,12 +26,12 @@ void record(const std::string &name)
 }
 } // namespace
 
-int main(int, char *argv[])
+int main(int argc, char *argv[])
 {
     const std::string path = argv[0];
     const std::string name = path.substr(path.rfind('/') + 1); // from 0 if there is no "/"
     record(name);
-    if (name == "xrandr") {
+    if (name == "xrandr" && argc == 2) { // asked for the displays, not told to change one
         put(STDOUT_FILENO, displayList);
     }
     return 0;

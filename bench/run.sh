@@ -18,7 +18,9 @@ and measures in the simulated panel:
   - the start until the first frame is on the screen, and the memory then,
     against a bare window of the toolkit;
   - the painting of whole pages;
-  - the time from a tap to the painted next page.
+  - the time from a tap to the painted next page;
+  - the CPU time of the idle program with its rescue poll, against a shell loop that
+    runs the same tool at the same rate, and the memory that an hour of polls costs.
 
 Prints one table. The end status is 1 if a target is missed. A target is for the
 median. The tools that the program runs, its pause of a second at the start among
@@ -81,7 +83,7 @@ measure() { # SIZE PROGRAM ARGS...
 
 # shellcheck disable=SC2154 # the lists come from common.sh
 install_packages "${build_packages[@]}" "${panel_packages[@]}" "${bench_packages[@]}" || exit
-build_preset bench talmero-bios startup painting || exit
+build_preset bench talmero-bios startup painting pollmemory || exit
 
 warn_if_busy
 # The columns are those of bench/support/resulttable.cpp.
@@ -90,4 +92,7 @@ measure 1024x768 startup "$runs"
 measure 1024x768 painting pages
 measure 800x600 painting taps
 measure 1280x800 painting taps
+measure 800x600 pollmemory
+"$project_root/simulator/panel" --display xorg -- "$project_root/bench/rescuepoll.sh" \
+    "$project_root/build-bench/talmero-bios" 60 || status=1
 exit "$status"
