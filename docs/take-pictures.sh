@@ -4,8 +4,8 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Runs in the panel: pictures of the countdown, the main settings page, and the Ethernet page
-# with the keypad.
+# Runs in the panel: pictures of the countdown, the main settings page, the Ethernet page with
+# the keypad, and the miscellaneous page.
 # shellcheck disable=SC2016 # the panel's shell expands it
 steps='
     build/talmero-bios 2>/dev/null &
@@ -20,5 +20,10 @@ steps='
     simulator/finger send "tap 400 514"
     sleep 0.5
     simulator/panel-screenshot docs/pictures/ethernet.png
+    simulator/finger send "tap 50 16"
+    sleep 0.5
+    simulator/finger send "tap 400 522"
+    sleep 0.5
+    simulator/panel-screenshot docs/pictures/miscellaneous.png
     kill $program'
 simulator/panel --display xorg --share docs/pictures -- bash -c "$steps"

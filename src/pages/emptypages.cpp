@@ -37,16 +37,6 @@ void BiosInterface::initBacklightPage()
     initEmptyPage(BacklightPage, tr("Backlight"));
 }
 
-void BiosInterface::initMiscPage()
-{
-    initEmptyPage(MiscPage, tr("Miscellaneous"));
-}
-
-void BiosInterface::initCalibrationPage()
-{
-    initEmptyPage(CalibrationPage, tr("Calibration"));
-}
-
 void BiosInterface::initVolumePage()
 {
     initEmptyPage(VolumePage, tr("Volume"));
@@ -76,16 +66,6 @@ bool BiosInterface::loadFiletransferSettings()
     return true;
 }
 
-bool BiosInterface::loadMiscSettings()
-{
-    return true;
-}
-
-bool BiosInterface::loadCalibrationSettings()
-{
-    return true;
-}
-
 bool BiosInterface::loadSystemStatusSettings()
 {
     return true;
@@ -102,16 +82,6 @@ bool BiosInterface::loadTimeSettings()
 }
 
 bool BiosInterface::saveFiletransferSettings()
-{
-    return true;
-}
-
-bool BiosInterface::saveMiscSettings()
-{
-    return true;
-}
-
-bool BiosInterface::saveCalibrationSettings()
 {
     return true;
 }
@@ -133,24 +103,4 @@ void BiosInterface::updateBIOSDialog(const QString &)
 bool BiosInterface::installPackages()
 {
     return false;
-}
-
-void BiosInterface::slotTimerEdit()
-{
-}
-
-void BiosInterface::setScreenSaving()
-{
-}
-
-void BiosInterface::setBackLighting()
-{
-}
-
-void BiosInterface::setScreenOrientation()
-{
-}
-
-void BiosInterface::slotRescueTimesup()
-{
 }

@@ -12,14 +12,11 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace {
 constexpr int contentMargin = 29;        // px
 constexpr int captionMaximumHeight = 50; // px
 constexpr int editMinimumHeight = 20;    // px
 constexpr int rowSpacing = 6;            // px; with it both ports fit a screen 600 pixels high
-constexpr int largestFontSize = 24;      // px
 constexpr QColor captionColor(192, 104, 31);
 constexpr QColor disabledTextColor(80, 80, 80);
 constexpr char defaultMask[] = "255.255.255.0";
@@ -43,21 +40,13 @@ constexpr PortLook portLooks[] = {
      "manual_input_radioButton2", "ip_address_lineEdit2", "ip_mask_lineEdit2", true},
 };
 
-/// The page's font, not larger than what lets both ports fit.
-QFont rowFont(const QWidget *page)
-{
-    QFont font = page->font();
-    font.setPixelSize(std::min(font.pixelSize(), largestFontSize));
-    return font;
-}
-
 QLabel *createCaption(const QString &text, QWidget *page)
 {
     auto *caption = new QLabel(text, page);
     QPalette palette = caption->palette();
     palette.setColor(QPalette::WindowText, captionColor);
     caption->setPalette(palette);
-    QFont font = rowFont(page);
+    QFont font = caption->font();
     font.setItalic(true);
     caption->setFont(font);
     caption->setMaximumHeight(captionMaximumHeight);
@@ -80,7 +69,6 @@ LineEditWithKeyPad *createEdit(const char *name, QWidget *page)
 RadioButton *createMode(const QString &text, const char *name, QButtonGroup *modes, QWidget *page)
 {
     auto *mode = new RadioButton(text, page);
-    mode->setFont(rowFont(page));
     mode->setObjectName(QLatin1String(name));
     modes->addButton(mode);
     return mode;
@@ -119,6 +107,9 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     port.manual = createMode(tr("Manual Input"), look.manualName, modes, page);
     port.address = createEdit(look.addressName, page);
     port.mask = createEdit(look.maskName, page);
+    for (RadioButton *mode : {port.disable, port.dhcp, port.manual}) {
+        useRowFont(mode);
+    }
     for (LineEditWithKeyPad *edit : {port.address, port.mask}) {
         connect(port.disable, &RadioButton::clicked, edit, &QWidget::setDisabled);
         connect(port.dhcp, &RadioButton::clicked, edit, &QWidget::setDisabled);
@@ -130,8 +121,10 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
 
     auto *addressCaption = new QLabel(tr("IP:"), page);
     auto *maskCaption = new QLabel(tr("Netmask:"), page);
-    setWidgetWithStyle(addressCaption);
-    setWidgetWithStyle(maskCaption);
+    for (QLabel *editCaption : {addressCaption, maskCaption}) {
+        setWidgetWithStyle(editCaption);
+        useRowFont(editCaption);
+    }
     auto *edits = new QGridLayout;
     edits->setVerticalSpacing(rowSpacing);
     edits->addWidget(addressCaption, 0, 0);
@@ -139,7 +132,9 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     edits->addWidget(maskCaption, 1, 0);
     edits->addWidget(port.mask, 1, 1);
 
-    layout->addWidget(createCaption(tr(look.caption), page));
+    QLabel *caption = createCaption(tr(look.caption), page);
+    useRowFont(caption);
+    layout->addWidget(caption);
     layout->addWidget(port.disable);
     layout->addWidget(port.dhcp);
     layout->addWidget(port.manual);

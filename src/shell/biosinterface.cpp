@@ -119,7 +119,10 @@ void BiosInterface::watchScreen(QScreen *screen)
 void BiosInterface::slotresize(int screen)
 {
     if (const QScreen *resized = QGuiApplication::screens().value(screen)) {
-        resize(resized->geometry().size());
+        const QSize size = resized->geometry().size();
+        fitRowFonts(size.width()); // before: a large font would not let the window become narrow
+        layOutPages();
+        resize(size);
         update();
     }
 }

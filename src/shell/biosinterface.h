@@ -1,8 +1,10 @@
 #pragma once
 
 #include "system/interfacesfile.h"
+#include "system/presstimer.h"
 #include "system/settingsfile.h"
 
+#include <QList>
 #include <QPair>
 #include <QSize>
 #include <QString>
@@ -16,6 +18,9 @@
 class LineEditWithKeyPad;
 class MyInputPanelContext;
 class QBoxLayout;
+class QComboBox;
+class QDateTimeEdit;
+class QGridLayout;
 class QHBoxLayout;
 class QLayout;
 class QScreen;
@@ -169,6 +174,19 @@ private:
         LineEditWithKeyPad *address = nullptr;
         LineEditWithKeyPad *mask = nullptr;
     };
+    /// The widgets of the miscellaneous page.
+    struct MiscWidgets
+    {
+        RadioButton *mouseEnable = nullptr;
+        RadioButton *mouseDisable = nullptr;
+        RadioButton *landscape = nullptr;
+        RadioButton *portrait = nullptr;
+        RadioButton *buzzerEnable = nullptr;
+        RadioButton *buzzerDisable = nullptr;
+        QComboBox *screenSaving = nullptr;
+        QComboBox *brightness = nullptr;
+        QDateTimeEdit *time = nullptr;
+    };
     static const PageActions s_pageActions[];
     static const PageButton s_pageButtons[];
 
@@ -206,6 +224,18 @@ private:
     SettingsButton *createTitleBarButton(const QString &text, const QString &name);
     static void setPageLayout(QLayout *titleBar, QLayout *content, QWidget *page);
 
+    void useRowFont(QWidget *widget);
+    void fitRowFonts(int width);
+    void layOutPages();
+
+    bool findTouchDevice();
+    void rescueMode();
+
+    void createMiscRows(QGridLayout *grid);
+    void storeFlag(const QString &key, bool on);
+    void storeOrRemove(const QString &key, const QString &value);
+    void setSystemTime();
+
     void createEthernetPort(int lan, QBoxLayout *layout);
     void loadEthernetPort(int lan);
     void showLiveAddress(int lan);
@@ -227,10 +257,14 @@ private:
     QString m_displayOutput; ///< name for xrandr, empty if none is connected
     QTimer *m_rescuePoll = nullptr;
     QString m_touchDevice{"null"}; ///< "null": not found yet
+    PressTimer m_pressTimer;
 
     std::unique_ptr<MyInputPanelContext> m_inputContext;
 
+    MiscWidgets m_misc;
     std::array<EthernetPort, 2> m_ports;
+
+    QList<QWidget *> m_rowWidgets; ///< those whose font follows the window's width
 
     QStackedWidget *m_pages = nullptr;
     StartingApplicationAniationButton *m_countDown = nullptr;

@@ -1,5 +1,6 @@
 #include "shell/biosinterface.h"
 
+#include "pages/rowfont.h"
 #include "shell/pagename.h"
 #include "widgets/settingsbutton.h"
 
@@ -106,6 +107,35 @@ void BiosInterface::setPageLayout(QLayout *titleBar, QLayout *content, QWidget *
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(titleBar);
     layout->addLayout(content);
+}
+
+/// From now on @p widget, a part of a page's row, has a font that fits the window's width.
+void BiosInterface::useRowFont(QWidget *widget)
+{
+    m_rowWidgets += widget;
+    fitRowFonts(width());
+}
+
+void BiosInterface::fitRowFonts(int width)
+{
+    const int pixelSize = rowFontSize(font().pixelSize(), width);
+    for (QWidget *widget : std::as_const(m_rowWidgets)) {
+        QFont font = widget->font();
+        font.setPixelSize(pixelSize);
+        widget->setFont(font);
+    }
+}
+
+/// Makes the layouts, those of hidden pages too, forget at once what room they needed before.
+void BiosInterface::layOutPages()
+{
+    for (int page = 0; page < m_pages->count(); ++page) {
+        if (QLayout *pageLayout = m_pages->widget(page)->layout()) {
+            pageLayout->activate();
+        }
+    }
+    m_pages->updateGeometry();
+    layout()->activate();
 }
 
 void BiosInterface::setWidgetWithStyle(QWidget *widget)

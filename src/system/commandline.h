@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QStringList>
 
 #include <chrono>
@@ -21,6 +22,33 @@ QStringList startPauseCommand();
 
 /// Lists the display outputs; connectedOutputName() reads what it prints.
 QStringList outputQueryCommand();
+
+/// Lists the input devices; touchDeviceName() reads what it prints.
+QStringList deviceListCommand();
+
+/// Prints the state of an input device; firstButtonState() reads it.
+QStringList deviceStateCommand(const QString &device);
+
+/// Sets the delay after which the screen goes dark, from the stored number of minutes. Anything
+/// but a number other than 0 switches that off.
+QStringList screenSavingCommand(const QString &minutes);
+
+/// Turns the display @p output as stored: "horizontal" or nothing is upright, any other text is
+/// turned left.
+QStringList orientationCommand(const QString &output, const QString &orientation);
+
+/// Sets the brightness of the display @p output to the stored text, which reaches the tool as it
+/// is; full light if it is empty.
+QStringList brightnessCommand(const QString &output, const QString &brightness);
+
+/// Sets the system's clock to @p time, whose seconds are dropped.
+QStringList clockCommand(const QDateTime &time);
+
+/// Copies the system's time to the hardware clock.
+QStringList hardwareClockCommand();
+
+/// Touch calibration. Runs until the user ends it.
+QStringList calibrationCommand();
 
 /// Prints a port's address; parseInterfaceAddress() reads it.
 QStringList addressQueryCommand(const QString &interface);

@@ -11,6 +11,9 @@ inline constexpr char modelFile[] = "/opt/talmero/bios/model";
 /// Starts the HMI runtime and lives as long as it does.
 inline constexpr char runtimeScript[] = "/opt/talmero/bios/runapp.sh";
 
+/// The folder of the files above. Where it is missing this is no panel.
+inline constexpr char biosFolder[] = "/opt/talmero/bios";
+
 /// ifupdown's file, written whole by the Ethernet page.
 inline constexpr char interfacesFile[] = "/etc/network/interfaces";
 

@@ -1,10 +1,41 @@
 #include "widgets/touchstyle.h"
 
+#include <QPainter>
+#include <QPolygon>
 #include <QStyleOption>
 
 namespace {
-constexpr int indicatorSize = 25; // px; leaves an even size to the dot, as its gloss wants it
+constexpr int indicatorSize = 25;   // px; leaves an even size to the dot, as its gloss wants it
+constexpr int rowHeight = 44;       // px of a list's row: a finger hits it
+constexpr int controlHeight = 40;   // px
+constexpr int choiceHeight = 36;    // px
+constexpr int spinButtonWidth = 44; // px
+constexpr int arrowSize = 10;       // px from the centre to the corners
+
+/// The two buttons of a spin box lie side by side, each as high as the box.
+QRect spinBoxRect(const QRect &box, QStyle::SubControl subControl)
+{
+    switch (subControl) {
+    case QStyle::SC_SpinBoxUp:
+        return {box.right() - spinButtonWidth + 1, box.top(), spinButtonWidth, box.height()};
+    case QStyle::SC_SpinBoxDown:
+        return {box.right() - 2 * spinButtonWidth + 1, box.top(), spinButtonWidth, box.height()};
+    case QStyle::SC_SpinBoxEditField:
+        return box.adjusted(3, 3, -2 * spinButtonWidth - 3, -3);
+    default:
+        return box;
+    }
 }
+
+/// A triangle around @p centre that points up or down.
+QPolygon arrow(QPoint centre, bool up)
+{
+    const int side = up ? 1 : -1;
+    return QPolygon({centre + QPoint(-arrowSize, side * arrowSize / 2),
+                     centre + QPoint(arrowSize, side * arrowSize / 2),
+                     centre + QPoint(0, -side * arrowSize / 2)});
+}
+} // namespace
 
 int TouchStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
                             const QWidget *widget) const
@@ -13,6 +44,62 @@ int TouchStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
         return indicatorSize;
     }
     return QProxyStyle::pixelMetric(metric, option, widget);
+}
+
+void TouchStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                                    QPainter *painter, const QWidget *widget) const
+{
+    const auto *spinBox = qstyleoption_cast<const QStyleOptionSpinBox *>(option);
+    if (control != CC_SpinBox || spinBox == nullptr) {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        return;
+    }
+    QStyleOptionFrame frame;
+    static_cast<QStyleOption &>(frame) = *option;
+    frame.lineWidth = 1;
+    frame.rect.setRight(frame.rect.right() - 2 * spinButtonWidth);
+    proxy()->drawPrimitive(PE_PanelLineEdit, &frame, painter, widget);
+    drawSpinButton(*spinBox, SC_SpinBoxDown, painter, widget);
+    drawSpinButton(*spinBox, SC_SpinBoxUp, painter, widget);
+}
+
+void TouchStyle::drawSpinButton(const QStyleOptionSpinBox &box, SubControl button,
+                                QPainter *painter, const QWidget *widget) const
+{
+    QStyleOptionButton bevel;
+    static_cast<QStyleOption &>(bevel) = box;
+    bevel.rect = proxy()->subControlRect(CC_SpinBox, &box, button, widget);
+    bevel.state &= ~(State_Sunken | State_HasFocus | State_MouseOver);
+    bevel.state |= State_Raised;
+    if (box.activeSubControls == button && (box.state & State_Sunken) != 0) {
+        bevel.state |= State_Sunken;
+    }
+    proxy()->drawControl(CE_PushButtonBevel, &bevel, painter, widget);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(box.palette.buttonText());
+    painter->drawPolygon(arrow(bevel.rect.center(), button == SC_SpinBoxUp));
+    painter->restore();
+}
+
+QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
+                                   const QWidget *widget) const
+{
+    const QSize usual = QProxyStyle::sizeFromContents(type, option, size, widget);
+    switch (type) {
+    case CT_ItemViewItem:
+    case CT_MenuItem: // the rows of a combo box
+        return usual.expandedTo({0, rowHeight});
+    case CT_RadioButton:
+        return usual.expandedTo({0, choiceHeight});
+    case CT_ComboBox:
+        return usual.expandedTo({0, controlHeight});
+    case CT_SpinBox:
+        return usual.expandedTo({0, controlHeight}) + QSize(2 * spinButtonWidth, 0);
+    default:
+        return usual;
+    }
 }
 
 int TouchStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
@@ -24,11 +111,28 @@ int TouchStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
     return QProxyStyle::styleHint(hint, option, widget, data);
 }
 
+QRect TouchStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option,
+                                 SubControl subControl, const QWidget *widget) const
+{
+    if (control == CC_SpinBox) {
+        return visualRect(option->direction, option->rect, spinBoxRect(option->rect, subControl));
+    }
+    return QProxyStyle::subControlRect(control, option, subControl, widget);
+}
+
 QRect TouchStyle::subElementRect(SubElement element, const QStyleOption *option,
                                  const QWidget *widget) const
 {
-    if (element == SE_RadioButtonClickRect) {
+    const QRect usual = QProxyStyle::subElementRect(element, option, widget);
+    switch (element) {
+    case SE_RadioButtonClickRect:
         return option->rect;
+    case SE_RadioButtonContents: {
+        // One line in the middle of the row: the text is painted at the top of this.
+        const int height = option->fontMetrics.height();
+        return {usual.left(), option->rect.center().y() - height / 2, usual.width(), height};
     }
-    return QProxyStyle::subElementRect(element, option, widget);
+    default:
+        return usual;
+    }
 }

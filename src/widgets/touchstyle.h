@@ -2,16 +2,28 @@
 
 #include <QProxyStyle>
 
-/// The toolkit's style, made for a finger: large indicators, whole rows that react, and one tap
-/// on a line edit that is enough to ask for the on-screen keypad.
+class QStyleOptionSpinBox;
+
+/// The toolkit's style, made for a finger: large indicators, buttons and list rows, whole rows
+/// that react, and one tap on a line edit that is enough to ask for the on-screen keypad.
 class TouchStyle : public QProxyStyle
 {
     Q_OBJECT
 public:
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                            QPainter *painter, const QWidget *widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption *option,
                     const QWidget *widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
+                           const QWidget *widget) const override;
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *data) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option,
+                         SubControl subControl, const QWidget *widget) const override;
     QRect subElementRect(SubElement element, const QStyleOption *option,
                          const QWidget *widget) const override;
+
+private:
+    void drawSpinButton(const QStyleOptionSpinBox &box, SubControl button, QPainter *painter,
+                        const QWidget *widget) const;
 };

@@ -8,7 +8,12 @@
 
 namespace {
 constexpr int endLimit = 10000; // ms
+
+void sendToFinger(const QString &line)
+{
+    toolOutput({PANEL_SIMULATOR "/finger", "send", line});
 }
+} // namespace
 
 PanelProgram::PanelProgram(const QStringList &arguments)
 {
@@ -56,7 +61,17 @@ QColor screenColor(QPoint at)
 
 void tapScreen(QPoint at)
 {
-    toolOutput({PANEL_SIMULATOR "/finger", "send", QString("tap %1 %2").arg(at.x()).arg(at.y())});
+    sendToFinger(QString("tap %1 %2").arg(at.x()).arg(at.y()));
+}
+
+void putFingerDown(QPoint at)
+{
+    sendToFinger(QString("down %1 %2").arg(at.x()).arg(at.y()));
+}
+
+void liftFinger()
+{
+    sendToFinger("up");
 }
 
 QString toolOutput(const QStringList &command)

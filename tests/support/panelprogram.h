@@ -35,6 +35,12 @@ QColor screenColor(QPoint at);
 /// Touches the panel at @p at for a moment, through the driver of its touch device.
 void tapScreen(QPoint at);
 
+/// Puts the finger on the panel at @p at and leaves it there.
+void putFingerDown(QPoint at);
+
+/// Takes the finger off the panel.
+void liftFinger();
+
 /// Runs a tool and gives back what it writes to standard output. The test program ends if the
 /// tool fails.
 QString toolOutput(const QStringList &command);

@@ -2,6 +2,7 @@
 
 #include "panelprogram.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 namespace {
@@ -48,6 +49,30 @@ int shownCount()
         }
     }
     return -1;
+}
+
+QRect programWindow()
+{
+    // Lists and the keypad are windows of the same class, but lie above.
+    const QRegularExpression line(
+        "\\(\"talmero-bios\" \"talmero-bios\"\\) +([0-9]+)x([0-9]+)\\+[-0-9]+\\+[-0-9]+ "
+        "+\\+(-?[0-9]+)\\+(-?[0-9]+)");
+    QRect place;
+    auto match = line.globalMatch(toolOutput({"xwininfo", "-root", "-tree"}));
+    while (match.hasNext()) {
+        const auto window = match.next();
+        place = QRect(window.captured(3).toInt(), window.captured(4).toInt(),
+                      window.captured(1).toInt(), window.captured(2).toInt());
+    }
+    return place;
+}
+
+QString shownBrightness()
+{
+    // By its path: a recording stand-in of a test is not to see this.
+    return QRegularExpression("Brightness: ([0-9.]+)")
+        .match(toolOutput({"/usr/bin/xrandr", "--verbose"}))
+        .captured(1);
 }
 
 void openMainPage()

@@ -37,6 +37,12 @@ bool showsSettingsPage();
 /// The count whose colour the countdown's ring on the screen has, -1 if there is no ring.
 int shownCount();
 
+/// Where the program's window is on the screen; nothing if there is none.
+QRect programWindow();
+
+/// The brightness of the display as xrandr prints it, for example "0.50".
+QString shownBrightness();
+
 /// Waits for the countdown and touches it, then waits for the main settings page. The test
 /// program ends if one of them does not come.
 void openMainPage();

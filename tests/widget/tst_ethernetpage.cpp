@@ -66,11 +66,11 @@ public:
     }
     LineEditWithKeyPad *address(int lan) const
     {
-        return page()->findChildren<LineEditWithKeyPad *>().at(lan * 2);
+        return page()->findChildren<LineEditWithKeyPad *>().at(qsizetype{2} * lan);
     }
     LineEditWithKeyPad *mask(int lan) const
     {
-        return page()->findChildren<LineEditWithKeyPad *>().at(lan * 2 + 1);
+        return page()->findChildren<LineEditWithKeyPad *>().at(qsizetype{2} * lan + 1);
     }
 
     void choose(int lan, int index) const { click(mode(lan, index)); }
@@ -212,8 +212,8 @@ void TestEthernetPage::fitsTheScreen_data()
 void TestEthernetPage::fitsTheScreen()
 {
     QFETCH(QSize, size);
-    const Page page;
-    page.window()->resize(size);
+    const Page page(
+        QString("bios.screen.size=%1x%2\n").arg(size.width()).arg(size.height()).toUtf8());
     QCOMPARE(page.window()->size(), size); // the contents do not push the window over the edge
     int bottom = 32;
     for (int lan = 0; lan < portCount; ++lan) {

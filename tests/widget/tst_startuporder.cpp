@@ -78,7 +78,10 @@ void TestStartupOrder::cleanup()
 void TestStartupOrder::toolsRunInOrder()
 {
     const BiosInterface window;
-    QCOMPARE(m_tools->calls(), QStringList{"xrandr [-q]"});
+    QCOMPARE(m_tools->calls(),
+             (QStringList{"xrandr [-q]", "xset [-dpms] [s] [noexpose]",
+                          "xrandr [--output] [] [--brightness] [1]",
+                          "xrandr [--output] [] [--rotate] [normal]"}));
 }
 
 void TestStartupOrder::windowIsFramelessAndFillsTheDesktop()

@@ -1,0 +1,25 @@
+#include "shell/biosinterface.h"
+
+#include "system/commandline.h"
+#include "system/paths.h"
+#include "system/process.h"
+
+#include <QDir>
+
+void BiosInterface::initCalibrationPage()
+{
+    initEmptyPage(CalibrationPage, tr("Calibration"));
+}
+
+bool BiosInterface::loadCalibrationSettings()
+{
+    if (QDir(Paths::biosFolder).exists()) {
+        runAndWait(calibrationCommand());
+    }
+    return true;
+}
+
+bool BiosInterface::saveCalibrationSettings()
+{
+    return true; // the tool stores what it finds
+}

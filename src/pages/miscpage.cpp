@@ -1,0 +1,195 @@
+#include "shell/biosinterface.h"
+
+#include "widgets/radiobutton.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace {
+constexpr int contentMargin = 19;  // px
+constexpr int gridSpacing = 40;    // px
+constexpr int tickInterval = 1000; // ms
+
+struct DelayItem
+{
+    const char *text;
+    int minutes;
+};
+/// "Close" switches screen saving off; it has always been called so.
+constexpr DelayItem delayItems[] = {
+    {QT_TRANSLATE_NOOP("BiosInterface", "Close"), 0},
+    {QT_TRANSLATE_NOOP("BiosInterface", "5 Mins"), 5},
+    {QT_TRANSLATE_NOOP("BiosInterface", "10 Mins"), 10},
+    {QT_TRANSLATE_NOOP("BiosInterface", "20 Mins"), 20},
+    {QT_TRANSLATE_NOOP("BiosInterface", "30 Mins"), 30},
+    {QT_TRANSLATE_NOOP("BiosInterface", "60 Mins"), 60},
+};
+
+struct BrightnessItem
+{
+    const char *text;
+    const char *factor;
+};
+constexpr BrightnessItem brightnessItems[] = {
+    {QT_TRANSLATE_NOOP("BiosInterface", "Full Light"), "1"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "90%"), "0.9"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "80%"), "0.8"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "70%"), "0.7"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "60%"), "0.6"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "50%"), "0.5"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "40%"), "0.4"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "30%"), "0.3"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "20%"), "0.2"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "10%"), "0.1"},
+    {QT_TRANSLATE_NOOP("BiosInterface", "0%"), "0"},
+};
+
+/// A row of two radio buttons of which one is checked, the first one at the start.
+void addChoiceRow(QGridLayout *grid, int row, RadioButton *first, RadioButton *second)
+{
+    auto *group = new QButtonGroup(first->parent());
+    group->addButton(first, 0);
+    group->addButton(second, 1);
+    first->setChecked(true);
+    grid->addWidget(first, row, 1);
+    grid->addWidget(second, row, 2);
+}
+
+/// Selects the first item behind the first one whose data is @p data. Leaves the selection as it
+/// is if there is none; the first item is deliberately not looked at.
+void selectStored(QComboBox *box, const QVariant &data)
+{
+    for (int index = 1; index < box->count(); ++index) {
+        if (box->itemData(index) == data) {
+            box->setCurrentIndex(index);
+            return;
+        }
+    }
+}
+} // namespace
+
+void BiosInterface::initMiscPage()
+{
+    auto *grid = new QGridLayout;
+    grid->setSpacing(gridSpacing);
+    createMiscRows(grid);
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    content->addLayout(grid);
+    content->addStretch();
+    setPageLayout(createTitleBar(tr("Miscellaneous"), true, true), content,
+                  m_pages->widget(MiscPage));
+    connect(&m_clockTick, &QTimer::timeout, this, &BiosInterface::slotTimerEdit);
+    m_clockTick.setInterval(tickInterval);
+}
+
+void BiosInterface::createMiscRows(QGridLayout *grid)
+{
+    QWidget *page = m_pages->widget(MiscPage);
+    const QString captions[]
+        = {tr("Mouse : "),         tr("Display Orientation : "),   tr("Buzzer : "),
+           tr("Screen Saving : "), tr("Back Light Brightness : "), tr("Time : ")};
+    for (int row = 0; row < int(std::size(captions)); ++row) {
+        auto *caption = new QLabel(captions[row], page);
+        setWidgetWithStyle(caption);
+        caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        caption->setWordWrap(true); // upright there is no room for the long ones in a line
+        grid->addWidget(caption, row, 0);
+    }
+    m_misc.mouseEnable = new RadioButton(tr("Enable"), page);
+    m_misc.mouseDisable = new RadioButton(tr("Disable"), page);
+    addChoiceRow(grid, 0, m_misc.mouseEnable, m_misc.mouseDisable);
+    m_misc.landscape = new RadioButton(tr("Landscape"), page);
+    m_misc.portrait = new RadioButton(tr("Portrait"), page);
+    addChoiceRow(grid, 1, m_misc.landscape, m_misc.portrait);
+    m_misc.buzzerEnable = new RadioButton(tr("Enable"), page);
+    m_misc.buzzerDisable = new RadioButton(tr("Disable"), page);
+    addChoiceRow(grid, 2, m_misc.buzzerEnable, m_misc.buzzerDisable);
+    m_misc.screenSaving = new QComboBox(page);
+    for (const DelayItem &item : delayItems) {
+        m_misc.screenSaving->addItem(tr(item.text), item.minutes);
+    }
+    grid->addWidget(m_misc.screenSaving, 3, 1, 1, 2);
+    m_misc.brightness = new QComboBox(page);
+    for (const BrightnessItem &item : brightnessItems) {
+        m_misc.brightness->addItem(tr(item.text), QString(QLatin1String(item.factor)));
+    }
+    m_misc.brightness->setMaxVisibleItems(m_misc.brightness->count());
+    grid->addWidget(m_misc.brightness, 4, 1, 1, 2);
+    m_misc.time = new QDateTimeEdit(QDateTime::currentDateTime(), page);
+    grid->addWidget(m_misc.time, 5, 1, 1, 2);
+    for (int cell = 0; cell < grid->count(); ++cell) {
+        useRowFont(grid->itemAt(cell)->widget());
+    }
+}
+
+bool BiosInterface::loadMiscSettings()
+{
+    const bool mouse = !m_settings.value("app.mouse").isEmpty();
+    (mouse ? m_misc.mouseEnable : m_misc.mouseDisable)->setChecked(true);
+    if (!m_settings.value("app.buzzer").isEmpty()) {
+        m_misc.buzzerEnable->setCheckable(true); // not checked: the pair stays as it is, on purpose
+    } else {
+        m_misc.buzzerDisable->setChecked(true);
+    }
+    const QString orientation = m_settings.value("app.orientation").simplified().toLower();
+    const bool upright = orientation == QLatin1String("vertical");
+    (upright ? m_misc.portrait : m_misc.landscape)->setChecked(true);
+
+    const QString delay = m_settings.value("app.screensaving");
+    if (delay.isEmpty()) {
+        m_misc.screenSaving->setCurrentIndex(0);
+    } else {
+        selectStored(m_misc.screenSaving, delay.toInt());
+    }
+    const QString brightness = m_settings.value("bios.brightness");
+    if (brightness.isEmpty()) {
+        m_misc.brightness->setCurrentIndex(0);
+    } else {
+        selectStored(m_misc.brightness, brightness);
+    }
+    m_misc.time->setDateTime(QDateTime::currentDateTime());
+    m_clockTick.start();
+    return true;
+}
+
+void BiosInterface::slotTimerEdit()
+{
+    m_misc.time->setDateTime(m_misc.time->dateTime().addSecs(1));
+}
+
+bool BiosInterface::saveMiscSettings()
+{
+    storeFlag("app.mouse", !m_misc.mouseDisable->isChecked());
+    storeFlag("app.buzzer", !m_misc.buzzerDisable->isChecked());
+    m_settings.insert("app.orientation",
+                      QLatin1String(m_misc.landscape->isChecked() ? "horizontal" : "vertical"));
+    const int delay = m_misc.screenSaving->currentData().toInt();
+    storeOrRemove("app.screensaving", delay != 0 ? QString::number(delay) : QString());
+    storeOrRemove("bios.brightness", m_misc.brightness->currentData().toString());
+    writeINI();
+    setScreenSaving();
+    setScreenOrientation();
+    setBackLighting();
+    setSystemTime();
+    return true;
+}
+
+/// A setting that is off is stored as an absent key.
+void BiosInterface::storeFlag(const QString &key, bool on)
+{
+    storeOrRemove(key, on ? QString("1") : QString());
+}
+
+void BiosInterface::storeOrRemove(const QString &key, const QString &value)
+{
+    if (value.isEmpty()) {
+        m_settings.remove(key);
+    } else {
+        m_settings.insert(key, value);
+    }
+}

@@ -1,0 +1,56 @@
+#include "shell/biosinterface.h"
+
+#include "system/commandline.h"
+#include "system/process.h"
+#include "system/xinputoutput.h"
+
+#include <QDateTime>
+#include <QDebug>
+
+namespace {
+constexpr QLatin1String unknownDevice("null");
+/// What the settings file receives, on purpose: the character with code 1 and not the digit. The
+/// display tool refuses it at the next start and leaves the light full.
+constexpr QChar rescueBrightness(1);
+} // namespace
+
+void BiosInterface::slotRescueTimesup()
+{
+    if (!findTouchDevice()) {
+        return;
+    }
+    if (m_touchDevice.isEmpty()) {
+        qDebug().noquote() << Q_FUNC_INFO << "Device Name Error";
+        return;
+    }
+    const QString state = readOutput(deviceStateCommand(m_touchDevice), queryLimit);
+    if (m_pressTimer.poll(firstButtonState(state), QDateTime::currentMSecsSinceEpoch())) {
+        m_rescuePoll->stop(); // for good: rescue comes once in a run of the program
+        rescueMode();
+    }
+}
+
+/// Looks for the touch controller while it is not known.
+/// Result: false if the tool hangs; asking it a second time in this poll would hang as well.
+bool BiosInterface::findTouchDevice()
+{
+    if (!m_touchDevice.contains(unknownDevice)) {
+        return true;
+    }
+    const ProcessResult list = runLimited(deviceListCommand(), queryLimit);
+    const QString name = touchDeviceName(QString::fromLocal8Bit(list.output));
+    if (!name.isEmpty()) {
+        m_touchDevice = name;
+    }
+    return list.finished;
+}
+
+/// The way back for a panel whose backlight is black or whose touch is off.
+void BiosInterface::rescueMode()
+{
+    const QStringList fullBrightness = brightnessCommand(m_displayOutput, "1");
+    m_settings.insert("bios.brightness", QString(rescueBrightness));
+    writeINI();
+    runAndWait(fullBrightness);
+    runAndWait(calibrationCommand());
+}

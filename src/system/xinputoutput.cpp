@@ -1,0 +1,35 @@
+#include "system/xinputoutput.h"
+
+#include <QList>
+#include <QStringView>
+
+namespace {
+constexpr QLatin1String controllerName("PenMount");
+constexpr QLatin1String firstButton("button[1]=");
+
+/// The first line of @p text that holds @p part, without its line end. Null if there is none.
+QStringView firstLineWith(const QString &text, QLatin1String part)
+{
+    for (const QStringView line : QStringView(text).split('\n')) {
+        if (line.contains(part)) {
+            return line.endsWith('\r') ? line.chopped(1) : line;
+        }
+    }
+    return {};
+}
+} // namespace
+
+QString touchDeviceName(const QString &deviceList)
+{
+    return firstLineWith(deviceList, controllerName).toString();
+}
+
+TouchState firstButtonState(const QString &deviceState)
+{
+    const QStringView line = firstLineWith(deviceState, firstButton);
+    if (line.isEmpty()) {
+        return TouchState::Unknown;
+    }
+    const QString state = line.split('=').at(1).toString().simplified();
+    return state == QLatin1String("up") ? TouchState::Up : TouchState::Down;
+}

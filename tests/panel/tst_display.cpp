@@ -1,0 +1,234 @@
+#include "faketools.h"
+#include "panelfiles.h"
+#include "panelguard.h"
+#include "panelprogram.h"
+#include "panelscreen.h"
+
+#include <QDateTime>
+#include <QGuiApplication>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+// On a screen of 800x600.
+constexpr QPoint miscButton = pageButtons[4].place;
+constexpr QPoint mouseEnable(380, 75);
+constexpr QPoint screenSavingBox(560, 315);
+constexpr QPoint brightnessBox(560, 396);
+constexpr QPoint yearSection(460, 478);
+constexpr QRect secondsArea(550, 465, 40, 26);
+constexpr QPoint downButton(714, 478);
+constexpr QPoint upButton(758, 478);
+constexpr int rowHeight = 44;
+constexpr int screenSavingRows = 6;
+constexpr int brightnessRows = 11;
+
+/// Where the list with so many rows is on the screen; nothing if it is not shown.
+QRect listPlace(int rows)
+{
+    const int height = rows * rowHeight + 2; // with its frame
+    const QRegularExpression line(
+        QString("(0x[0-9a-f]+) .* [0-9]+x%1\\+[-0-9]+\\+[-0-9]+ +\\+([0-9]+)\\+([0-9]+)")
+            .arg(height));
+    const auto match = line.match(toolOutput({"xwininfo", "-root", "-tree"}));
+    if (!match.hasMatch()
+        || !toolOutput({"xwininfo", "-id", match.captured(1)}).contains("IsViewable")) {
+        return {};
+    }
+    return {match.captured(2).toInt(), match.captured(3).toInt(), 100, height};
+}
+
+/// Opens the list of the combo box at @p box and taps a row of it.
+void chooseRow(QPoint box, int rows, int row)
+{
+    tapScreen(box);
+    QTRY_VERIFY(!listPlace(rows).isNull());
+    tapScreen(listPlace(rows).topLeft() + QPoint(50, 1 + row * rowHeight + rowHeight / 2));
+    QTRY_VERIFY(listPlace(rows).isNull());
+}
+
+std::unique_ptr<PanelProgram> startAtMiscPage()
+{
+    auto program = std::make_unique<PanelProgram>();
+    openMainPage();
+    tapScreen(miscButton);
+    if (!QTest::qWaitFor(showsSettingsPage)) {
+        qFatal("the Miscellaneous page does not open");
+    }
+    return program;
+}
+
+/// What xset prints behind @p label.
+QString screenSaver(const QString &label)
+{
+    return QRegularExpression(label + ": +([a-z0-9]+)")
+        .match(toolOutput({"/usr/bin/xset", "q"}))
+        .captured(1);
+}
+
+/// The time that the recorded run of date was given.
+QDateTime recordedTime(const QString &call)
+{
+    const QString argument = QRegularExpression("^date \\[([0-9]{12})\\]$").match(call).captured(1);
+    return QDateTime::fromString(argument, "MMddhhmmyyyy");
+}
+
+QDateTime withoutSeconds(const QDateTime &time)
+{
+    return {time.date(), QTime(time.time().hour(), time.time().minute())};
+}
+
+void setDisplay(const QString &brightness, const QString &seconds)
+{
+    toolOutput({"/usr/bin/xrandr", "--output", QGuiApplication::primaryScreen()->name(),
+                "--brightness", brightness});
+    toolOutput({"/usr/bin/xset", "s", seconds, "s", "expose"});
+}
+} // namespace
+
+class TestDisplay : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void technicianSetsTheDisplay();
+    void cancelChangesNothing();
+    void closeAndFullLight();
+    void darkIsAppliedAgain();
+
+private:
+    std::unique_ptr<FakeTools> m_tools;
+};
+
+void TestDisplay::initTestCase()
+{
+    requirePanel();
+}
+
+void TestDisplay::init()
+{
+    setDisplay("0.77", "77");
+    m_tools = std::make_unique<FakeTools>(QStringList{"sleep", "date", "hwclock"});
+}
+
+void TestDisplay::cleanup()
+{
+    m_tools.reset();
+}
+
+void TestDisplay::technicianSetsTheDisplay()
+{
+    writePanelFile("bios.ini", "other=kept\n");
+    auto program = startAtMiscPage();
+    const QDateTime opened = QDateTime::currentDateTime();
+    QCOMPARE(shownBrightness(), QString("1.0")); // nothing stored
+    tapScreen(mouseEnable);
+    chooseRow(screenSavingBox, screenSavingRows, 2);
+    chooseRow(brightnessBox, brightnessRows, 5);
+    tapScreen(yearSection);
+    tapScreen(upButton);
+    const QImage seconds = screenImage().copy(secondsArea);
+    QTRY_VERIFY(screenImage().copy(secondsArea) != seconds); // ticking leaves the section alone
+    tapScreen(upButton);
+    tapScreen(upButton);
+    tapScreen(downButton);
+    tapScreen(okButton);
+    QTRY_VERIFY(showsMainPage());
+    const QDateTime saved = QDateTime::currentDateTime();
+
+    QCOMPARE(readPanelFile("bios.ini"),
+             QByteArray("app.mouse=1\napp.orientation=horizontal\napp.screensaving=10\n"
+                        "bios.brightness=0.5\nother=kept\n"));
+    QCOMPARE(shownBrightness(), QString("0.50"));
+    QCOMPARE(screenSaver("timeout"), QString("600"));
+    const QStringList calls = m_tools->calls();
+    QCOMPARE(calls.size(), 3);
+    QCOMPARE(calls.at(0), QString("sleep [1]"));
+    const QDateTime time = recordedTime(calls.at(1));
+    // The clock of the editor may be a little late: nothing keeps it in step.
+    QVERIFY2(time >= withoutSeconds(opened.addSecs(-1).addYears(2)), qPrintable(calls.at(1)));
+    QVERIFY2(time <= saved.addYears(2), qPrintable(calls.at(1)));
+    QCOMPARE(calls.at(2), QString("hwclock [-w]"));
+
+    program.reset();
+    setDisplay("1", "77");
+    m_tools.reset();
+    // Run by a tool that finds the program's window on the screen.
+    const FakeTools tools({"xset", "xrandr", "window-is-there"});
+    const QString body = "xwininfo -root -tree | grep -q '\"talmero-bios\")' && window-is-there\n"
+                         "exec /usr/bin/%1 \"$@\"";
+    tools.setBody("xset", body.arg("xset"));
+    tools.setBody("xrandr", body.arg("xrandr"));
+    const PanelProgram again;
+    QTRY_VERIFY_WITH_TIMEOUT(shownCount() >= 0, startLimit);
+    QCOMPARE(shownBrightness(), QString("0.50"));
+    QCOMPARE(screenSaver("timeout"), QString("600"));
+    const QString output = QGuiApplication::primaryScreen()->name();
+    QCOMPARE(tools.calls().mid(0, 4),
+             (QStringList{"xrandr [-q]", "xset [s] [600]",
+                          "xrandr [--output] [" + output + "] [--brightness] [0.5]",
+                          "xrandr [--output] [" + output + "] [--rotate] [normal]"}));
+}
+
+void TestDisplay::cancelChangesNothing()
+{
+    const QByteArray settings = "# stays, as nothing is written\nbios.brightness=0.9\n"
+                                "app.screensaving=5\n";
+    writePanelFile("bios.ini", settings);
+    const auto program = startAtMiscPage();
+    tapScreen(mouseEnable);
+    chooseRow(screenSavingBox, screenSavingRows, 5);
+    chooseRow(brightnessBox, brightnessRows, 10);
+    tapScreen(yearSection);
+    tapScreen(upButton);
+    tapScreen(cancelButton);
+    QTRY_VERIFY(showsMainPage());
+    QCOMPARE(readPanelFile("bios.ini"), settings);
+    QCOMPARE(shownBrightness(), QString("0.90"));
+    QCOMPARE(screenSaver("timeout"), QString("300"));
+    QCOMPARE(m_tools->calls(), QStringList{"sleep [1]"});
+}
+
+void TestDisplay::closeAndFullLight()
+{
+    writePanelFile("bios.ini", "app.screensaving=30\nbios.brightness=0.3\n");
+    const auto program = startAtMiscPage();
+    QCOMPARE(shownBrightness(), QString("0.30"));
+    QCOMPARE(screenSaver("timeout"), QString("1800"));
+    QCOMPARE(screenSaver("allow exposures"), QString("yes"));
+    chooseRow(screenSavingBox, screenSavingRows, 0);
+    chooseRow(brightnessBox, brightnessRows, 0);
+    tapScreen(okButton);
+    QTRY_VERIFY(showsMainPage());
+    QCOMPARE(readPanelFile("bios.ini"),
+             QByteArray("app.orientation=horizontal\nbios.brightness=1\n"));
+    QCOMPARE(shownBrightness(), QString("1.0"));
+    // The tool is not told a delay, so the last one stays; this server has no DPMS to turn off.
+    QCOMPARE(screenSaver("allow exposures"), QString("no"));
+    QCOMPARE(screenSaver("timeout"), QString("1800"));
+}
+
+void TestDisplay::darkIsAppliedAgain()
+{
+    writePanelFile("bios.ini", "");
+    auto program = startAtMiscPage();
+    chooseRow(brightnessBox, brightnessRows, 10);
+    tapScreen(okButton);
+    QTRY_VERIFY(showsMainPage());
+    QCOMPARE(shownBrightness(), QString("0.0"));
+    QVERIFY(readPanelFile("bios.ini").contains("bios.brightness=0\n"));
+
+    program.reset();
+    setDisplay("1", "77");
+    const PanelProgram again;
+    QTRY_VERIFY_WITH_TIMEOUT(shownCount() >= 0, startLimit);
+    QCOMPARE(shownBrightness(), QString("0.0"));
+}
+
+QTEST_MAIN(TestDisplay)
+#include "tst_display.moc"
