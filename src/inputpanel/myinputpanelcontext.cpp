@@ -75,12 +75,16 @@ QWidget *MyInputPanelContext::panel() const
     return inputPanel.get();
 }
 
-/// A window manager may lift a window that fills the screen over one that asks to stay on top,
-/// but not over one that belongs to it.
 void MyInputPanelContext::showPanel()
 {
-    inputPanel->winId(); // makes the window that the next line needs
-    inputPanel->windowHandle()->setTransientParent(targetLineEdit->window()->windowHandle());
+    inputPanel->winId(); // makes the window that the next lines need
+    QWindow *window = inputPanel->windowHandle();
+    // A window manager may lift a window that fills the screen over one that asks to stay on top,
+    // but not over one that belongs to it.
+    window->setTransientParent(targetLineEdit->window()->windowHandle());
+    // Otherwise each key would take the focus and give it back, and the settings window would turn
+    // the screen anew each time. Who gives it the focus all the same gets it back at once.
+    window->setFlag(Qt::WindowDoesNotAcceptFocus);
     inputPanel->show();
     inputPanel->raise(); // where no window manager keeps it on top
 }

@@ -4,6 +4,7 @@
 #include "system/commandline.h"
 #include "system/ifconfigoutput.h"
 #include "system/process.h"
+#include "widgets/heading.h"
 #include "widgets/lineeditwithkeypad.h"
 #include "widgets/radiobutton.h"
 
@@ -13,11 +14,9 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int contentMargin = 29;        // px
-constexpr int captionMaximumHeight = 50; // px
-constexpr int editMinimumHeight = 20;    // px
-constexpr int rowSpacing = 6;            // px; with it both ports fit a screen 600 pixels high
-constexpr QColor captionColor(192, 104, 31);
+constexpr int contentMargin = 29;     // px
+constexpr int editMinimumHeight = 20; // px
+constexpr int rowSpacing = 6;         // px; with it both ports fit a screen 600 pixels high
 constexpr QColor disabledTextColor(80, 80, 80);
 constexpr char defaultMask[] = "255.255.255.0";
 
@@ -39,19 +38,6 @@ constexpr PortLook portLooks[] = {
     {QT_TRANSLATE_NOOP("BiosInterface", "Lan 2"), "auto_detect_radioButton2",
      "manual_input_radioButton2", "ip_address_lineEdit2", "ip_mask_lineEdit2", true},
 };
-
-QLabel *createCaption(const QString &text, QWidget *page)
-{
-    auto *caption = new QLabel(text, page);
-    QPalette palette = caption->palette();
-    palette.setColor(QPalette::WindowText, captionColor);
-    caption->setPalette(palette);
-    QFont font = caption->font();
-    font.setItalic(true);
-    caption->setFont(font);
-    caption->setMaximumHeight(captionMaximumHeight);
-    return caption;
-}
 
 LineEditWithKeyPad *createEdit(const char *name, QWidget *page)
 {
@@ -132,7 +118,7 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     edits->addWidget(maskCaption, 1, 0);
     edits->addWidget(port.mask, 1, 1);
 
-    QLabel *caption = createCaption(tr(look.caption), page);
+    QLabel *caption = createHeading(tr(look.caption), page);
     useRowFont(caption);
     layout->addWidget(caption);
     layout->addWidget(port.disable);

@@ -109,6 +109,7 @@ public:
 
     // The order of the slots is part of the interface: the meta-object numbers them by it.
 public slots:
+    /// Shows the main settings page.
     void goToSettingsPage();
 
     /// Starts the HMI runtime and blocks until it ends; the main settings page is shown then.
@@ -122,6 +123,8 @@ public slots:
 
     /// Calls the loader of the page, if it has one. A failure is a debug line.
     void loadSettings(int pageIndex);
+
+    // Each fills the widgets of its page from the settings. Result: whether that worked.
     virtual bool loadEthernetSettings();
     virtual bool loadFiletransferSettings();
     virtual bool loadMiscSettings();
@@ -132,6 +135,9 @@ public slots:
 
     /// Calls the saver of the page, if it has one. A failure is a debug line.
     void saveSettings(int pageIndex);
+
+    // Each stores what its page shows and applies it, which blocks while the tools run. Result:
+    // whether that worked; a tool that fails is not noticed.
     virtual bool saveEthernetSettings();
     virtual bool saveFiletransferSettings();
     virtual bool saveMiscSettings();
@@ -139,14 +145,21 @@ public slots:
     virtual bool saveFontSettings();
     virtual bool saveTimeSettings();
 
+    // Not built yet: they do nothing.
     void updateBIOSDialog(const QString &filename = QString());
     bool installPackages();
+
+    /// Moves the time that the miscellaneous page shows on by a second.
     void slotTimerEdit();
 
     /// Resizes the window to the screen with the index @p screen; another index does nothing.
     void slotresize(int screen);
 
+    /// Turns the display as stored. Waits without limit.
     void setScreenOrientation();
+
+    /// One poll of the touch controller: looks for it while it is not known, and starts rescue
+    /// mode once a finger was held for two seconds. Blocks for at most 30 s for each of its tools.
     void slotRescueTimesup();
 
 protected:

@@ -2,6 +2,7 @@
 
 #include "shell/pagebuttongrid.h"
 #include "shell/pagename.h"
+#include "widgets/heading.h"
 #include "widgets/settingsbutton.h"
 
 #include <QFrame>
@@ -10,25 +11,19 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int contentMargin = 29;        // px
-constexpr int spacerSize = 20;           // px
-constexpr int gridSpacing = 11;          // px
-constexpr int headingFontSize = 28;      // px
-constexpr int headingMaximumHeight = 50; // px
-constexpr QColor headingColor(192, 104, 31);
+constexpr int contentMargin = 29;   // px
+constexpr int spacerSize = 20;      // px
+constexpr int gridSpacing = 11;     // px
+constexpr int headingFontSize = 28; // px
 
-QLabel *createHeading(const QString &text, QWidget *parent)
+/// The page's one heading, larger than those of the settings pages.
+QLabel *createMainHeading(const QString &text, QWidget *parent)
 {
-    auto *heading = new QLabel(text, parent);
-    QPalette palette = heading->palette();
-    palette.setColor(QPalette::WindowText, headingColor);
-    heading->setPalette(palette);
+    QLabel *heading = createHeading(text, parent);
     QFont font = heading->font();
     font.setPixelSize(headingFontSize);
     font.setWeight(QFont::Bold);
-    font.setItalic(true);
     heading->setFont(font);
-    heading->setMaximumHeight(headingMaximumHeight);
     return heading;
 }
 
@@ -65,9 +60,10 @@ void BiosInterface::initMainSettingsButtonsPage()
     auto *content = new QVBoxLayout;
     content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
     content->addWidget(m_runApplication);
-    content->addSpacing(spacerSize);
+    content->addItem(
+        new QSpacerItem(spacerSize, spacerSize, QSizePolicy::Minimum, QSizePolicy::Fixed));
     content->addWidget(createLine(page));
-    content->addWidget(createHeading(tr("Settings"), page));
+    content->addWidget(createMainHeading(tr("Settings"), page));
     content->addLayout(createPageButtonGrid());
     setPageLayout(createTitleBar(tr("TALMERO"), false, false), content, page);
 }

@@ -1,3 +1,4 @@
+#include "faketools.h"
 #include "panelfiles.h"
 #include "panelguard.h"
 #include "panelmain.h"
@@ -127,6 +128,7 @@ private slots:
     void init();
     void cleanup();
     void technicianSetsBothPorts();
+    void typingTurnsNothing();
     void windowManagerLeavesTheKeypadOnTop();
     void foreignInputMethodIsIgnored();
     void leaseOnEachPort_data();
@@ -195,6 +197,23 @@ void TestEthernet::technicianSetsBothPorts()
     program.reset();
     QCOMPARE(reopenedPort(0), QString("Manual Input [192.168.10.5] [255.255.255.0]"));
     QVERIFY(reopenedPort(1).startsWith("DHCP [" + lease + "] [255.255.255.0"));
+}
+
+/// The screen is turned anew whenever the window becomes active: keys must not make it so.
+void TestEthernet::typingTurnsNothing()
+{
+    const FakeTools tools({"xrandr"});
+    tools.setBody("xrandr", "exec /usr/bin/xrandr \"$@\"");
+    const auto program = startAtEthernetPage();
+    tapScreen(manual1);
+    tapScreen(address1);
+    QTRY_VERIFY(!keypadPlace().isNull());
+    const qsizetype before = tools.calls().size();
+    tapKeys("12#3");
+    tapScreen(okButton);
+    QTRY_VERIFY(showsMainPage());
+    QCOMPARE(tools.calls().size(), before);
+    QVERIFY(readPanelFile("bios.ini").startsWith("ethernet.eth0=13\n"));
 }
 
 void TestEthernet::windowManagerLeavesTheKeypadOnTop()

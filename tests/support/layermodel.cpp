@@ -1,6 +1,7 @@
 #include "layermodel.h"
 
 #include <QColor>
+#include <QWidget>
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,14 @@ QRect between(int left, int top, int right, int bottom)
     return QRect(QPoint(left, top), QPoint(right, bottom)).normalized();
 }
 } // namespace
+
+QImage paintedImage(QWidget &widget)
+{
+    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::cyan);
+    widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    return image;
+}
 
 LayerModel::LayerModel(const QSize &size, const QColor &base)
     : m_size(size)

@@ -5,6 +5,11 @@
 #include <QList>
 #include <QRect>
 
+class QWidget;
+
+/// What @p widget paints itself, in its own size, over cyan, a colour that no widget uses.
+QImage paintedImage(QWidget &widget);
+
 /// What the painted widgets should look like, computed pixel by pixel from the gradients without
 /// any painter. Layers are laid over each other in the order of the calls.
 class LayerModel

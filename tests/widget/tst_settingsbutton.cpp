@@ -10,14 +10,6 @@ constexpr QSize buttonSize(200, 60);
 /// Where the text is drawn, and where pixels therefore are not as the layers alone make them.
 constexpr QRect textArea(30, 10, 140, 40);
 
-QImage painted(QWidget &button)
-{
-    QImage image(button.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::cyan);
-    button.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-    return image;
-}
-
 LayerModel computed(const QRect &rect, bool highlight)
 {
     LayerModel model(rect.size(), Qt::black);
@@ -127,9 +119,9 @@ void TestSettingsButton::paintsAsComputed()
     QFETCH(QSize, size);
     SettingsButton button;
     button.resize(size);
-    QCOMPARE(computed(button.rect(), true).difference(painted(button)), QString());
+    QCOMPARE(computed(button.rect(), true).difference(paintedImage(button)), QString());
     button.setEnabled(false);
-    QCOMPARE(computed(button.rect(), false).difference(painted(button)), QString());
+    QCOMPARE(computed(button.rect(), false).difference(paintedImage(button)), QString());
 }
 
 void TestSettingsButton::pressedIsBlack()
@@ -137,9 +129,9 @@ void TestSettingsButton::pressedIsBlack()
     SettingsButton button;
     button.resize(buttonSize);
     button.setPressed(true);
-    QCOMPARE(LayerModel(buttonSize, Qt::black).difference(painted(button)), QString());
+    QCOMPARE(LayerModel(buttonSize, Qt::black).difference(paintedImage(button)), QString());
     button.setPressed(false);
-    QCOMPARE(computed(button.rect(), true).difference(painted(button)), QString());
+    QCOMPARE(computed(button.rect(), true).difference(paintedImage(button)), QString());
 }
 
 void TestSettingsButton::roundedKeepsItsCorners()
@@ -148,7 +140,7 @@ void TestSettingsButton::roundedKeepsItsCorners()
          {new SettingsButton("", true), new SettingsButton("", 18, true)}) {
         button->resize(buttonSize);
         button->setPressed(true);
-        const QImage image = painted(*button);
+        const QImage image = paintedImage(*button);
         for (const QPoint corner : {QPoint(0, 0), QPoint(199, 0), QPoint(0, 59), QPoint(199, 59)}) {
             QCOMPARE(image.pixelColor(corner), QColor(Qt::cyan));
         }
@@ -161,7 +153,7 @@ void TestSettingsButton::roundedKeepsItsCorners()
     SettingsButton plain(QString(""), false);
     plain.resize(buttonSize);
     plain.setPressed(true);
-    QCOMPARE(painted(plain).pixelColor(0, 0), QColor(Qt::black));
+    QCOMPARE(paintedImage(plain).pixelColor(0, 0), QColor(Qt::black));
 }
 
 void TestSettingsButton::drawsTextInTheCentre()
@@ -172,13 +164,13 @@ void TestSettingsButton::drawsTextInTheCentre()
     button.resize(buttonSize);
     button.setPressed(true);
     empty.setPressed(true);
-    const QImage image = painted(button);
+    const QImage image = paintedImage(button);
     QVERIFY(holdsColor(image, Qt::white));
-    const QRect text = differingArea(image, painted(empty));
+    const QRect text = differingArea(image, paintedImage(empty));
     QVERIFY2(qAbs(text.center().x() - 99) <= 2, qPrintable(QString::number(text.center().x())));
     QVERIFY2(qAbs(text.center().y() - 30) <= 4, qPrintable(QString::number(text.center().y())));
     button.setText("");
-    QCOMPARE(painted(button), painted(empty));
+    QCOMPARE(paintedImage(button), paintedImage(empty));
 }
 
 void TestSettingsButton::disabledLook()
@@ -190,11 +182,11 @@ void TestSettingsButton::disabledLook()
     for (SettingsButton *button : {&disabled, &homeKey, &usual}) {
         button->resize(buttonSize);
         const bool usualLook = button == &usual;
-        QCOMPARE(computed(button->rect(), usualLook).difference(painted(*button), textArea),
+        QCOMPARE(computed(button->rect(), usualLook).difference(paintedImage(*button), textArea),
                  QString());
         button->setPressed(true);
-        QCOMPARE(holdsColor(painted(*button), Qt::white), usualLook);
-        QCOMPARE(holdsColor(painted(*button), Qt::gray), !usualLook);
+        QCOMPARE(holdsColor(paintedImage(*button), Qt::white), usualLook);
+        QCOMPARE(holdsColor(paintedImage(*button), Qt::gray), !usualLook);
     }
 }
 
@@ -206,7 +198,7 @@ void TestSettingsButton::shrinksTextThatDoesNotFit()
         const QSize size(width, 60);
         button.resize(size);
         empty.resize(size);
-        const QRect text = differingArea(painted(button), painted(empty));
+        const QRect text = differingArea(paintedImage(button), paintedImage(empty));
         QVERIFY2(text.left() > 0 && text.right() < width - 1, qPrintable(QString::number(width)));
         if (width == 400) {
             QVERIFY(text.width() > 250); // as large as asked for where there is room
@@ -224,13 +216,13 @@ void TestSettingsButton::emitsOnEveryRelease()
     QSignalSpy clicked(&button, &SettingsButton::buttonClicked);
     QTest::mousePress(&button, Qt::LeftButton);
     QCOMPARE(clicked.count(), 0);
-    QVERIFY(LayerModel(buttonSize, Qt::black).difference(painted(button), textArea).isEmpty());
+    QVERIFY(LayerModel(buttonSize, Qt::black).difference(paintedImage(button), textArea).isEmpty());
     QTest::mouseRelease(&button, Qt::LeftButton);
     QCOMPARE(clicked.count(), 1);
     QTest::mousePress(&button, Qt::LeftButton);
     QTest::mouseRelease(&button, Qt::LeftButton, {}, QPoint(-50, 500)); // the finger slid off
     QCOMPARE(clicked.count(), 2);
-    QVERIFY(computed(button.rect(), true).difference(painted(button), textArea).isEmpty());
+    QVERIFY(computed(button.rect(), true).difference(paintedImage(button), textArea).isEmpty());
 }
 
 void TestSettingsButton::pressingDisabled()
@@ -240,7 +232,7 @@ void TestSettingsButton::pressingDisabled()
     title.setPressEnabled(false);
     QSignalSpy clicked(&title, &SettingsButton::buttonClicked);
     QTest::mousePress(&title, Qt::LeftButton);
-    QCOMPARE(computed(title.rect(), true).difference(painted(title), textArea), QString());
+    QCOMPARE(computed(title.rect(), true).difference(paintedImage(title), textArea), QString());
     QTest::mouseRelease(&title, Qt::LeftButton);
     QCOMPARE(clicked.count(), 0);
     title.setPressEnabled(true);

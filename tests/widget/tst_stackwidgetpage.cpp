@@ -6,15 +6,6 @@
 #include <QTest>
 
 namespace {
-/// What @p page paints itself, over a colour that it does not use.
-QImage painted(StackWidgetPage &page)
-{
-    QImage image(page.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::cyan);
-    page.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-    return image;
-}
-
 LayerModel computed(int type, const QRect &rect)
 {
     LayerModel model(rect.size(), Qt::black);
@@ -71,7 +62,7 @@ void TestStackWidgetPage::paintsAsComputed()
     QFETCH(QSize, size);
     StackWidgetPage page(static_cast<StackWidgetPage::BackgroundDrawingType>(type));
     page.resize(size);
-    QCOMPARE(computed(type, page.rect()).difference(painted(page)), QString());
+    QCOMPARE(computed(type, page.rect()).difference(paintedImage(page)), QString());
 }
 
 void TestStackWidgetPage::otherTypePaintsNothing()
@@ -81,7 +72,7 @@ void TestStackWidgetPage::otherTypePaintsNothing()
         page.resize(50, 50);
         QImage untouched(page.size(), QImage::Format_ARGB32_Premultiplied);
         untouched.fill(Qt::cyan);
-        QCOMPARE(painted(page), untouched);
+        QCOMPARE(paintedImage(page), untouched);
     }
 }
 
@@ -89,9 +80,11 @@ void TestStackWidgetPage::defaultIsGloss()
 {
     StackWidgetPage page;
     page.resize(200, 100);
-    QCOMPARE(computed(StackWidgetPage::Gloss, page.rect()).difference(painted(page)), QString());
+    QCOMPARE(computed(StackWidgetPage::Gloss, page.rect()).difference(paintedImage(page)),
+             QString());
     page.setDrawingType(StackWidgetPage::Glow);
-    QCOMPARE(computed(StackWidgetPage::Glow, page.rect()).difference(painted(page)), QString());
+    QCOMPARE(computed(StackWidgetPage::Glow, page.rect()).difference(paintedImage(page)),
+             QString());
 }
 
 void TestStackWidgetPage::repaintsOnlyOnChange()

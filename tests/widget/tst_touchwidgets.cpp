@@ -2,6 +2,8 @@
 #include "widgets/radiobutton.h"
 #include "widgets/touchstyle.h"
 
+#include "layermodel.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QStyle>
@@ -10,14 +12,6 @@
 
 namespace {
 constexpr QSize buttonSize(200, 40);
-
-QImage painted(QWidget &widget)
-{
-    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::cyan);
-    widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-    return image;
-}
 
 QRect elementRect(const RadioButton &button, QStyle::SubElement element)
 {
@@ -87,7 +81,7 @@ void TestTouchWidgets::uncheckedRadioButton()
 {
     RadioButton button;
     button.resize(buttonSize);
-    const QImage image = painted(button);
+    const QImage image = paintedImage(button);
     const QRect box = elementRect(button, QStyle::SE_RadioButtonIndicator);
     QCOMPARE(box.size(), QSize(25, 25));
     const QRect outline = box.adjusted(1, 1, -1, -1);
@@ -110,7 +104,7 @@ void TestTouchWidgets::checkedRadioButton()
     RadioButton button;
     button.resize(buttonSize);
     button.setChecked(true);
-    const QImage image = painted(button);
+    const QImage image = paintedImage(button);
     const QRect box = elementRect(button, QStyle::SE_RadioButtonIndicator);
     const QRect dot(box.left() + 2, box.top() + 2, 20, 20);
     QCOMPARE(image.pixelColor(box.topLeft()), QColor(Qt::white));
@@ -141,7 +135,7 @@ void TestTouchWidgets::textColorFollowsTheState()
     button.resize(buttonSize);
     const QRect text = elementRect(button, QStyle::SE_RadioButtonContents);
     const auto holds = [&](const QColor &color) {
-        const QImage image = painted(button);
+        const QImage image = paintedImage(button);
         for (int y = text.top(); y <= text.bottom(); ++y) {
             for (int x = text.left(); x <= text.right(); ++x) {
                 if (image.rect().contains(x, y) && image.pixelColor(x, y) == color) {
@@ -167,15 +161,15 @@ void TestTouchWidgets::glossIsKeptForGood()
     RadioButton late;
     late.resize(buttonSize);
     late.setChecked(true);
-    QVERIFY(painted(early) != painted(late));
-    const QImage before = painted(late);
+    QVERIFY(paintedImage(early) != paintedImage(late));
+    const QImage before = paintedImage(late);
     late.resize(400, 90);
     const QRect box = elementRect(late, QStyle::SE_RadioButtonIndicator);
     late.resize(buttonSize);
-    QCOMPARE(painted(late), before);
+    QCOMPARE(paintedImage(late), before);
     QVERIFY(box.top() > 30); // the taller button has its dot lower, away from the gloss
     late.resize(400, 90);
-    QCOMPARE(painted(late).pixelColor(box.center()), QColor(Qt::green));
+    QCOMPARE(paintedImage(late).pixelColor(box.center()), QColor(Qt::green));
 }
 
 void TestTouchWidgets::uncheckingRemovesTheDot()
@@ -183,11 +177,11 @@ void TestTouchWidgets::uncheckingRemovesTheDot()
     RadioButton button;
     button.setAutoExclusive(false);
     button.resize(buttonSize);
-    const QImage unchecked = painted(button);
+    const QImage unchecked = paintedImage(button);
     button.setChecked(true);
-    QVERIFY(painted(button) != unchecked);
+    QVERIFY(paintedImage(button) != unchecked);
     button.setChecked(false);
-    QCOMPARE(painted(button), unchecked);
+    QCOMPARE(paintedImage(button), unchecked);
 }
 
 void TestTouchWidgets::wholeRowReacts()
