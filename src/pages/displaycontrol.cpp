@@ -7,22 +7,24 @@
 
 void BiosInterface::setScreenSaving()
 {
-    runAndWait(screenSavingCommand(m_settings.value("app.screensaving")));
+    runAndWait(screenSavingCommand(m_settings.value("app.screensaving")), settingLimit);
 }
 
 void BiosInterface::setScreenOrientation()
 {
-    runAndWait(orientationCommand(m_displayOutput, m_settings.value("app.orientation")));
+    runAndWait(orientationCommand(m_displayOutput, m_settings.value("app.orientation")),
+               settingLimit);
 }
 
 void BiosInterface::setBackLighting()
 {
-    runAndWait(brightnessCommand(m_displayOutput, m_settings.value("bios.brightness")));
+    runAndWait(brightnessCommand(m_displayOutput, m_settings.value("bios.brightness")),
+               settingLimit);
 }
 
 /// To what the time editor shows at this moment.
 void BiosInterface::setSystemTime()
 {
-    runAndWait(clockCommand(m_misc.time->dateTime()));
-    runAndWait(hardwareClockCommand());
+    runAndWait(clockCommand(m_misc.time->dateTime()), settingLimit);
+    runAndWait(hardwareClockCommand(), settingLimit);
 }

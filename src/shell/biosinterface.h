@@ -155,7 +155,7 @@ public slots:
     /// Resizes the window to the screen with the index @p screen; another index does nothing.
     void slotresize(int screen);
 
-    /// Turns the display as stored. Waits without limit.
+    /// Turns the display as stored. Blocks for at most 30 s.
     void setScreenOrientation();
 
     /// One poll of the touch controller: looks for it while it is not known, and starts rescue

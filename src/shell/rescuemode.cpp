@@ -51,6 +51,6 @@ void BiosInterface::rescueMode()
     const QStringList fullBrightness = brightnessCommand(m_displayOutput, "1");
     m_settings.insert("bios.brightness", QString(rescueBrightness));
     writeINI();
-    runAndWait(fullBrightness);
+    runAndWait(fullBrightness, settingLimit);
     runAndWait(calibrationCommand());
 }

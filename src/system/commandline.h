@@ -10,6 +10,10 @@
 /// How long a tool may take to answer a query before the program goes on without it.
 inline constexpr std::chrono::milliseconds queryLimit{30000};
 
+/// How long a tool may take to apply a setting of the display or the clock. A panel whose tool
+/// hangs must still start.
+inline constexpr std::chrono::milliseconds settingLimit{30000};
+
 /// How long the Ethernet page waits for the address of a port.
 inline constexpr std::chrono::milliseconds addressQueryLimit{10000};
 

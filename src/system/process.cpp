@@ -13,13 +13,13 @@ void setUp(QProcess &process, const QStringList &command)
 }
 } // namespace
 
-void runAndWait(const QStringList &command)
+void runAndWait(const QStringList &command, std::chrono::milliseconds limit)
 {
     QProcess process;
     setUp(process, command);
     process.setProcessChannelMode(QProcess::ForwardedChannels);
     process.start();
-    process.waitForFinished(static_cast<int>(noLimit.count()));
+    process.waitForFinished(static_cast<int>(limit.count()));
 }
 
 bool startDetached(const QStringList &command)

@@ -20,9 +20,10 @@ struct ProcessResult
 /// Waits for ever.
 inline constexpr std::chrono::milliseconds noLimit{-1};
 
-/// Runs @p command and waits for its end without limit. Its output goes where ours goes, its
-/// input is empty, its exit code is ignored. A program that cannot be started changes nothing.
-void runAndWait(const QStringList &command);
+/// Runs @p command and waits for its end for at most @p limit; one that is still running then is
+/// killed. Its output goes where ours goes, its input is empty, its exit code is ignored. A
+/// program that cannot be started changes nothing.
+void runAndWait(const QStringList &command, std::chrono::milliseconds limit = noLimit);
 
 /// Starts @p command and does not wait for it; it outlives this program.
 /// Result: false if it cannot be started.

@@ -38,6 +38,7 @@ private slots:
     void doesNotWaitForABackgroundChild();
     void readsOutputAsText();
     void runAndWaitWaits();
+    void runAndWaitKeepsItsLimit();
     void runAndWaitPassesOverFailures();
     void startDetachedDoesNotWait();
     void splitsCommandLines_data();
@@ -139,6 +140,15 @@ void TestProcess::runAndWaitWaits()
     const QString path = folder.filePath("done");
     runAndWait({"/bin/sh", "-c", "sleep 0.2; echo x >\"$1\"", "sh", path});
     QVERIFY(QFile::exists(path));
+}
+
+void TestProcess::runAndWaitKeepsItsLimit()
+{
+    QElapsedTimer timer;
+    timer.start();
+    runAndWait(shell("exec sleep 60"), 500ms);
+    QVERIFY2(timer.elapsed() >= 500 && timer.elapsed() < 10000,
+             qPrintable(QString::number(timer.elapsed())));
 }
 
 void TestProcess::runAndWaitPassesOverFailures()

@@ -52,6 +52,7 @@ private slots:
     void emptyListLeavesItUnknown();
     void hangingListIsTheOnlyToolOfItsTick();
     void hangingQueryIsCutOff();
+    void hangingBrightnessToolDoesNotStopRescue();
     void toolsThatFail_data();
     void toolsThatFail();
     void calibrationPageRunsTheTool();
@@ -211,6 +212,17 @@ void TestRescueMode::hangingQueryIsCutOff()
     timer.start();
     window->slotRescueTimesup();
     QVERIFY2(qAbs(timer.elapsed() - 30000) < 1500, qPrintable(QString::number(timer.elapsed())));
+}
+
+void TestRescueMode::hangingBrightnessToolDoesNotStopRescue()
+{
+    const auto window = makeWindow();
+    m_tools->setBody("xinput", touchController("echo 'PenMount USB'", "echo 'button[1]=down'"));
+    m_tools->setBody("xrandr", "exec sleep 300");
+    window->slotRescueTimesup();
+    QTest::qWait(2100);
+    window->slotRescueTimesup();
+    QCOMPARE(m_tools->calls().last(), QString("xCal"));
 }
 
 void TestRescueMode::toolsThatFail_data()

@@ -48,6 +48,7 @@ private slots:
     void survivesBadDisplayTool_data();
     void survivesBadDisplayTool();
     void missingDisplayToolIsPassedOver();
+    void hangingDisplayToolIsCutOff_data();
     void hangingDisplayToolIsCutOff();
     void survivesBadVersionFiles_data();
     void survivesBadVersionFiles();
@@ -253,9 +254,21 @@ void TestStartupOrder::missingDisplayToolIsPassedOver()
     QCOMPARE(window.size(), desktopSize());
 }
 
+void TestStartupOrder::hangingDisplayToolIsCutOff_data()
+{
+    QTest::addColumn<QString>("tool");
+    QTest::addColumn<QString>("body");
+    QTest::newRow("display query") << "xrandr"
+                                   << "[ \"$1\" != -q ] || exec sleep 300";
+    QTest::newRow("screen saving") << "xset"
+                                   << "exec sleep 300";
+}
+
 void TestStartupOrder::hangingDisplayToolIsCutOff()
 {
-    m_tools->setBody("xrandr", "[ \"$1\" != -q ] || exec sleep 300");
+    QFETCH(QString, tool);
+    QFETCH(QString, body);
+    m_tools->setBody(tool, body);
     QElapsedTimer timer;
     timer.start();
     const BiosInterface window;
