@@ -6,6 +6,16 @@ namespace {
 constexpr QLatin1String addressLabel("inet addr:");
 constexpr QLatin1String broadcastLabel("Bcast:");
 constexpr QLatin1String maskLabel("Mask:");
+constexpr QLatin1String hardwareLabel("HWaddr");
+constexpr qsizetype longestHardwareAddress = 30; // what is longer is no address
+
+QString withoutBlanksAtEnd(QString text)
+{
+    while (text.endsWith(' ')) {
+        text.chop(1);
+    }
+    return text;
+}
 
 QString findAddress(const QString &output)
 {
@@ -15,11 +25,8 @@ QString findAddress(const QString &output)
     }
     const qsizetype start = label + addressLabel.size();
     const qsizetype end = output.indexOf(broadcastLabel);
-    QString address = end < start ? output.mid(start) : output.mid(start, end - start);
-    while (address.endsWith(' ')) {
-        address.chop(1);
-    }
-    return address;
+    const QString address = end < start ? output.mid(start) : output.mid(start, end - start);
+    return withoutBlanksAtEnd(address);
 }
 
 QString findMask(const QString &output)
@@ -39,4 +46,32 @@ QString findMask(const QString &output)
 InterfaceAddress parseInterfaceAddress(const QString &ifconfigOutput)
 {
     return {findAddress(ifconfigOutput), findMask(ifconfigOutput)};
+}
+
+QString parseHardwareAddress(const QString &ifconfigOutput)
+{
+    const QString label = hardwareLabel + ' ';
+    const qsizetype found = ifconfigOutput.indexOf(label);
+    if (found < 0) {
+        return "NULL";
+    }
+    const qsizetype start = found + label.size();
+    const qsizetype lineEnd = ifconfigOutput.indexOf('\n', start);
+    const qsizetype end = lineEnd < 0 ? ifconfigOutput.size() : lineEnd;
+    if (end - start > longestHardwareAddress) {
+        return {};
+    }
+    return withoutBlanksAtEnd(ifconfigOutput.mid(start, end - start));
+}
+
+QStringList hardwareAddresses(const QString &ifconfigOutput)
+{
+    QStringList addresses;
+    for (const QString &line : ifconfigOutput.split('\n')) {
+        const qsizetype label = line.indexOf(hardwareLabel);
+        if (label >= 0) {
+            addresses += line.mid(label + hardwareLabel.size()).simplified();
+        }
+    }
+    return addresses;
 }

@@ -9,6 +9,10 @@ class TestIfconfigOutput : public QObject
 private slots:
     void parses_data();
     void parses();
+    void parsesHardwareAddress_data();
+    void parsesHardwareAddress();
+    void listsHardwareAddresses_data();
+    void listsHardwareAddresses();
 };
 
 void TestIfconfigOutput::parses_data()
@@ -87,6 +91,63 @@ void TestIfconfigOutput::parses()
     const InterfaceAddress found = parseInterfaceAddress(byteText(output));
     QCOMPARE(found.address, address);
     QCOMPARE(found.mask, mask);
+}
+
+void TestIfconfigOutput::parsesHardwareAddress_data()
+{
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QString>("address");
+    QTest::newRow("BusyBox") << QByteArray("eth0      Link encap:Ethernet  "
+                                           "HWaddr 00:11:22:33:44:55  \n          UP\n")
+                             << "00:11:22:33:44:55";
+    QTest::newRow("today's net-tools")
+        << QByteArray("eth0: flags=4163<UP>\n        ether 00:11:22:33:44:55  txqueuelen 1000\n")
+        << "NULL";
+    QTest::newRow("nothing") << QByteArray() << "NULL";
+    QTest::newRow("no blank behind") << QByteArray("HWaddr\t00:11\n") << "NULL";
+    QTest::newRow("other case") << QByteArray("hwaddr 00:11\n") << "NULL";
+    QTest::newRow("30 characters") << QByteArray("HWaddr ") + QByteArray(30, 'x') + '\n'
+                                   << QString(30, 'x');
+    QTest::newRow("31 characters") << QByteArray("HWaddr ") + QByteArray(31, 'x') + '\n' << "";
+    QTest::newRow("31 with its blanks") << QByteArray("HWaddr 00:11") + QByteArray(26, ' ') + '\n'
+                                        << "";
+    QTest::newRow("no line end") << QByteArray("HWaddr 00:11 ") << "00:11";
+    QTest::newRow("blanks alone") << QByteArray("HWaddr    \n") << "";
+    QTest::newRow("a tab stays") << QByteArray("HWaddr 00:11\t \n") << "00:11\t";
+    QTest::newRow("the first one") << QByteArray("HWaddr 1\nHWaddr 2\n") << "1";
+    QTest::newRow("cut at a zero byte") << QByteArray("HWaddr 00\0:11\n", 14) << "00";
+    QTest::newRow("1 MB") << QByteArray("HWaddr ") + QByteArray(1'000'000, 'x') << "";
+}
+
+void TestIfconfigOutput::parsesHardwareAddress()
+{
+    QFETCH(QByteArray, output);
+    QFETCH(QString, address);
+    QCOMPARE(parseHardwareAddress(byteText(output)), address);
+}
+
+void TestIfconfigOutput::listsHardwareAddresses_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QStringList>("addresses");
+    QTest::newRow("nothing") << "" << QStringList{};
+    QTest::newRow("BusyBox, with loopback")
+        << "eth0      Link encap:Ethernet  HWaddr 02:00:00:00:00:01  \n          UP\n\n"
+           "eth1      Link encap:Ethernet  HWaddr 02:00:00:00:00:02  \n\n"
+           "lo        Link encap:Local Loopback  \n"
+        << QStringList{"02:00:00:00:00:01", "02:00:00:00:00:02"};
+    QTest::newRow("text behind") << "HWaddr  02:00 \t and  more \n"
+                                 << QStringList{"02:00 and more"};
+    QTest::newRow("equal ones stay") << "HWaddr 1\nHWaddr 1" << QStringList{"1", "1"};
+    QTest::newRow("no address") << "x HWaddr\n" << QStringList{""};
+    QTest::newRow("other case") << "HWADDR 1\n" << QStringList{};
+}
+
+void TestIfconfigOutput::listsHardwareAddresses()
+{
+    QFETCH(QString, output);
+    QFETCH(QStringList, addresses);
+    QCOMPARE(hardwareAddresses(output), addresses);
 }
 
 QTEST_GUILESS_MAIN(TestIfconfigOutput)
