@@ -107,6 +107,7 @@ private slots:
     void withoutFocusTheLastFieldIsServed();
     void backspaceTakesTheLastCharacter_data();
     void backspaceTakesTheLastCharacter();
+    void ownActivationDoesNotHide();
     void activationGoesBackToTheField();
     void withoutContextNothingShows();
 
@@ -356,6 +357,17 @@ void TestInputPanel::backspaceTakesTheLastCharacter()
     tapKey("panelButton_hash");
     QCOMPARE(edit.text(), left);
     QVERIFY(edit.received.isEmpty());
+}
+
+void TestInputPanel::ownActivationDoesNotHide()
+{
+    QTest::mouseClick(&m_window->top, Qt::LeftButton);
+    QApplication::setActiveWindow(m_panel); // the field loses the focus, and asks to hide
+    QVERIFY(!m_window->top.hasFocus());
+    QVERIFY(m_panel->isVisible());
+    QApplication::setActiveWindow(m_window.get());
+    QVERIFY(m_window->top.hasFocus());
+    QVERIFY(m_panel->isVisible());
 }
 
 void TestInputPanel::activationGoesBackToTheField()
