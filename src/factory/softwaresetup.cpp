@@ -17,6 +17,7 @@
 namespace {
 constexpr QSize windowSize(800, 600); // px; the smallest panel
 constexpr int fontPointSize = 15;
+constexpr int margin = 4;            // px; a row of three long texts needs the rest
 constexpr int sideButtonHeight = 44; // px; a finger hits it
 constexpr int testPage = 1;
 } // namespace
@@ -54,6 +55,7 @@ void SoftwareSetup::init()
     connect(buttons, &QDialogButtonBox::rejected, this, &SoftwareSetup::slotReject);
     connect(buttons, &QDialogButtonBox::clicked, this, &SoftwareSetup::slotAction);
     auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(margin, margin, margin, margin);
     layout->addWidget(m_pages);
     layout->addWidget(buttons);
 }
@@ -63,7 +65,9 @@ QVBoxLayout *SoftwareSetup::addPage()
 {
     auto *page = new QScrollArea;
     m_pages->addWidget(page);
-    return new QVBoxLayout(page->viewport());
+    auto *layout = new QVBoxLayout(page->viewport());
+    layout->setContentsMargins(margin, margin, margin, margin);
+    return layout;
 }
 
 QHBoxLayout *SoftwareSetup::addRow(QVBoxLayout *page, const QString &caption)
