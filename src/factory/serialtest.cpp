@@ -8,6 +8,7 @@
 #include <QDeadlineTimer>
 #include <QDebug>
 #include <QSerialPort>
+#include <QSocketNotifier>
 #include <QTextEdit>
 
 namespace {
@@ -21,6 +22,15 @@ bool hasMore(QSerialPort *port)
     const QSignalBlocker silence(port);
     port->waitForReadyRead(0);
     return !port->atEnd();
+}
+/// Closes the port when its device is unplugged. The port itself takes no notice of that: it would
+/// be told for ever that there is something to read, and would read nothing.
+void closeWhenUnplugged(QSerialPort *port)
+{
+    auto *hangUp = new QSocketNotifier(port->handle(), QSocketNotifier::Exception, port);
+    QObject::connect(port, &QSerialPort::aboutToClose, hangUp,
+                     [hangUp] { hangUp->setEnabled(false); });
+    QObject::connect(hangUp, &QSocketNotifier::activated, port, &QSerialPort::close);
 }
 } // namespace
 
@@ -52,7 +62,9 @@ void SoftwareSetup::openSerialPort(const QString &device)
     m_serialPort->setParity(QSerialPort::NoParity);
     m_serialPort->setDataBits(QSerialPort::Data8);
     m_serialPort->setStopBits(QSerialPort::OneStop);
-    m_serialPort->open(QIODevice::ReadWrite);
+    if (m_serialPort->open(QIODevice::ReadWrite)) {
+        closeWhenUnplugged(m_serialPort);
+    }
 }
 
 /// Result: the number of bytes that the port took.
