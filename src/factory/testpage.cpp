@@ -119,6 +119,7 @@ void SoftwareSetup::addLinkRows(QVBoxLayout *page)
     page->addWidget(m_peerAddressEdit);
     m_resultView = new QTextEdit;
     m_resultView->setObjectName("resultView");
-    m_resultView->setReadOnly(true); // the verdict is on all of its text
+    m_resultView->setWordWrapMode(QTextOption::WrapAnywhere); // a payload then takes two lines
+    m_resultView->setReadOnly(true);                          // the verdict is on all of its text
     page->addWidget(m_resultView);
 }
