@@ -15,7 +15,7 @@ constexpr int connectLimit = 30000; // ms
 
 void SoftwareSetup::slotEtherTest()
 {
-    const int number = linkNumber(sender()->property("ethtest").toString());
+    const int number = tappedLink("ethtest");
     const std::optional<PeerAddress> peer = parsePeerAddress(m_peerAddressEdit->text());
     if (!peer) {
         showText(m_resultView,

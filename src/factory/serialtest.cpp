@@ -23,20 +23,11 @@ bool hasMore(QSerialPort *port)
     port->waitForReadyRead(0);
     return !port->atEnd();
 }
-/// Closes the port when its device is unplugged. The port itself takes no notice of that: it would
-/// be told for ever that there is something to read, and would read nothing.
-void closeWhenUnplugged(QSerialPort *port)
-{
-    auto *hangUp = new QSocketNotifier(port->handle(), QSocketNotifier::Exception, port);
-    QObject::connect(port, &QSerialPort::aboutToClose, hangUp,
-                     [hangUp] { hangUp->setEnabled(false); });
-    QObject::connect(hangUp, &QSocketNotifier::activated, port, &QSerialPort::close);
-}
 } // namespace
 
 void SoftwareSetup::slotCOM232Test()
 {
-    const int number = linkNumber(sender()->property("comtest").toString());
+    const int number = tappedLink("comtest");
     const QString device = QString("/dev/ttyS%1").arg(number - 1);
     openSerialPort(device);
     qDebug() << Q_FUNC_INFO << device << m_serialPort->isOpen();
@@ -65,6 +56,20 @@ void SoftwareSetup::openSerialPort(const QString &device)
     if (m_serialPort->open(QIODevice::ReadWrite)) {
         closeWhenUnplugged(m_serialPort);
     }
+}
+
+/// The port itself takes no notice of an unplugged device: it would be told for ever that there
+/// is something to read, and would read nothing.
+void SoftwareSetup::closeWhenUnplugged(QSerialPort *port)
+{
+    auto *hangUp = new QSocketNotifier(port->handle(), QSocketNotifier::Exception, port);
+    connect(port, &QSerialPort::aboutToClose, hangUp, [hangUp] { hangUp->setEnabled(false); });
+    connect(hangUp, &QSocketNotifier::activated, port, [this, port] {
+        const bool isRead = port == m_serialPort && port->bytesAvailable() > 0;
+        if (!isRead) { // the verdict is on all that came until then
+            port->close();
+        }
+    });
 }
 
 /// Result: the number of bytes that the port took.

@@ -69,7 +69,9 @@ private:
 
     void nameInterfaces();
 
+    int tappedLink(const char *property) const;
     void openSerialPort(const QString &device);
+    void closeWhenUnplugged(QSerialPort *port);
     qint64 sendSerialPayload();
     void giveSerialVerdict();
 

@@ -1,6 +1,7 @@
 #include "factory/softwaresetup.h"
 
 #include "factory/colorblending.h"
+#include "factory/linktest.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -122,4 +123,10 @@ void SoftwareSetup::addLinkRows(QVBoxLayout *page)
     m_resultView->setWordWrapMode(QTextOption::WrapAnywhere); // a payload then takes two lines
     m_resultView->setReadOnly(true);                          // the verdict is on all of its text
     page->addWidget(m_resultView);
+}
+
+/// Number of the port whose button was tapped; 0 if no button was.
+int SoftwareSetup::tappedLink(const char *property) const
+{
+    return sender() == nullptr ? 0 : linkNumber(sender()->property(property).toString());
 }

@@ -20,8 +20,6 @@
 #include <map>
 
 namespace {
-const QString alphabet = "1234567890abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-const QString dashes = '\n' + QString(38, '-') + '\n';
 constexpr char markerFile[] = "/media/usb0/talmero_setup";
 constexpr char rulesFile[] = "/etc/udev/rules.d/70-persistent-net.rules";
 constexpr int modelRows = 5;
@@ -103,9 +101,9 @@ void TestFactory::initTestCase()
     m_resultArea
         = QRect(view->viewport()->mapTo(twin.window(), QPoint()), view->viewport()->size());
     const QString broken = "10:/dev/ttyS2:" + alphabet;
-    for (const QString &text : {QString(), "5:1:" + alphabet + dashes + "Test Ok!",
-                                "10:/dev/ttyS0:" + alphabet + dashes + "Test Ok!",
-                                broken.left(40) + broken.mid(41) + dashes + "Test Fail!"}) {
+    for (const QString &text :
+         {QString(), "5:1:" + alphabet + okLines, "10:/dev/ttyS0:" + alphabet + okLines,
+          broken.left(40) + broken.mid(41) + failLines}) {
         view->setPlainText(text);
         m_results[text] = view->viewport()->grab().toImage();
     }
@@ -175,19 +173,19 @@ void TestFactory::productionLine()
     tapScreen(place("Test"));
     QTRY_VERIFY(showsResult({}));
     tapScreen(place("Eth0"));
-    QTRY_VERIFY(showsResult("5:1:" + alphabet + dashes + "Test Ok!"));
+    QTRY_VERIFY(showsResult("5:1:" + alphabet + okLines));
     tapScreen(place("COM1 RS232"));
-    QTRY_VERIFY(showsResult("10:/dev/ttyS0:" + alphabet + dashes + "Test Ok!"));
+    QTRY_VERIFY(showsResult("10:/dev/ttyS0:" + alphabet + okLines));
     tapScreen(place("COM3 RS232"));
     const QString broken = "10:/dev/ttyS2:" + alphabet;
-    QTRY_VERIFY(showsResult(broken.left(40) + broken.mid(41) + dashes + "Test Fail!"));
+    QTRY_VERIFY(showsResult(broken.left(40) + broken.mid(41) + failLines));
 
     tapScreen(place("Pixel Test"));
     for (const Qt::GlobalColor color : {Qt::white, Qt::black, Qt::red, Qt::blue, Qt::green}) {
         QTRY_COMPARE(middleOfTheScreen(), QColor(color));
         tapScreen(QPoint(400, 300));
     }
-    QTRY_VERIFY(showsResult(broken.left(40) + broken.mid(41) + dashes + "Test Fail!"));
+    QTRY_VERIFY(showsResult(broken.left(40) + broken.mid(41) + failLines));
     tapScreen(place("Close"));
     QCOMPARE(m_program->waitForEnd(), 0);
     QVERIFY(!m_tools->calls().join(' ').contains("mv ["));

@@ -8,6 +8,11 @@ class QPushButton;
 class QWidget;
 class SoftwareSetup;
 
+/// What both echo tests send behind their own fields, and what they print behind the echo.
+inline const QString alphabet = "1234567890abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+inline const QString okLines = '\n' + QString(38, '-') + "\nTest Ok!";
+inline const QString failLines = '\n' + QString(38, '-') + "\nTest Fail!";
+
 /// The factory window, worked by clicks. Its pauses are real once it is built.
 class FactoryWindow
 {

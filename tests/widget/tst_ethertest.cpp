@@ -12,10 +12,6 @@
 #include <QTest>
 
 namespace {
-const QString alphabet = "1234567890abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-const QString dashes(38, '-');
-const QString ok = "\n" + dashes + "\nTest Ok!";
-const QString fail = "\n" + dashes + "\nTest Fail!";
 const QString refusal = "The peer address must be HOST:PORT with a port from 1 to 65535.";
 
 QString payload(int number)
@@ -89,7 +85,7 @@ void TestEtherTest::eachPort()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click(QString("Eth%1").arg(number - 1));
-    QTRY_COMPARE(factory.result(), payload(number) + ok);
+    QTRY_COMPARE(factory.result(), payload(number) + okLines);
     QCOMPARE(factory.calls(), QStringList()); // no pause here
 }
 
@@ -98,15 +94,16 @@ void TestEtherTest::echoes_data()
     QTest::addColumn<QString>("mode");
     QTest::addColumn<QString>("result");
     const QString sent = payload(1);
-    QTest::newRow("late") << "late:700" << sent + ok;
-    QTest::newRow("one byte changed") << "changed" << sent.left(40) + '#' + sent.mid(41) + fail;
-    QTest::newRow("one byte more") << "extra" << sent + '#' + fail;
-    QTest::newRow("one byte less") << "missing" << sent.left(40) + sent.mid(41) + fail;
-    QTest::newRow("a zero byte behind") << "zero" << sent + ok;
-    QTest::newRow("closed after a part") << "cut:30" << sent.left(30) + fail;
+    QTest::newRow("late") << "late:700" << sent + okLines;
+    QTest::newRow("one byte changed")
+        << "changed" << sent.left(40) + '#' + sent.mid(41) + failLines;
+    QTest::newRow("one byte more") << "extra" << sent + '#' + failLines;
+    QTest::newRow("one byte less") << "missing" << sent.left(40) + sent.mid(41) + failLines;
+    QTest::newRow("a zero byte behind") << "zero" << sent + okLines;
+    QTest::newRow("closed after a part") << "cut:30" << sent.left(30) + failLines;
     QTest::newRow("closed at once") << "cut:0" << QString();
-    QTest::newRow("closed behind the echo") << "cut:66" << sent + ok;
-    QTest::newRow("in parts") << "chunks:100" << sent.left(17) + fail;
+    QTest::newRow("closed behind the echo") << "cut:66" << sent + okLines;
+    QTest::newRow("in parts") << "chunks:100" << sent.left(17) + failLines;
 }
 
 void TestEtherTest::echoes()
@@ -129,7 +126,7 @@ void TestEtherTest::everySplitFails()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("Eth0");
-    QTRY_VERIFY(factory.result().endsWith(fail));
+    QTRY_VERIFY(factory.result().endsWith(failLines));
     QVERIFY(payload(1).startsWith(factory.result().section('\n', 0, 0)));
 }
 
@@ -139,9 +136,9 @@ void TestEtherTest::longEchoIsReadToItsEnd()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("Eth0");
-    QTRY_VERIFY(factory.result().endsWith(fail));
+    QTRY_VERIFY(factory.result().endsWith(failLines));
     const QString whole = payload(1).repeated(20);
-    QCOMPARE(factory.result(), whole.left(1024) + '\n' + whole.mid(1024) + fail);
+    QCOMPARE(factory.result(), whole.left(1024) + '\n' + whole.mid(1024) + failLines);
 }
 
 void TestEtherTest::markupIsShownAsItIs()
@@ -150,7 +147,7 @@ void TestEtherTest::markupIsShownAsItIs()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("Eth0");
-    QTRY_COMPARE(factory.result(), "<b>5</b>&amp;<img src='/dev/null'>" + fail);
+    QTRY_COMPARE(factory.result(), "<b>5</b>&amp;<img src='/dev/null'>" + failLines);
 }
 
 void TestEtherTest::silentPeer()
@@ -193,7 +190,7 @@ void TestEtherTest::notConnected()
     init();
     setPeer(factory, "192.168.0.30:33");
     factory.click("Eth1");
-    QTRY_COMPARE(factory.result(), payload(2) + ok);
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
 }
 
 void TestEtherTest::peerAddressIsRefused_data()
@@ -217,7 +214,7 @@ void TestEtherTest::peerAddressIsRefused()
     QCOMPARE(factory.window()->findChildren<QTcpSocket *>().size(), 0);
     setPeer(factory, "192.168.0.30:33");
     factory.click("Eth0");
-    QTRY_COMPARE(factory.result(), payload(1) + ok);
+    QTRY_COMPARE(factory.result(), payload(1) + okLines);
 }
 
 void TestEtherTest::anotherPeer()
@@ -233,7 +230,7 @@ void TestEtherTest::anotherPeer()
     QTRY_COMPARE(peer->bytesAvailable(), 66);
     QCOMPARE(peer->readAll(), payload(2).toLatin1());
     peer->write(payload(2).toLatin1());
-    QTRY_COMPARE(factory.result(), payload(2) + ok);
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
     QTRY_COMPARE(peer->state(), QAbstractSocket::UnconnectedState);
 }
 
@@ -246,7 +243,7 @@ void TestEtherTest::startedAgain()
     factory.click("Eth0");
     init();
     factory.click("Eth1");
-    QTRY_COMPARE(factory.result(), payload(2) + ok);
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
 }
 
 void TestEtherTest::anOlderEchoGivesNoVerdict()
@@ -257,14 +254,14 @@ void TestEtherTest::anOlderEchoGivesNoVerdict()
     factory.click("Eth0");
     QTest::qWait(200);
     factory.click("Eth1"); // the first echo comes before this one's
-    QTRY_COMPARE(factory.result(), payload(2) + ok);
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
     factory.click("Eth0");
     QTest::qWait(200);
     init();
     factory.click("Eth1");
-    QTRY_COMPARE(factory.result(), payload(2) + ok);
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
     QTest::qWait(400); // the first echo comes when no test runs any more
-    QCOMPARE(factory.result(), payload(2) + ok);
+    QCOMPARE(factory.result(), payload(2) + okLines);
 }
 
 void TestEtherTest::serialTestMeanwhile()
@@ -274,7 +271,7 @@ void TestEtherTest::serialTestMeanwhile()
     factory.click("Test");
     factory.click("Eth0");
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), "10:/dev/ttyS0:" + alphabet + ok);
+    QTRY_COMPARE(factory.result(), "10:/dev/ttyS0:" + alphabet + okLines);
 }
 
 void TestEtherTest::verdictEndsTheConnection()
@@ -283,7 +280,7 @@ void TestEtherTest::verdictEndsTheConnection()
     factory.click("Test");
     for (int round = 0; round < 3; ++round) {
         factory.click("Eth0");
-        QTRY_COMPARE(factory.result(), payload(1) + ok);
+        QTRY_COMPARE(factory.result(), payload(1) + okLines);
         QTRY_COMPARE(factory.window()->findChildren<QTcpSocket *>().size(), 0);
     }
 }

@@ -17,10 +17,6 @@
 #include <unistd.h>
 
 namespace {
-const QString alphabet = "1234567890abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-const QString dashes(38, '-');
-const QString ok = "\n" + dashes + "\nTest Ok!";
-const QString fail = "\n" + dashes + "\nTest Fail!";
 constexpr uid_t nobody = 65534;
 
 QString payload(int port)
@@ -67,6 +63,7 @@ private slots:
     void cannotOpen_data();
     void cannotOpen();
     void noPermission();
+    void withoutAButton();
     void busy();
     void unplugged_data();
     void unplugged();
@@ -102,7 +99,7 @@ void TestSerialTest::eachPort()
     QElapsedTimer timer;
     timer.start();
     factory.click(QString("COM%1 RS232").arg(port + 1));
-    QTRY_COMPARE(factory.result(), payload(port) + ok);
+    QTRY_COMPARE(factory.result(), payload(port) + okLines);
     QVERIFY2(timer.elapsed() < 1500, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(factory.calls(), QStringList{"sleep [0.2]"});
     const QString function = "void SoftwareSetup::slotCOM232Test()";
@@ -116,15 +113,16 @@ void TestSerialTest::echoes_data()
     QTest::addColumn<QString>("mode");
     QTest::addColumn<QString>("result");
     const QString sent = payload(0);
-    QTest::newRow("byte by byte") << "bytes" << sent + ok;
-    QTest::newRow("chunks, 50 ms") << "chunks:50" << sent + ok;
-    QTest::newRow("chunks, 150 ms") << "chunks:150" << sent + ok;
-    QTest::newRow("after a second") << "late:1000" << sent + ok;
-    QTest::newRow("one byte changed") << "changed" << sent.left(40) + '#' + sent.mid(41) + fail;
-    QTest::newRow("one byte more") << "extra" << sent + '#' + fail;
-    QTest::newRow("one byte less") << "missing" << sent.left(40) + sent.mid(41) + fail;
+    QTest::newRow("byte by byte") << "bytes" << sent + okLines;
+    QTest::newRow("chunks, 50 ms") << "chunks:50" << sent + okLines;
+    QTest::newRow("chunks, 150 ms") << "chunks:150" << sent + okLines;
+    QTest::newRow("after a second") << "late:1000" << sent + okLines;
+    QTest::newRow("one byte changed")
+        << "changed" << sent.left(40) + '#' + sent.mid(41) + failLines;
+    QTest::newRow("one byte more") << "extra" << sent + '#' + failLines;
+    QTest::newRow("one byte less") << "missing" << sent.left(40) + sent.mid(41) + failLines;
     // A chunk counts up to its first zero byte, and always has.
-    QTest::newRow("a zero byte behind") << "zero" << sent + ok;
+    QTest::newRow("a zero byte behind") << "zero" << sent + okLines;
 }
 
 void TestSerialTest::echoes()
@@ -146,9 +144,9 @@ void TestSerialTest::lateChunkFailsOnce()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), payload(0).left(19) + fail);
+    QTRY_COMPARE(factory.result(), payload(0).left(19) + failLines);
     QTest::qWait(1300); // the other three chunks come and find nobody
-    QCOMPARE(factory.result(), payload(0).left(19) + fail);
+    QCOMPARE(factory.result(), payload(0).left(19) + failLines);
 }
 
 /// What comes while the program sleeps, or in the moment after, is still in the kernel.
@@ -159,7 +157,7 @@ void TestSerialTest::chunkInThePauseCounts()
     factory.tools().setBody("sleep", "exec /usr/bin/sleep 0.1");
     factory.click("Test");
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), payload(0) + ok);
+    QTRY_COMPARE(factory.result(), payload(0) + okLines);
     QVERIFY2(factory.calls().size() >= 2, qPrintable(factory.calls().join(' ')));
 }
 
@@ -169,7 +167,7 @@ void TestSerialTest::longEchoIsReadToItsEnd()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), payload(0).repeated(20) + fail);
+    QTRY_COMPARE(factory.result(), payload(0).repeated(20) + failLines);
 }
 
 void TestSerialTest::markupIsShownAsItIs()
@@ -178,7 +176,7 @@ void TestSerialTest::markupIsShownAsItIs()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), "<b>5</b>&amp;<img src='/dev/null'>" + fail);
+    QTRY_COMPARE(factory.result(), "<b>5</b>&amp;<img src='/dev/null'>" + failLines);
 }
 
 void TestSerialTest::nothingIsWrittenBeyondTheSettings()
@@ -226,9 +224,9 @@ void TestSerialTest::pressedAgain()
     QCOMPARE(log.lines().filter(" 76").size(), 2);
     plug("whole", "none", "none"); // now somebody puts the plug in
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), payload(0) + ok);
+    QTRY_COMPARE(factory.result(), payload(0) + okLines);
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), payload(0) + ok);
+    QTRY_COMPARE(factory.result(), payload(0) + okLines);
 }
 
 void TestSerialTest::otherPortMeanwhile()
@@ -238,7 +236,7 @@ void TestSerialTest::otherPortMeanwhile()
     factory.click("Test");
     factory.click("COM1 RS232");
     factory.click("COM2 RS232");
-    QTRY_COMPARE(factory.result(), payload(1) + ok);
+    QTRY_COMPARE(factory.result(), payload(1) + okLines);
 }
 
 void TestSerialTest::anOlderEchoGivesNoVerdict()
@@ -248,12 +246,12 @@ void TestSerialTest::anOlderEchoGivesNoVerdict()
     factory.click("Test");
     factory.click("COM1 RS232");
     factory.click("COM2 RS232");
-    QTRY_COMPARE(factory.result(), payload(1) + ok);
+    QTRY_COMPARE(factory.result(), payload(1) + okLines);
     factory.click("COM2 RS232");
     factory.click("COM3 RS232");
-    QTRY_COMPARE(factory.result(), payload(2) + ok);
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
     QTest::qWait(500); // COM2's echo comes when no test runs any more
-    QCOMPARE(factory.result(), payload(2) + ok);
+    QCOMPARE(factory.result(), payload(2) + okLines);
 }
 
 void TestSerialTest::verdictFreesThePort()
@@ -307,7 +305,17 @@ void TestSerialTest::noPermission()
     QCOMPARE(log.lines(), QStringList{"void SoftwareSetup::slotCOM232Test() \"/dev/ttyS0\" false"});
     QCOMPARE(factory.result(), QString());
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), payload(0) + ok);
+    QTRY_COMPARE(factory.result(), payload(0) + okLines);
+}
+
+void TestSerialTest::withoutAButton()
+{
+    const FactoryWindow factory;
+    factory.window()->slotCOM232Test();
+    factory.window()->slotCOMEcho();
+    factory.window()->slotBuzzerTest3();
+    QCOMPARE(factory.result(), QString());
+    QCOMPARE(factory.calls(), QStringList());
 }
 
 void TestSerialTest::busy()
@@ -323,7 +331,7 @@ void TestSerialTest::busy()
     QCOMPARE(factory.result(), QString()); // the view was cleared all the same
     other.close();
     factory.click("COM1 RS232");
-    QTRY_COMPARE(factory.result(), payload(0) + ok);
+    QTRY_COMPARE(factory.result(), payload(0) + okLines);
 }
 
 void TestSerialTest::unplugged_data()
@@ -351,7 +359,7 @@ void TestSerialTest::unplugged()
     QTest::qWait(50);
     QCOMPARE(factory.result(), QString());
     factory.click("COM2 RS232");
-    QTRY_COMPARE(factory.result(), payload(1) + ok);
+    QTRY_COMPARE(factory.result(), payload(1) + okLines);
 }
 
 void TestSerialTest::windowClosedMeanwhile()
@@ -377,7 +385,7 @@ void TestSerialTest::noPauseTool()
     factory.click("COM1 RS232");
     QTRY_COMPARE(verdicts(factory), 1);
     qputenv("PATH", path);
-    QCOMPARE(factory.result(), payload(0) + ok);
+    QCOMPARE(factory.result(), payload(0) + okLines);
 }
 
 QTEST_MAIN(TestSerialTest)
