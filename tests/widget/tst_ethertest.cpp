@@ -103,7 +103,7 @@ void TestEtherTest::echoes_data()
     QTest::newRow("closed after a part") << "cut:30" << sent.left(30) + failLines;
     QTest::newRow("closed at once") << "cut:0" << QString();
     QTest::newRow("closed behind the echo") << "cut:66" << sent + okLines;
-    QTest::newRow("in parts") << "chunks:100" << sent.left(17) + failLines;
+    QTest::newRow("in parts") << "chunks:250" << sent.left(17) + failLines;
 }
 
 void TestEtherTest::echoes()
@@ -115,7 +115,7 @@ void TestEtherTest::echoes()
     factory.click("Test");
     factory.click("Eth0");
     QTRY_COMPARE(factory.result(), result);
-    QTest::qWait(350); // what else comes finds nobody
+    QTest::qWait(850); // what else comes finds nobody
     QCOMPARE(factory.result(), result);
 }
 
