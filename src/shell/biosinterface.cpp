@@ -180,12 +180,12 @@ void BiosInterface::buildPages()
     initMainSettingsButtonsPage();
     initCOMPortPage();
     initEthernetPage();
-    initFiletransferPage();
+    initFileTransferPage();
     initMiscPage();
     initCalibrationPage();
     initSystemStatusPage();
     initHomeKeyPage();
-    initFontPage();
+    initFontSettingPage();
 }
 
 void BiosInterface::changeEvent(QEvent *event)

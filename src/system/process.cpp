@@ -22,6 +22,17 @@ void runAndWait(const QStringList &command, std::chrono::milliseconds limit)
     process.waitForFinished(static_cast<int>(limit.count()));
 }
 
+void runInFolder(const QStringList &command, const QString &folder, std::chrono::milliseconds limit)
+{
+    QProcess process;
+    setUp(process, command);
+    process.setWorkingDirectory(folder);
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start();
+    process.waitForFinished(static_cast<int>(limit.count()));
+}
+
 bool startDetached(const QStringList &command)
 {
     QProcess process;

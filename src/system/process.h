@@ -25,6 +25,11 @@ inline constexpr std::chrono::milliseconds noLimit{-1};
 /// program that cannot be started changes nothing.
 void runAndWait(const QStringList &command, std::chrono::milliseconds limit = noLimit);
 
+/// As runAndWait(), in the folder @p folder, with what it writes to standard output thrown away.
+/// Where that folder is missing nothing is run.
+void runInFolder(const QStringList &command, const QString &folder,
+                 std::chrono::milliseconds limit);
+
 /// Starts @p command and does not wait for it; it outlives this program.
 /// Result: false if it cannot be started.
 bool startDetached(const QStringList &command);
