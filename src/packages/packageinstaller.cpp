@@ -34,7 +34,7 @@ public:
 
     std::optional<PackageHeader> readHeader()
     {
-        return parsePackageHeader(m_file.read(packageHeaderSize));
+        return m_file.isOpen() ? parsePackageHeader(m_file.read(packageHeaderSize)) : std::nullopt;
     }
 
     /// Stores the archive under a name that stays. Result: false if there is no room for it;
