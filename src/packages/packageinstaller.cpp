@@ -69,7 +69,7 @@ QString broughtBiosImage()
 {
     FolderListing listing(biosImageFolder);
     while (const dirent *entry = listing.next()) {
-        const QString name = textFromBytes(entry->d_name);
+        QString name = textFromBytes(entry->d_name);
         if (name.endsWith(biosImageExtension)) {
             return name;
         }

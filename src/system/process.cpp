@@ -12,8 +12,8 @@ void setUp(QProcess &process, const QStringList &command)
     process.setArguments(command.mid(1));
 }
 
-constexpr int stopInterval = 50;       // ms between two looks whether a tool shall be stopped
-constexpr qint64 feedSize = 64 * 1024; // bytes that a tool is given at once
+constexpr int stopInterval = 50;   // ms between two looks whether a tool shall be stopped
+constexpr qint64 feedSize = 65536; // bytes that a tool is given at once
 
 /// For a process that has ended, or never started. Waits that ran out before are errors, too, and
 /// do not matter.

@@ -101,7 +101,7 @@ QString toolError(const ToolResult &result)
 
 QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
 {
-    const QString folderError = findFolderError(options);
+    QString folderError = findFolderError(options);
     if (!folderError.isEmpty()) {
         return folderError;
     }
@@ -113,7 +113,7 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     if (!namesFile.open() || namesFile.write(names) != names.size() || !namesFile.flush()) {
         return "there is no room for temporary files";
     }
-    const QString cannotWrite = QString("cannot write %1").arg(options.output);
+    QString cannotWrite = QString("cannot write %1").arg(options.output);
     QTemporaryFile package(folderOf(options.output) + "/.talmero-mkpackage-XXXXXX");
     const QByteArray header = formatPackageHeader(options.header);
     if (!package.open() || package.write(header) != header.size() || !package.flush()) {

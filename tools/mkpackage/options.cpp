@@ -106,7 +106,7 @@ QString readMakeOptions(const QCommandLineParser &parser, Options &options)
             return QString("--%1 is missing").arg(name);
         }
     }
-    const QString wrong = readHeader(parser, options.header);
+    QString wrong = readHeader(parser, options.header);
     if (!wrong.isEmpty()) {
         return wrong;
     }
