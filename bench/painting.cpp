@@ -186,6 +186,7 @@ int main(int argc, char *argv[])
 {
     requirePanel();
     useInstantTools();
+    silenceDebugText();
     const QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     ResultTable table;

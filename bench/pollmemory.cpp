@@ -37,6 +37,7 @@ int main(int argc, char *argv[])
 {
     requirePanel();
     useInstantTools();
+    silenceDebugText();
     const QApplication application(argc, argv);
     BiosInterface window;
     poll(window, pollsBefore);

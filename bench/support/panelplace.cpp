@@ -28,3 +28,8 @@ void useInstantTools()
     const std::string previous = path != nullptr ? path : "/usr/bin:/bin";
     setenv("PATH", (instantToolsFolder().string() + ':' + previous).c_str(), 1);
 }
+
+void silenceDebugText()
+{
+    setenv("QT_LOGGING_RULES", "*.debug=false", 1);
+}

@@ -14,3 +14,7 @@ std::filesystem::path instantToolsFolder();
 
 /// Puts that folder first on PATH, for this program and what it starts.
 void useInstantTools();
+
+/// Keeps the debug lines of the program, one for each run of a tool, out of the printed table. To
+/// be called before the first of them.
+void silenceDebugText();
