@@ -29,7 +29,18 @@ void useInstantTools()
     setenv("PATH", (instantToolsFolder().string() + ':' + previous).c_str(), 1);
 }
 
-void silenceDebugText()
+void prepareForWindow()
 {
+    requirePanel();
+    useInstantTools();
     setenv("QT_LOGGING_RULES", "*.debug=false", 1);
+}
+
+const char *onlyArgument(int argc, char *argv[], const char *usage)
+{
+    if (argc != 2) {
+        std::fprintf(stderr, "Usage: %s\n", usage);
+        std::exit(2);
+    }
+    return argv[1];
 }

@@ -15,6 +15,9 @@ std::filesystem::path instantToolsFolder();
 /// Puts that folder first on PATH, for this program and what it starts.
 void useInstantTools();
 
-/// Keeps the debug lines of the program, one for each run of a tool, out of the printed table. To
-/// be called before the first of them.
-void silenceDebugText();
+/// What comes first where this program itself is to show the measured window: both of the above,
+/// and debug lines, one for each run of a tool, are kept out of the printed table.
+void prepareForWindow();
+
+/// The one argument that this program must be given. Prints @p usage and ends it otherwise.
+const char *onlyArgument(int argc, char *argv[], const char *usage);
