@@ -82,10 +82,12 @@ QString filePath(const QTableWidgetItem *item)
 QString printableName(const QString &name)
 {
     QString shown = name;
-    for (QChar &character : shown) {
-        // Surrogates in pairs are one printable character, which isPrint() cannot see.
-        if (!character.isPrint() && !character.isSurrogate()) {
-            character = QChar::ReplacementCharacter;
+    for (qsizetype at = 0; at < shown.size(); ++at) {
+        const QStringView rest = QStringView(shown).mid(at);
+        if (rest.size() > 1 && rest[0].isHighSurrogate() && rest[1].isLowSurrogate()) {
+            ++at; // a pair is one character
+        } else if (!rest[0].isPrint()) {
+            shown[at] = QChar::ReplacementCharacter; // for a byte that is no text too
         }
     }
     return shown;
