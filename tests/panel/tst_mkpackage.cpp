@@ -1,3 +1,4 @@
+#include "diskfiles.h"
 #include "faketools.h"
 #include "packagefiles.h"
 #include "panelguard.h"
@@ -104,7 +105,7 @@ void TestMkpackage::makesWhatAPanelUnpacks()
     const Run run = make("line.kpc", "in");
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.status, 0);
-    const QByteArray package = fileContent(path("line.kpc"));
+    const QByteArray package = readFile(path("line.kpc").toUtf8());
     const auto header = parsePackageHeader(package);
     QVERIFY(header && header->kind == PackageKind::Application);
     QCOMPARE(header->version, 12U);
@@ -135,10 +136,10 @@ void TestMkpackage::sameContentsGiveTheSameBytes()
     qunsetenv("TAR_OPTIONS");
     qputenv("LC_ALL", "C.UTF-8");
     QCOMPARE(run.status, 0);
-    QVERIFY(fileContent(path("first.kpc")) == fileContent(path("second.kpc")));
+    QVERIFY(readFile(path("first.kpc").toUtf8()) == readFile(path("second.kpc").toUtf8()));
     shellBytes(QString("echo b >>'%1'").arg(path("other/a")));
     QCOMPARE(make("third.kpc", "other").status, 0);
-    QVERIFY(fileContent(path("first.kpc")) != fileContent(path("third.kpc")));
+    QVERIFY(readFile(path("first.kpc").toUtf8()) != readFile(path("third.kpc").toUtf8()));
 }
 
 void TestMkpackage::timeOfTheFiles()
@@ -202,20 +203,20 @@ void TestMkpackage::refused()
 
 void TestMkpackage::refusalKeepsTheOldFile()
 {
-    writeFile(path("old.kpc"), "old");
+    writeFile(path("old.kpc").toUtf8(), "old");
     QCOMPARE(make("old.kpc", "none").status, 1);
     QCOMPARE(mkpackage({"make", "--kind", "application", "--version", "12", "--target",
                         "1234567890123456", "--output", path("old.kpc"), path("in")})
                  .status,
              2);
-    QCOMPARE(fileContent(path("old.kpc")), QByteArray("old"));
+    QCOMPARE(readFile(path("old.kpc").toUtf8()), QByteArray("old"));
     QCOMPARE(make("old.kpc", "in").status, 0);
-    QVERIFY(fileContent(path("old.kpc")) != "old");
+    QVERIFY(readFile(path("old.kpc").toUtf8()) != "old");
 }
 
 void TestMkpackage::toolsMissingOrFailing()
 {
-    writeFile(path("old.kpc"), "old");
+    writeFile(path("old.kpc").toUtf8(), "old");
     const QByteArray searchPath = qgetenv("PATH");
     qputenv("PATH", "/no/such/folder");
     const Run missing = make("old.kpc", "in");
@@ -231,7 +232,7 @@ void TestMkpackage::toolsMissingOrFailing()
         QCOMPARE(run.status, 1);
         QCOMPARE(run.errors.count('\n'), 1);
     }
-    QCOMPARE(fileContent(path("old.kpc")), QByteArray("old"));
+    QCOMPARE(readFile(path("old.kpc").toUtf8()), QByteArray("old"));
     QCOMPARE(files(), QStringList{"old.kpc"});
 }
 
@@ -276,7 +277,7 @@ void TestMkpackage::endedInTheMiddle()
     QFETCH(int, signal);
     const FakeTools tools({"tar"});
     tools.setBody("tar", "echo part; : >'" + path("started") + "'; exec sleep 5");
-    writeFile(path("line.kpc"), "old");
+    writeFile(path("line.kpc").toUtf8(), "old");
     QProcess process;
     process.start(MKPACKAGE,
                   {"make", "--kind", "application", "--version", "12", "--target", "K", "--output",
@@ -288,7 +289,7 @@ void TestMkpackage::endedInTheMiddle()
     QVERIFY(process.waitForFinished());
     QVERIFY(timer.elapsed() < 2000);
     QVERIFY(process.exitStatus() == QProcess::CrashExit || process.exitCode() == 1);
-    QCOMPARE(fileContent(path("line.kpc")), QByteArray("old"));
+    QCOMPARE(readFile(path("line.kpc").toUtf8()), QByteArray("old"));
     QCOMPARE(files(), (QStringList{"line.kpc", "started"}));
 }
 
@@ -301,7 +302,7 @@ void TestMkpackage::infoOfAWholePackage()
     QCOMPARE(lineOf(run.output, "kind:"), QByteArray("0 (application)"));
     QCOMPARE(lineOf(run.output, "version:"), QByteArray("12"));
     QCOMPARE(lineOf(run.output, "target:"), QByteArray("RV-K21T"));
-    const qint64 size = fileContent(path("line.kpc")).size() - packageHeaderSize;
+    const qint64 size = readFile(path("line.kpc").toUtf8()).size() - packageHeaderSize;
     QCOMPARE(lineOf(run.output, "payload:"), QByteArray::number(size) + " bytes, 10240 unpacked");
     QCOMPARE(lineOf(run.output, "gzip:"), QByteArray("whole"));
     QCOMPARE(lineOf(run.output, "tar:"), QByteArray("whole"));
@@ -346,7 +347,7 @@ void TestMkpackage::infoOfDamage_data()
 void TestMkpackage::infoOfDamage()
 {
     QFETCH(QByteArray, package);
-    writeFile(path("package"), package);
+    writeFile(path("package").toUtf8(), package);
     const Run run = mkpackage({"info", path("package")});
     QCOMPARE(run.status, 1);
     QTEST(lineOf(run.output, "gzip:"), "gzip");
@@ -368,9 +369,9 @@ void TestMkpackage::infoIsSafeForATerminal()
     shellBytes(QString("cd '%1'; mkdir bad; cd bad; touch \"$(printf 'a\\033[2Jb\\nc\\303\\274')\"")
                    .arg(m_folder->path()));
     QCOMPARE(make("bad.kpc", "bad").status, 0);
-    QByteArray package = fileContent(path("bad.kpc"));
+    QByteArray package = readFile(path("bad.kpc").toUtf8());
     package.replace(20, 4, "\x1b]0;");
-    writeFile(path("bad.kpc"), package);
+    writeFile(path("bad.kpc").toUtf8(), package);
     const Run run = mkpackage({"info", path("bad.kpc")});
     QCOMPARE(run.status, 0);
     for (const char c : run.output) {
@@ -404,7 +405,7 @@ void TestMkpackage::documentedExample()
     QCOMPARE(make("line1.kpc", "project").status, 0);
     const QByteArray dump
         = shellBytes(QString("od -A x -t x1z -v '%1'").arg(path("line1.kpc"))).trimmed();
-    const QByteArray document = fileContent(PANEL_SOURCE "/docs/package-format.md");
+    const QByteArray document = readFile(PANEL_SOURCE "/docs/package-format.md");
     QByteArray indented = "    " + dump;
     indented.replace("\n", "\n    ");
     QVERIFY2(document.contains(indented), indented.constData());

@@ -1,5 +1,6 @@
 #include "packages/packageinstaller.h"
 
+#include "diskfiles.h"
 #include "failingreads.h"
 #include "faketools.h"
 #include "packagefiles.h"
@@ -140,7 +141,7 @@ void TestPackageFaults::headerAlone()
 {
     install(application, 12, "RV-K21T", QByteArray(), Installed);
     QVERIFY(!fileExists("/home/dest/compile")); // removed before tar finds nothing
-    QCOMPARE(fileContent("/home/dest/both"), QByteArray("old\n"));
+    QCOMPARE(readFile("/home/dest/both"), QByteArray("old\n"));
     writeFile(packagePath, packageBytes(biosImage, 4, "", QByteArray()));
     QCOMPARE(installBIOSPackage(packagePath), int(BiosInstalled));
     QCOMPARE(readPanelFile("bios.version"), QByteArray("3\n"));
@@ -168,7 +169,7 @@ void TestPackageFaults::damagedArchives()
     QFETCH(QByteArray, archive);
     install(application, 12, "K21T", archive, Installed);
     QVERIFY(!fileExists("/home/dest/compile"));
-    QCOMPARE(fileContent("/home/dest/kept"), QByteArray("old\n"));
+    QCOMPARE(readFile("/home/dest/kept"), QByteArray("old\n"));
     install(application, 12, "K21T", smallArchive(), Installed); // goes on
     QVERIFY(fileExists("/home/dest/compile/new"));
 }
@@ -238,7 +239,7 @@ void TestPackageFaults::noRoomInTheTarget()
 {
     const SmallDisk disk("/home/dest");
     install(application, 12, "K21T", largeArchive(), Installed);
-    QCOMPARE(fileContent("/home/dest/a"), QByteArray("first\n")); // what tar could unpack
+    QCOMPARE(readFile("/home/dest/a"), QByteArray("first\n")); // what tar could unpack
     shellBytes("rm -rf /home/dest/*");
     install(application, 12, "K21T", smallArchive(), Installed);
     QVERIFY(fileExists("/home/dest/compile/new"));
@@ -291,7 +292,7 @@ void TestPackageFaults::stickPulledWhileRead()
     }
     QCOMPARE(fileExists("/home/dest/compile"), !readable);
     QVERIFY(!fileExists("/home/dest/c")); // behind the place at which it was pulled
-    QCOMPARE(fileContent("/home/dest/kept"), QByteArray("old\n"));
+    QCOMPARE(readFile("/home/dest/kept"), QByteArray("old\n"));
     QCOMPARE(installPackage(packagePath), int(Installed)); // goes on with the stick back in
     QVERIFY(fileExists("/home/dest/c"));
 }
@@ -336,7 +337,7 @@ void TestPackageFaults::hangingTarIsCutOff()
     QCOMPARE(installBIOSPackage(packagePath), int(BiosInstalled));
     QVERIFY2(qAbs(timer.elapsed() - unpackLimit) < 500,
              qPrintable(QString::number(timer.elapsed())));
-    QCOMPARE(kill(fileContent("/run/tar.pid").trimmed().toInt(), 0), -1);
+    QCOMPARE(kill(readFile("/run/tar.pid").trimmed().toInt(), 0), -1);
 }
 
 QTEST_GUILESS_MAIN(TestPackageFaults)

@@ -1,27 +1,12 @@
 #include "packagefiles.h"
 
+#include "diskfiles.h"
 #include "panelfiles.h"
-#include "system/textcodec.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
-
-#include <fcntl.h>
-#include <unistd.h>
-
-QByteArray shellBytes(const QString &script)
-{
-    QProcess shell;
-    shell.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    shell.start("/bin/sh", {"-ec", script});
-    if (!shell.waitForFinished(-1) || shell.exitCode() != 0) {
-        qFatal("this fails: %s", qPrintable(script));
-    }
-    return shell.readAllStandardOutput();
-}
 
 QByteArray archiveOf(const QString &script)
 {
@@ -35,14 +20,21 @@ QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target
     return formatPackageHeader({kind, version, target}) + archive;
 }
 
-void writeFile(const QString &path, const QByteArray &content)
+QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target,
+                        const PackageMembers &members)
 {
-    const int file
-        = open(bytesFromText(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (file < 0 || write(file, content.constData(), size_t(content.size())) != content.size()) {
-        qFatal("cannot write %s", qPrintable(path));
+    const QTemporaryDir folder;
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        writeFile(folder.path().toUtf8() + '/' + member.key(), member.value());
     }
-    close(file);
+    return packageBytes(kind, version, target,
+                        shellBytes(QString("tar -C '%1' -cz .").arg(folder.path())));
+}
+
+void writePackage(const QByteArray &path, PackageKind kind, quint32 version, const QString &target,
+                  const PackageMembers &members)
+{
+    writeFile(path, packageBytes(kind, version, target, members));
 }
 
 const QByteArray &smallArchive()
@@ -64,11 +56,6 @@ const QByteArray &largeArchive()
     static const QByteArray archive
         = archiveOf("echo first >a; head -c 300000 /dev/urandom >b; echo last >c");
     return archive;
-}
-
-QByteArray fileContent(const QString &path)
-{
-    return shellBytes(QString("cat '%1'").arg(path));
 }
 
 bool fileExists(const QString &path)

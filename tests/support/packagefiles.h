@@ -3,6 +3,7 @@
 #include "packages/packageheader.h"
 
 #include <QByteArray>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -10,9 +11,6 @@
 
 /// A package is written here.
 inline constexpr char packagePath[] = "/media/usb0/package";
-
-/// What the shell text @p script writes to standard output. The test program ends if it fails.
-QByteArray shellBytes(const QString &script);
 
 /// A gzip-compressed tar archive of what the shell text @p script makes in an empty folder.
 QByteArray archiveOf(const QString &script);
@@ -26,15 +24,20 @@ const QByteArray &biosArchive();
 /// An archive with "a", "b" and "c" that takes 300,000 bytes, packed and unpacked.
 const QByteArray &largeArchive();
 
+/// The files in a package: names, with folders, and contents.
+using PackageMembers = QMap<QByteArray, QByteArray>;
+
 /// A package file: its header, then @p archive.
 QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target,
                         const QByteArray &archive);
 
-/// Makes @p content the whole content of the file at @p path, whose folder there must be.
-void writeFile(const QString &path, const QByteArray &content);
+/// A whole package file: the header, and behind it what the system's tar makes of @p members.
+QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target,
+                        const PackageMembers &members);
 
-/// Content of the file at @p path. The test program ends if it cannot be read.
-QByteArray fileContent(const QString &path);
+/// Makes such a package at @p path, and the folders that it lies in.
+void writePackage(const QByteArray &path, PackageKind kind, quint32 version, const QString &target,
+                  const PackageMembers &members = {});
 
 bool fileExists(const QString &path);
 
