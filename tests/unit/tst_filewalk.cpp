@@ -1,5 +1,6 @@
 #include "packages/filewalk.h"
 
+#include "failinglistings.h"
 #include "panelguard.h"
 #include "system/textcodec.h"
 
@@ -96,6 +97,7 @@ private slots:
     void foldersWithTheExtensionAreWalked();
     void deepFolders();
     void manyOtherFiles();
+    void stickPulledWhileWalked();
 };
 
 void TestFileWalk::initTestCase()
@@ -295,6 +297,23 @@ void TestFileWalk::manyOtherFiles()
     tree.addFile("199/package.kpc");
     QCOMPARE(tree.find({".kpc"}, anyCase), QStringList{"199/package.kpc"});
     QCOMPARE(tree.find({".txt"}, anyCase).size(), qsizetype{folders} * files);
+}
+
+void TestFileWalk::stickPulledWhileWalked()
+{
+    const Tree tree;
+    tree.addFolder("folder");
+    for (const char *name : {"a.kpc", "b.kpc", "c.kpc", "folder/d.kpc"}) {
+        tree.addFile(name);
+    }
+    for (int entries = 0; entries < 13; ++entries) {
+        const FailingListings pulled(entries);
+        const QStringList found = tree.find({".kpc"}, anyCase);
+        QVERIFY(found.size() <= qMin(entries, 4));
+        // ".", "..", the folder, three files and the end; then ".", ".." and one file
+        QCOMPARE(found.size() == 4, entries >= 10);
+    }
+    QCOMPARE(tree.find({".kpc"}, anyCase).size(), 4);
 }
 
 QTEST_GUILESS_MAIN(TestFileWalk)
