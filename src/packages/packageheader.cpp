@@ -4,6 +4,9 @@
 
 #include <QtEndian>
 
+#include <algorithm>
+#include <array>
+
 namespace {
 constexpr qsizetype kindOffset = 0;
 constexpr qsizetype versionOffset = 4;
@@ -15,6 +18,13 @@ QByteArray upToNul(const QByteArray &field)
     const qsizetype end = field.indexOf('\0');
     return end < 0 ? field : field.left(end);
 }
+
+quint32 numberAt(const QByteArray &bytes, qsizetype offset)
+{
+    std::array<char, sizeof(quint32)> field;
+    std::copy_n(bytes.begin() + offset, field.size(), field.begin());
+    return qFromLittleEndian<quint32>(field.data());
+}
 } // namespace
 
 std::optional<PackageHeader> parsePackageHeader(const QByteArray &bytes)
@@ -23,8 +33,8 @@ std::optional<PackageHeader> parsePackageHeader(const QByteArray &bytes)
         return std::nullopt;
     }
     return PackageHeader{
-        PackageKind(qFromLittleEndian<quint32>(bytes.constData() + kindOffset)),
-        qFromLittleEndian<quint32>(bytes.constData() + versionOffset),
+        PackageKind(numberAt(bytes, kindOffset)),
+        numberAt(bytes, versionOffset),
         textFromBytes(upToNul(bytes.mid(targetOffset, packageTargetSize))),
     };
 }
