@@ -75,7 +75,7 @@ display_is_usable() {
 # In a session of its own, so that all the compilers can be ended with it.
 build() {
     # shellcheck disable=SC2016 # expanded by the inner shell
-    setsid bash -c 'source "$1" && build_preset release talmero-bios standin-runtime' \
+    setsid bash -c 'source "$1" && build_preset release talmero-bios standin-runtime panel-stick' \
         run.sh "$project_root/scripts/common.sh" &
     # shellcheck disable=SC2064 # the number of this build is wanted
     trap "kill -TERM -$! 2>/dev/null; wait; exit 143" TERM HUP

@@ -1,56 +1,21 @@
 // Painting of whole pages, and the time from a tap to the painted next page, in the real window.
 
-#include "shell/biosinterface.h"
-#include "shell/pagename.h"
 #include "support/panelplace.h"
 #include "support/resulttable.h"
+#include "support/shownwindow.h"
 #include "widgets/settingsbutton.h"
-#include "widgets/startingapplicationaniationbutton.h"
 
 #include <QApplication>
 #include <QImage>
-#include <QPaintEvent>
-#include <QScreen>
 #include <QStackedWidget>
 #include <QTest>
-#include <QWindow>
 
-#include <xcb/xcb.h>
-
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
 namespace {
 constexpr int rounds = 200;
-constexpr int paintLimit = 5000;          // ms; a page that takes longer never comes
-constexpr int restTime = 10;              // ms; longer than the toolkit collects updates, 5 ms
 constexpr double pageTarget = 4;          // ms
 constexpr double tapTarget = 1000.0 / 60; // ms; one frame
-
-/// Notices when a widget has been painted.
-class PaintWatcher : public QObject
-{
-public:
-    explicit PaintWatcher(QWidget *widget) { widget->installEventFilter(this); }
-    bool hasPainted() const { return m_painted; }
-
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        m_painted = m_painted || event->type() == QEvent::Paint;
-        return false;
-    }
-
-private:
-    bool m_painted = false;
-};
-
-/// Waits until the X server has done what the toolkit has handed over to it.
-void waitForServer()
-{
-    auto *connection = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-}
 
 std::string sizeText(QSize size)
 {
@@ -61,69 +26,6 @@ QString labelOf(const SettingsButton *pageButton)
 {
     return pageButton->objectName().section(':', 0, 0);
 }
-
-/// The settings window as a finger sees it.
-class ShownWindow
-{
-public:
-    ShownWindow()
-    {
-        m_window.show();
-        if (!QTest::qWaitForWindowExposed(&m_window)) {
-            qFatal("the window does not show");
-        }
-    }
-
-    QWidget &widget() { return m_window; }
-    QStackedWidget *pages() const { return m_window.findChild<QStackedWidget *>(); }
-
-    QWidget *countDown() const { return m_window.findChild<StartingApplicationAniationButton *>(); }
-
-    /// The buttons of the main settings page that open a page. It must be shown.
-    QList<SettingsButton *> pageButtons() const
-    {
-        QList<SettingsButton *> found;
-        const auto buttons = pages()->currentWidget()->findChildren<SettingsButton *>();
-        std::copy_if(buttons.begin(), buttons.end(), std::back_inserter(found),
-                     [](const SettingsButton *button) {
-                         return button->isVisible() && button->objectName().contains(':');
-                     });
-        return found;
-    }
-
-    QWidget *pageOf(const SettingsButton *button) const
-    {
-        return pages()->widget(pageIndexFromName(button->objectName()));
-    }
-
-    QWidget *cancelButton() const
-    {
-        return pages()->currentWidget()->findChild<SettingsButton *>("cancel");
-    }
-
-    /// Milliseconds from a tap on @p target until @p page is painted and on the screen.
-    double tap(QWidget *target, QWidget *page)
-    {
-        const PaintWatcher watcher(page);
-        const QPoint at = target->mapTo(&m_window, target->rect().center());
-        const auto begin = now();
-        QTest::mousePress(m_window.windowHandle(), Qt::LeftButton, {}, at);
-        QTest::mouseRelease(m_window.windowHandle(), Qt::LeftButton, {}, at);
-        while (!watcher.hasPainted()) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-            if (millisecondsSince(begin) > paintLimit) {
-                qFatal("a tap opened no page");
-            }
-        }
-        waitForServer();
-        const double time = millisecondsSince(begin);
-        QTest::qWait(restTime); // what the tap leaves behind is not the next tap's
-        return time;
-    }
-
-private:
-    BiosInterface m_window;
-};
 
 void measurePage(ResultTable &table, QWidget &window, const std::string &page)
 {
@@ -184,8 +86,7 @@ void measureTaps(ResultTable &table)
 
 int main(int argc, char *argv[])
 {
-    requirePanel();
-    useInstantTools();
+    prepareForWindow();
     const QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     ResultTable table;

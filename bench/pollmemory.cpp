@@ -2,28 +2,16 @@
 // of polls, run as fast as they go.
 
 #include "shell/biosinterface.h"
+#include "support/memoryuse.h"
 #include "support/panelplace.h"
 #include "support/resulttable.h"
 
 #include <QApplication>
-#include <QFile>
 
 namespace {
 constexpr int pollsPerHour = 5 * 3600;
 constexpr int pollsBefore = 500;     // until what is made once has been made
 constexpr double growthTarget = 100; // KiB; less than a byte in a hundred polls is left behind
-
-/// Resident memory of this process in KiB, as the kernel counts it in /proc/self/status.
-double residentMemory()
-{
-    QFile status("/proc/self/status");
-    if (!status.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    const QByteArray text = status.readAll();
-    const auto at = text.indexOf("VmRSS:");
-    return text.mid(at + 6, text.indexOf("kB", at) - at - 6).trimmed().toDouble();
-}
 
 void poll(BiosInterface &window, int times)
 {
@@ -35,18 +23,17 @@ void poll(BiosInterface &window, int times)
 
 int main(int argc, char *argv[])
 {
-    requirePanel();
-    useInstantTools();
+    prepareForWindow();
     const QApplication application(argc, argv);
     BiosInterface window;
     poll(window, pollsBefore);
-    const double before = residentMemory();
+    const double before = memoryUse("VmRSS:");
     const auto begin = now();
     poll(window, pollsPerHour);
     ResultTable table;
     table.addFigure("one rescue poll, tools returning at once",
                     millisecondsSince(begin) / pollsPerHour, "ms");
-    table.addFigure("memory growth in an hour's worth of polls", residentMemory() - before, "KiB",
-                    growthTarget);
+    table.addFigure("memory growth in an hour's worth of polls", memoryUse("VmRSS:") - before,
+                    "KiB", growthTarget);
     return table.exitStatus();
 }

@@ -1,33 +1,44 @@
 #!/bin/bash
-# Measures start-up, memory, painting and taps in the simulated panel.
+# Measures start-up, memory, painting, taps, packages and long lists in the simulated panel.
 set -u
 
 # shellcheck source=scripts/common.sh
 source "$(dirname -- "${BASH_SOURCE[0]}")/../scripts/common.sh"
 
 runs=20
+package_size=64 # MiB
+parts=()
 status=0
 
 show_help() {
     cat <<'HELP'
-Usage: bench/run.sh [OPTION]
+Usage: bench/run.sh [OPTION...] [PART...]
 
 Installs what is missing, builds talmero-bios and its benchmarks (preset "bench")
-and measures in the simulated panel:
+and measures in the simulated panel the parts that are named, all if none is:
 
-  - the start until the first frame is on the screen, and the memory then,
-    against a bare window of the toolkit;
-  - the painting of whole pages;
-  - the time from a tap to the painted next page;
-  - the CPU time of the idle program with its rescue poll, against a shell loop that
-    runs the same tool at the same rate, and the memory that an hour of polls costs.
+  start    the start until the first frame is on the screen, and the memory then,
+           against a bare window of the toolkit;
+  paint    the painting of whole pages;
+  tap      the time from a tap to the painted next page;
+  list     filling the list of packages with 10,000 and 100,000 of them;
+  walk     the search for packages among 100,000 files against find, and its growth
+           up to a million;
+  install  the installation of an application package against tail, tar and rm, and
+           the memory that packages of several sizes take;
+  poll     the CPU time of the idle program with its rescue poll, against a shell
+           loop that runs the same tool at the same rate, and the memory that an
+           hour of polls costs.
 
 Prints one table. The end status is 1 if a target is missed. A target is for the
 median. The tools that the program runs, its pause of a second at the start among
 them, are replaced by ones that return at once. Let nothing else run meanwhile.
 
-  --runs N   Starts each of the two programs N times, 20 if not given.
-  --help     Shows this text.
+  --runs N            Starts each of the two programs N times, 20 if not given.
+  --package-size MIB  Files in the largest package that is installed, together, 64 if
+                      not given. 1024 takes some minutes, and 3 GiB of memory, in
+                      which the panel keeps its files.
+  --help              Shows this text.
 HELP
 }
 
@@ -47,7 +58,13 @@ while (($#)); do
         [[ $runs =~ ^[1-9][0-9]{0,3}$ ]] || usage_error "--runs needs a number from 1"
         shift
         ;;
-    *) usage_error "unknown option $1" ;;
+    --package-size)
+        package_size=${2-}
+        [[ $package_size =~ ^[1-9][0-9]{0,3}$ ]] || usage_error "--package-size needs a number from 1"
+        shift
+        ;;
+    start | paint | tap | list | walk | install | poll) parts+=("$1") ;;
+    *) usage_error "unknown option or part $1" ;;
     esac
     shift
 done
@@ -68,6 +85,15 @@ warn_if_busy() {
         echo "bench/run.sh: the machine is only $share % idle, figures will be too high" >&2
 }
 
+is_wanted() { # PART
+    local part
+    ((${#parts[@]})) || return 0
+    for part in "${parts[@]}"; do
+        [[ $part == "$1" ]] && return 0
+    done
+    return 1
+}
+
 measure() { # SIZE PROGRAM ARGS...
     local size=$1 program=$2
     shift 2
@@ -83,16 +109,23 @@ measure() { # SIZE PROGRAM ARGS...
 
 # shellcheck disable=SC2154 # the lists come from common.sh
 install_packages "${build_packages[@]}" "${panel_packages[@]}" "${bench_packages[@]}" || exit
-build_preset bench talmero-bios startup painting pollmemory || exit
+build_preset bench talmero-bios startup painting filling walking installing pollmemory || exit
 
 warn_if_busy
 # The columns are those of bench/support/resulttable.cpp.
 printf '%-50s %9s %9s %-5s %8s\n' "" median worst "" "at most"
-measure 1024x768 startup "$runs"
-measure 1024x768 painting pages
-measure 800x600 painting taps
-measure 1280x800 painting taps
-measure 800x600 pollmemory
-"$project_root/simulator/panel" --display xorg -- "$project_root/bench/rescuepoll.sh" \
-    "$project_root/build-bench/talmero-bios" 60 || status=1
+! is_wanted start || measure 1024x768 startup "$runs"
+! is_wanted paint || measure 1024x768 painting pages
+if is_wanted tap; then
+    measure 800x600 painting taps
+    measure 1280x800 painting taps
+fi
+! is_wanted list || measure 800x600 filling
+! is_wanted walk || measure 800x600 walking
+! is_wanted install || measure 800x600 installing "$package_size"
+if is_wanted poll; then
+    measure 800x600 pollmemory
+    "$project_root/simulator/panel" --display xorg -- "$project_root/bench/rescuepoll.sh" \
+        "$project_root/build-bench/talmero-bios" 60 || status=1
+fi
 exit "$status"

@@ -23,21 +23,21 @@ clang-format --dry-run --Werror "${code[@]}"
 echo "Include rules"
 # folder: folders of ours that it may include besides itself
 while read -r folder allowed; do
-    [ -d "src/$folder" ] || continue
-    forbidden=$(grep -nHoE '^#include "[a-z]+/' -r "src/$folder" |
-        grep -vE "\"($folder|${allowed// /|})/" || true)
+    forbidden=$(grep -nHoE '^#include "[a-z]+/' -r "$folder" |
+        grep -vE "\"(${folder##*/}|${allowed// /|})/" || true)
     if [ -n "$forbidden" ]; then
-        printf 'src/%s may not include this:\n%s\n' "$folder" "$forbidden"
+        printf '%s may not include this:\n%s\n' "$folder" "$forbidden"
         exit 1
     fi
 done <<'RULES'
-system system
-widgets widgets
-packages system widgets
-inputpanel system widgets
-factory system
-shell system widgets packages inputpanel pages
-pages system widgets packages inputpanel shell
+src/system system
+src/widgets widgets
+src/packages system widgets
+src/inputpanel system widgets
+src/factory system
+src/shell system widgets packages inputpanel pages
+src/pages system widgets packages inputpanel shell
+tools/mkpackage packages system
 RULES
 
 echo "Scripts"

@@ -28,3 +28,19 @@ void useInstantTools()
     const std::string previous = path != nullptr ? path : "/usr/bin:/bin";
     setenv("PATH", (instantToolsFolder().string() + ':' + previous).c_str(), 1);
 }
+
+void prepareForWindow()
+{
+    requirePanel();
+    useInstantTools();
+    setenv("QT_LOGGING_RULES", "*.debug=false", 1);
+}
+
+const char *onlyArgument(int argc, char *argv[], const char *usage)
+{
+    if (argc != 2) {
+        std::fprintf(stderr, "Usage: %s\n", usage);
+        std::exit(2);
+    }
+    return argv[1];
+}

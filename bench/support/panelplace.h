@@ -14,3 +14,10 @@ std::filesystem::path instantToolsFolder();
 
 /// Puts that folder first on PATH, for this program and what it starts.
 void useInstantTools();
+
+/// What comes first where this program itself is to show the measured window: both of the above,
+/// and debug lines, one for each run of a tool, are kept out of the printed table.
+void prepareForWindow();
+
+/// The one argument that this program must be given. Prints @p usage and ends it otherwise.
+const char *onlyArgument(int argc, char *argv[], const char *usage);

@@ -10,6 +10,9 @@ install_files() {
     if [[ -x $build/simulator/standin-runtime ]]; then
         cp "$build/simulator/standin-runtime" /opt/talmero/hmi/runtime
     fi
+    if [[ -d $build/simulator/stick ]]; then
+        cp -r "$build/simulator/stick/." /media/usb0
+    fi
     if [[ $factory == yes ]]; then
         : >/media/usb0/talmero_setup
     fi

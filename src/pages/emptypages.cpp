@@ -1,5 +1,5 @@
-// The pages that carry a title bar and nothing else, and the slots of contents that they have
-// not got. A page that gets contents gets a file of its own.
+// The pages that carry a title bar and nothing else, and the slots of the time page, which has not
+// even that.
 
 #include "shell/biosinterface.h"
 
@@ -27,11 +27,6 @@ void BiosInterface::initCOMPortPage()
     initEmptyPage(ComPortPage, tr("COM Port"));
 }
 
-void BiosInterface::initFiletransferPage()
-{
-    initEmptyPage(FileTransferPage, tr("File Transfer"));
-}
-
 void BiosInterface::initBacklightPage()
 {
     initEmptyPage(BacklightPage, tr("Backlight"));
@@ -42,38 +37,13 @@ void BiosInterface::initVolumePage()
     initEmptyPage(VolumePage, tr("Volume"));
 }
 
-void BiosInterface::initSystemStatusPage()
-{
-    initEmptyPage(SystemStatusPage, tr("System Status"));
-}
-
 void BiosInterface::initHomeKeyPage()
 {
     initEmptyPage(HomeKeyPage, tr("Home Key"));
 }
 
-void BiosInterface::initFontPage()
-{
-    initEmptyPage(FontPage, tr("Install Fonts"));
-}
-
 void BiosInterface::initTimeSettingPage()
 {
-}
-
-bool BiosInterface::loadFiletransferSettings()
-{
-    return true;
-}
-
-bool BiosInterface::loadSystemStatusSettings()
-{
-    return true;
-}
-
-bool BiosInterface::loadFontSettings()
-{
-    return true;
 }
 
 bool BiosInterface::loadTimeSettings()
@@ -81,26 +51,7 @@ bool BiosInterface::loadTimeSettings()
     return true;
 }
 
-bool BiosInterface::saveFiletransferSettings()
-{
-    return true;
-}
-
-bool BiosInterface::saveFontSettings()
-{
-    return true;
-}
-
 bool BiosInterface::saveTimeSettings()
 {
     return true;
-}
-
-void BiosInterface::updateBIOSDialog(const QString &)
-{
-}
-
-bool BiosInterface::installPackages()
-{
-    return false;
 }

@@ -131,6 +131,7 @@ void BiosInterface::init()
 {
     setUpWindow();
     QApplication::setStyle(new TouchStyle);
+    QApplication::setDoubleClickInterval(0); // ms; every tap counts by itself
     m_inputContext = std::make_unique<MyInputPanelContext>();
     installInputContext(m_inputContext.get());
     setUpFont();
@@ -180,12 +181,12 @@ void BiosInterface::buildPages()
     initMainSettingsButtonsPage();
     initCOMPortPage();
     initEthernetPage();
-    initFiletransferPage();
+    initFileTransferPage();
     initMiscPage();
     initCalibrationPage();
     initSystemStatusPage();
     initHomeKeyPage();
-    initFontPage();
+    initFontSettingPage();
 }
 
 void BiosInterface::changeEvent(QEvent *event)

@@ -20,11 +20,15 @@ class MyInputPanelContext;
 class QBoxLayout;
 class QComboBox;
 class QDateTimeEdit;
+class QDir;
 class QGridLayout;
 class QHBoxLayout;
+class QLabel;
 class QLayout;
 class QScreen;
 class QStackedWidget;
+class QTableWidget;
+class QToolButton;
 class RadioButton;
 class SettingsButton;
 class StackWidgetPage;
@@ -102,6 +106,18 @@ public:
     /// Result: as doProcess(), with the second text of the release in front of the second.
     QPair<QString, QString> autoDetectIPProcess(int lan);
 
+    /// Looks for @p text, with case, in the lines of the files @p names of @p directory. A dialog
+    /// shows how far it is and can end it. Files that cannot be read are passed over.
+    /// Result: the names of the files that hold it, in their order, as far as the search went.
+    QStringList findFiles(const QDir &directory, const QStringList &names, const QString &text);
+
+    /// Does nothing. Kept for the interface's sake.
+    void scanDrives(QString &drives);
+
+    /// Makes the two labels of a row of the status page: the caption, then the value, still empty
+    /// and named "show " and the caption.
+    QPair<QLabel *, QLabel *> createSystemStatusLabel(const QString &caption);
+
     /// Writes the interfaces file for the modes that the Ethernet page shows and these texts. If
     /// that fails the old file stays.
     void writeEthInterface(const QString &ip0, const QString &ip1, const QString &mask0,
@@ -145,8 +161,12 @@ public slots:
     virtual bool saveFontSettings();
     virtual bool saveTimeSettings();
 
-    // Not built yet: they do nothing.
+    /// Installs the BIOS image package @p filename; without a name the user picks one. Blocks
+    /// meanwhile. Whether it was installed is not shown.
     void updateBIOSDialog(const QString &filename = QString());
+
+    /// Lets the user pick an add-on package and installs it as updateBIOSDialog() does. No button
+    /// leads here: it is for callers through the meta-object. Result: always false.
     bool installPackages();
 
     /// Moves the time that the miscellaneous page shows on by a second.
@@ -222,14 +242,14 @@ private:
     void initMainSettingsButtonsPage();
     void initCOMPortPage();
     void initEthernetPage();
-    void initFiletransferPage();
+    void initFileTransferPage();
     void initBacklightPage();
     void initMiscPage();
     void initCalibrationPage();
     void initVolumePage();
     void initSystemStatusPage();
     void initHomeKeyPage();
-    void initFontPage();
+    void initFontSettingPage();
     void initTimeSettingPage();
     void initEmptyPage(Page page, const QString &title);
 
@@ -256,6 +276,13 @@ private:
     PortMode shownPortMode(int lan) const;
     void saveEthernetPort(int lan, QString *address, QString *mask);
 
+    QTableWidget *createFileTable(Page page, int columns);
+
+    void createStatusRows(QGridLayout *grid);
+    QToolButton *createUpdateButton();
+    QString hardwareAddress(const QString &interface);
+    QString applicationSize();
+
     void createPageButtons();
     void deletePageButtons();
     QLayout *createPageButtonGrid();
@@ -276,6 +303,7 @@ private:
 
     MiscWidgets m_misc;
     std::array<EthernetPort, 2> m_ports;
+    QLabel *m_firmwareVersion = nullptr; ///< on the status page
 
     QList<QWidget *> m_rowWidgets; ///< those whose font follows the window's width
 

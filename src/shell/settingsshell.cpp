@@ -25,6 +25,13 @@ void placeOrHide(QLayout *layout, QWidget *button, bool placed)
         button->hide();
     }
 }
+
+void setFontSize(QWidget *widget, int pixelSize)
+{
+    QFont font = widget->font();
+    font.setPixelSize(pixelSize);
+    widget->setFont(font);
+}
 } // namespace
 
 // clang-format off
@@ -113,16 +120,14 @@ void BiosInterface::setPageLayout(QLayout *titleBar, QLayout *content, QWidget *
 void BiosInterface::useRowFont(QWidget *widget)
 {
     m_rowWidgets += widget;
-    fitRowFonts(width());
+    setFontSize(widget, rowFontSize(font().pixelSize(), width()));
 }
 
 void BiosInterface::fitRowFonts(int width)
 {
     const int pixelSize = rowFontSize(font().pixelSize(), width);
     for (QWidget *widget : std::as_const(m_rowWidgets)) {
-        QFont font = widget->font();
-        font.setPixelSize(pixelSize);
-        widget->setFont(font);
+        setFontSize(widget, pixelSize);
     }
 }
 

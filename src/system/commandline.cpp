@@ -83,3 +83,28 @@ QStringList runtimeCommand()
 {
     return {"/bin/sh", Paths::runtimeScript};
 }
+
+QStringList unpackCommand(const QString &path)
+{
+    return {"tar", "-zxvf", path};
+}
+
+QStringList removeOldApplicationCommand()
+{
+    return {"rm", "-rf", "/home/dest/compile"};
+}
+
+QStringList removeOldFirmwareCommand()
+{
+    return {"rm", "-rf", "/homde/dest"};
+}
+
+QStringList syncCommand()
+{
+    return {"sync"};
+}
+
+QStringList applicationSizeCommand()
+{
+    return {"du", "-h", "/home/dest/"};
+}

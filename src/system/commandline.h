@@ -17,6 +17,9 @@ inline constexpr std::chrono::milliseconds settingLimit{30000};
 /// How long the Ethernet page waits for the address of a port.
 inline constexpr std::chrono::milliseconds addressQueryLimit{10000};
 
+/// How long the status page waits for the hardware address of a port, in ms.
+inline constexpr int hardwareAddressLimit = 3000;
+
 /// How long a DHCP client may take to obtain a lease.
 inline constexpr std::chrono::milliseconds leaseLimit{10000};
 
@@ -69,3 +72,22 @@ QStringList releaseLeaseCommand();
 
 /// Starts the HMI runtime; runs until the runtime ends.
 QStringList runtimeCommand();
+
+/// How long the archive of a package may take to unpack.
+inline constexpr std::chrono::milliseconds unpackLimit{30000};
+
+/// Unpacks the gzip-compressed tar archive at @p path into the folder in which it is run.
+QStringList unpackCommand(const QString &path);
+
+/// Removes what the last application left compiled.
+QStringList removeOldApplicationCommand();
+
+/// Run before a firmware package is unpacked. The folder is deliberately not that of the
+/// application, "/home/dest", which outlives a new firmware.
+QStringList removeOldFirmwareCommand();
+
+/// Writes everything to the disk.
+QStringList syncCommand();
+
+/// Prints the size of the installed application; diskUsageTotal() reads it.
+QStringList applicationSizeCommand();

@@ -26,4 +26,16 @@ inline constexpr char sessionScriptAside[] = "/root/xinitrc";
 
 /// Its existence opens the factory window; what is in it does not matter.
 inline constexpr char factoryMarker[] = "/media/usb0/talmero_setup";
+
+/// Below it sticks are mounted. Where packages and fonts are looked for if no setting says where.
+inline constexpr char mediaFolder[] = "/media/";
+
+/// The HMI application is unpacked here.
+inline constexpr char applicationFolder[] = "/home/dest";
+
+/// The HMI runtime is unpacked here.
+inline constexpr char firmwareFolder[] = "/home";
+
+/// The HMI runtime finds its fonts here.
+inline constexpr char fontFolder[] = "/usr/share/fonts/truetype/freefont/";
 } // namespace Paths

@@ -11,6 +11,18 @@ void setUp(QProcess &process, const QStringList &command)
     process.setProgram(command.value(0));
     process.setArguments(command.mid(1));
 }
+
+constexpr int stopInterval = 50;   // ms between two looks whether a tool shall be stopped
+constexpr qint64 feedSize = 65536; // bytes that a tool is given at once
+
+/// For a process that has ended, or never started. Waits that ran out before are errors, too, and
+/// do not matter.
+ToolResult resultOf(QProcess &process)
+{
+    const bool ended = process.error() != QProcess::FailedToStart
+        && process.exitStatus() == QProcess::NormalExit;
+    return {ended ? process.exitCode() : -1, process.readAllStandardError()};
+}
 } // namespace
 
 void runAndWait(const QStringList &command, std::chrono::milliseconds limit)
@@ -20,6 +32,57 @@ void runAndWait(const QStringList &command, std::chrono::milliseconds limit)
     process.setProcessChannelMode(QProcess::ForwardedChannels);
     process.start();
     process.waitForFinished(static_cast<int>(limit.count()));
+}
+
+void runInFolder(const QStringList &command, const QString &folder, std::chrono::milliseconds limit)
+{
+    QProcess process;
+    setUp(process, command);
+    process.setWorkingDirectory(folder);
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start();
+    process.waitForFinished(static_cast<int>(limit.count()));
+}
+
+ToolResult runIntoFile(const QStringList &command, const QString &folder, const QString &outputPath,
+                       const std::function<bool()> &shallStop)
+{
+    QProcess process;
+    setUp(process, command);
+    process.setWorkingDirectory(folder);
+    process.setStandardOutputFile(outputPath, QIODevice::Append);
+    process.start();
+    process.waitForStarted(-1);
+    while (process.state() != QProcess::NotRunning && !process.waitForFinished(stopInterval)) {
+        if (shallStop()) {
+            process.kill();
+        }
+    }
+    return resultOf(process);
+}
+
+ToolResult runFed(const QStringList &command, QIODevice &input,
+                  const std::function<void(const QByteArray &)> &takeOutput)
+{
+    QProcess process;
+    process.setProgram(command.value(0));
+    process.setArguments(command.mid(1));
+    process.start();
+    process.waitForStarted(-1);
+    for (QByteArray piece; !(piece = input.read(feedSize)).isEmpty();) {
+        process.write(piece);
+        while (process.bytesToWrite() > 0 && process.waitForBytesWritten(-1)) {
+            takeOutput(process.readAllStandardOutput());
+        }
+        if (process.bytesToWrite() > 0) {
+            break; // it reads no more
+        }
+    }
+    process.closeWriteChannel();
+    process.waitForFinished(-1);
+    takeOutput(process.readAllStandardOutput());
+    return resultOf(process);
 }
 
 bool startDetached(const QStringList &command)

@@ -5,6 +5,9 @@
 #include <QStringList>
 
 #include <chrono>
+#include <functional>
+
+class QIODevice;
 
 // The ways to run a tool. All of them block the calling thread; none needs an event loop.
 // A command is the program first, then its arguments, passed without a shell.
@@ -20,10 +23,32 @@ struct ProcessResult
 /// Waits for ever.
 inline constexpr std::chrono::milliseconds noLimit{-1};
 
+/// What became of a tool whose exit status matters.
+struct ToolResult
+{
+    int status = -1;   ///< exit status; -1 if it could not be started, crashed or was stopped
+    QByteArray errors; ///< standard error, whole
+};
+
 /// Runs @p command and waits for its end for at most @p limit; one that is still running then is
 /// killed. Its output goes where ours goes, its input is empty, its exit code is ignored. A
 /// program that cannot be started changes nothing.
 void runAndWait(const QStringList &command, std::chrono::milliseconds limit = noLimit);
+
+/// As runAndWait(), in the folder @p folder, with what it writes to standard output thrown away.
+/// Where that folder is missing nothing is run.
+void runInFolder(const QStringList &command, const QString &folder,
+                 std::chrono::milliseconds limit);
+
+/// Runs @p command in the folder @p folder and appends what it writes to standard output to the
+/// file at @p outputPath. Waits without limit, but ends the tool once @p shallStop says so.
+ToolResult runIntoFile(const QStringList &command, const QString &folder, const QString &outputPath,
+                       const std::function<bool()> &shallStop);
+
+/// Runs @p command, gives it what is left to read in @p input on its standard input and hands
+/// what it writes to standard output to @p takeOutput, in pieces. Waits without limit.
+ToolResult runFed(const QStringList &command, QIODevice &input,
+                  const std::function<void(const QByteArray &)> &takeOutput);
 
 /// Starts @p command and does not wait for it; it outlives this program.
 /// Result: false if it cannot be started.

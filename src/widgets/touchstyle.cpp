@@ -1,5 +1,6 @@
 #include "widgets/touchstyle.h"
 
+#include <QDialog>
 #include <QPainter>
 #include <QPolygon>
 #include <QStyleOption>
@@ -10,7 +11,11 @@ constexpr int rowHeight = 44;       // px of a list's row: a finger hits it
 constexpr int controlHeight = 40;   // px
 constexpr int choiceHeight = 36;    // px
 constexpr int spinButtonWidth = 44; // px
-constexpr int arrowSize = 10;       // px from the centre to the corners
+constexpr QSize smallestButton(120, 48);         // px
+constexpr int scrollBarWidth = 28;               // px
+constexpr QMargins dialogFrame(3, 3, 3, 3);      // px
+constexpr QColor dialogFrameColor(192, 104, 31); // that of the headings
+constexpr int arrowSize = 10;                    // px from the centre to the corners
 
 /// The two buttons of a spin box lie side by side, each as high as the box.
 QRect spinBoxRect(const QRect &box, QStyle::SubControl subControl)
@@ -37,11 +42,32 @@ QPolygon arrow(QPoint centre, bool up)
 }
 } // namespace
 
+void TouchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
+                               QPainter *painter, const QWidget *widget) const
+{
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (element == PE_Widget && qobject_cast<const QDialog *>(widget) != nullptr) {
+        painter->fillRect(option->rect, dialogFrameColor);
+        painter->fillRect(option->rect.marginsRemoved(dialogFrame), option->palette.window());
+    }
+}
+
+void TouchStyle::polish(QWidget *widget)
+{
+    QProxyStyle::polish(widget);
+    if (qobject_cast<QDialog *>(widget) != nullptr) {
+        widget->setAttribute(Qt::WA_StyledBackground); // asks this style to paint it
+    }
+}
+
 int TouchStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
                             const QWidget *widget) const
 {
     if (metric == PM_ExclusiveIndicatorWidth || metric == PM_ExclusiveIndicatorHeight) {
         return indicatorSize;
+    }
+    if (metric == PM_ScrollBarExtent) {
+        return scrollBarWidth;
     }
     return QProxyStyle::pixelMetric(metric, option, widget);
 }
@@ -95,6 +121,10 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option
         return usual.expandedTo({0, choiceHeight});
     case CT_ComboBox:
         return usual.expandedTo({0, controlHeight});
+    case CT_PushButton:
+        return usual.expandedTo(smallestButton);
+    case CT_ToolButton:
+        return usual.expandedTo({0, controlHeight});
     case CT_SpinBox:
         return usual.expandedTo({0, controlHeight}) + QSize(2 * spinButtonWidth, 0);
     default:
@@ -107,6 +137,9 @@ int TouchStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
 {
     if (hint == SH_RequestSoftwareInputPanel) {
         return RSIP_OnMouseClick; // otherwise only the second tap asks for the keypad
+    }
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons) {
+        return 0; // too small to be seen at arm's length
     }
     return QProxyStyle::styleHint(hint, option, widget, data);
 }

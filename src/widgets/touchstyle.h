@@ -5,15 +5,20 @@
 class QStyleOptionSpinBox;
 
 /// The toolkit's style, made for a finger: large indicators, buttons and list rows, whole rows
-/// that react, and one tap on a line edit that is enough to ask for the on-screen keypad.
+/// that react, and one tap on a line edit that is enough to ask for the on-screen keypad. Dialogs
+/// have a frame, because a panel has no window manager that would give them one.
 class TouchStyle : public QProxyStyle
 {
     Q_OBJECT
 public:
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
                             QPainter *painter, const QWidget *widget) const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption *option,
                     const QWidget *widget) const override;
+    using QProxyStyle::polish;
+    void polish(QWidget *widget) override;
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                            const QWidget *widget) const override;
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,

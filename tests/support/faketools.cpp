@@ -49,6 +49,11 @@ QStringList FakeTools::calls() const
     return QString::fromUtf8(log.readAll()).split('\n', Qt::SkipEmptyParts);
 }
 
+void FakeTools::forgetCalls() const
+{
+    QFile::remove(filePath(logName));
+}
+
 QString FakeTools::filePath(const QString &name) const
 {
     return m_folder.filePath(name);

@@ -19,6 +19,9 @@ public:
     /// each in brackets: "xset [s] [600]".
     QStringList calls() const;
 
+    /// Starts the record of the runs anew.
+    void forgetCalls() const;
+
 private:
     QString filePath(const QString &name) const;
 

@@ -69,6 +69,11 @@ void putFingerDown(QPoint at)
     sendToFinger(QString("down %1 %2").arg(at.x()).arg(at.y()));
 }
 
+void moveFinger(QPoint to)
+{
+    sendToFinger(QString("move %1 %2").arg(to.x()).arg(to.y()));
+}
+
 void liftFinger()
 {
     sendToFinger("up");

@@ -38,6 +38,9 @@ void tapScreen(QPoint at);
 /// Puts the finger on the panel at @p at and leaves it there.
 void putFingerDown(QPoint at);
 
+/// Moves the finger, which is on the panel, to @p to.
+void moveFinger(QPoint to);
+
 /// Takes the finger off the panel.
 void liftFinger();
 

@@ -83,6 +83,17 @@ QRect programWindow()
     return place;
 }
 
+QRect dialogPlace(const QString &title)
+{
+    const QRegularExpression line(
+        QString("\"%1\": .* ([0-9]+)x([0-9]+)\\+[-0-9]+\\+[-0-9]+ +\\+(-?[0-9]+)\\+(-?[0-9]+)")
+            .arg(title));
+    const auto window = line.match(toolOutput({"xwininfo", "-root", "-tree"}));
+    return window.hasMatch() ? QRect(window.captured(3).toInt(), window.captured(4).toInt(),
+                                     window.captured(1).toInt(), window.captured(2).toInt())
+                             : QRect();
+}
+
 QString shownBrightness()
 {
     // By its path: a recording stand-in of a test is not to see this.

@@ -5,6 +5,7 @@
 #include <QRect>
 
 class QImage;
+class QString;
 
 // What a test sees on the panel's screen of 800x600, and where it touches it.
 
@@ -39,6 +40,9 @@ int shownCount();
 
 /// Where the program's window is on the screen; nothing if there is none.
 QRect programWindow();
+
+/// Where the dialog with this title is on the screen; nothing if it is not shown.
+QRect dialogPlace(const QString &title);
 
 /// The brightness of the display as xrandr prints it, for example "0.50".
 QString shownBrightness();

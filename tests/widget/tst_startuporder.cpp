@@ -66,7 +66,8 @@ void TestStartupOrder::initTestCase()
 
 void TestStartupOrder::init()
 {
-    m_tools = std::make_unique<FakeTools>(QStringList{"xrandr", "xset", "xinput"});
+    m_tools
+        = std::make_unique<FakeTools>(QStringList{"xrandr", "xset", "xinput", "ifconfig", "du"});
     writePanelFile("bios.ini", "");
     writePanelFile("model", "RV-K21T\n");
 }
@@ -82,7 +83,8 @@ void TestStartupOrder::toolsRunInOrder()
     QCOMPARE(m_tools->calls(),
              (QStringList{"xrandr [-q]", "xset [-dpms] [s] [noexpose]",
                           "xrandr [--output] [] [--brightness] [1]",
-                          "xrandr [--output] [] [--rotate] [normal]"}));
+                          "xrandr [--output] [] [--rotate] [normal]", "ifconfig [eth0]",
+                          "ifconfig [eth1]", "du [-h] [/home/dest/]"}));
 }
 
 void TestStartupOrder::windowIsFramelessAndFillsTheDesktop()

@@ -5,10 +5,14 @@
 #include "layermodel.h"
 
 #include <QApplication>
+#include <QMessageBox>
 #include <QPainter>
+#include <QPushButton>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QTest>
+#include <QToolButton>
 
 namespace {
 constexpr QSize buttonSize(200, 40);
@@ -50,6 +54,12 @@ private slots:
     void glossIsKeptForGood();
     void uncheckingRemovesTheDot();
     void wholeRowReacts();
+    void scrollBarsAreWideEnough();
+    void pushButtonsAreLargeEnough();
+    void toolButtonsAreHighEnough();
+    void dialogsHaveAFrame();
+    void otherWindowsHaveNoFrame();
+    void boxButtonsHaveNoIcons();
 };
 
 void TestTouchWidgets::initTestCase()
@@ -190,6 +200,81 @@ void TestTouchWidgets::wholeRowReacts()
     button.resize(400, 40);
     QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(390, 5));
     QVERIFY(button.isChecked());
+}
+
+void TestTouchWidgets::scrollBarsAreWideEnough()
+{
+    QCOMPARE(QScrollBar(Qt::Vertical).sizeHint().width(), 28);
+    QCOMPARE(QScrollBar(Qt::Horizontal).sizeHint().height(), 28);
+}
+
+void TestTouchWidgets::pushButtonsAreLargeEnough()
+{
+    QPushButton button("x");
+    QCOMPARE(button.sizeHint(), QSize(120, 48));
+    QFont font = button.font();
+    font.setPixelSize(60);
+    button.setFont(font);
+    button.setText("not cut");
+    const QSize text = button.fontMetrics().size(Qt::TextSingleLine, button.text());
+    QVERIFY(text.width() > 120);
+    QVERIFY(button.sizeHint().width() > text.width());
+    QVERIFY(button.sizeHint().height() > text.height());
+}
+
+void TestTouchWidgets::toolButtonsAreHighEnough()
+{
+    QToolButton button;
+    button.setText("x");
+    QCOMPARE(button.sizeHint().height(), 40);
+    QVERIFY(button.sizeHint().width() < 60); // as wide as its text wants it
+    QFont font = button.font();
+    font.setPixelSize(60);
+    button.setFont(font);
+    QVERIFY(button.sizeHint().height() > 60);
+}
+
+void TestTouchWidgets::dialogsHaveAFrame()
+{
+    QDialog plain;
+    QMessageBox box(QMessageBox::Warning, "title", "text", QMessageBox::Ok);
+    for (QDialog *dialog : {&plain, static_cast<QDialog *>(&box)}) {
+        dialog->resize(dialog->sizeHint().expandedTo(QSize(200, 100)));
+        const QImage image = dialog->grab().toImage();
+        const QRect inside = image.rect().adjusted(3, 3, -3, -3);
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (!inside.contains(x, y)) {
+                    QCOMPARE(image.pixelColor(x, y), QColor(192, 104, 31));
+                }
+            }
+        }
+        const QColor window = dialog->palette().color(QPalette::Window);
+        QCOMPARE(image.pixelColor(inside.topLeft()), window);
+        QCOMPARE(image.pixelColor(inside.bottomRight()), window);
+    }
+}
+
+void TestTouchWidgets::otherWindowsHaveNoFrame()
+{
+    QWidget window;
+    window.resize(200, 100);
+    QCOMPARE(window.grab().toImage().pixelColor(0, 0), window.palette().color(QPalette::Window));
+    QDialog dialog;
+    QWidget part(&dialog);
+    part.setAttribute(Qt::WA_StyledBackground); // lets the style paint it, as a dialog does
+    part.resize(200, 100);
+    QCOMPARE(part.grab().toImage().pixelColor(0, 0), part.palette().color(QPalette::Window));
+}
+
+void TestTouchWidgets::boxButtonsHaveNoIcons()
+{
+    const QMessageBox box(QMessageBox::Warning, "title", "text",
+                          QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Save);
+    QCOMPARE(box.buttons().size(), 3);
+    for (const QAbstractButton *button : box.buttons()) {
+        QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
+    }
 }
 
 QTEST_MAIN(TestTouchWidgets)

@@ -1,0 +1,20 @@
+// Installs one package. Prints the milliseconds that it took and the most memory that this
+// process had, in KiB.
+
+#include "packages/packageinstaller.h"
+#include "support/memoryuse.h"
+#include "support/panelplace.h"
+#include "support/resulttable.h"
+#include "system/textcodec.h"
+
+#include <cstdio>
+
+int main(int argc, char *argv[])
+{
+    requirePanel();
+    const QString path = textFromBytes(onlyArgument(argc, argv, "installone PACKAGE"));
+    const auto begin = now();
+    const int result = installPackage(path);
+    std::printf("%f %f\n", millisecondsSince(begin), memoryUse("VmHWM:"));
+    return result;
+}

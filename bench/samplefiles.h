@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+#include <string>
+
+/// "." and what packages end with.
+inline constexpr char sampleExtension[] = ".kpc";
+
+/// Makes the folder @p folder with @p files empty files, 500 to a folder in it. One in each
+/// @p filesToPackage is a package by its name. What was there before is removed.
+void makeSampleFiles(const std::string &folder, int files, int filesToPackage);

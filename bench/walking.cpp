@@ -1,0 +1,94 @@
+// The walk that looks for packages against find, in turn, and its growth with the files.
+
+#include "packages/filewalk.h"
+#include "samplefiles.h"
+#include "support/panelplace.h"
+#include "support/resulttable.h"
+#include "system/process.h"
+
+#include <algorithm>
+#include <map>
+
+namespace {
+constexpr int pairs = 15;
+constexpr int filesToPackage = 10;
+constexpr int comparedFiles = 100'000;
+constexpr int mostFiles = 1'000'000;
+constexpr int leastFilesWalked = 100'000; // by all rounds of one size together
+constexpr int fewestRounds = 7;
+constexpr double timeTarget = 1.25;  // times find
+constexpr double growthTarget = 1.5; // times the time for one file
+
+constexpr char folder[] = "/media/usb0/stick/";
+
+/// Milliseconds that @p command takes, which has to print as many lines as there are packages.
+double timeOf(const QStringList &command)
+{
+    const auto begin = now();
+    const ProcessResult run = runLimited(command, noLimit);
+    const double time = millisecondsSince(begin);
+    if (run.output.count('\n') != comparedFiles / filesToPackage) {
+        qFatal("%s did not find each package", qPrintable(command.first()));
+    }
+    return time;
+}
+
+/// Both with the start of a process and with its output read.
+void compareWithFind(ResultTable &table)
+{
+    const QStringList walk{QString::fromStdString(ownFolder() / "walkone"), folder};
+    const QStringList find{"find", folder, "-type", "f", "-name", QString("*") + sampleExtension};
+    std::vector<double> ours;
+    std::vector<double> peer;
+    std::vector<double> ratios;
+    timeOf(walk); // the first runs bring the programs into memory
+    timeOf(find);
+    for (int pair = 0; pair < pairs; ++pair) {
+        const bool findFirst = pair % 2 != 0;
+        const double first = timeOf(findFirst ? find : walk);
+        const double second = timeOf(findFirst ? walk : find);
+        ours.push_back(findFirst ? second : first);
+        peer.push_back(findFirst ? first : second);
+        ratios.push_back(ours.back() / peer.back());
+    }
+    const std::string files = std::to_string(comparedFiles) + " files";
+    table.addSamples("find over " + files, peer, "ms");
+    table.addSamples("walk over " + files, ours, "ms");
+    table.addSamples("  ratio, pair by pair", ratios, "times", timeTarget);
+}
+
+/// Milliseconds of each walk over @p files files, which are there.
+std::vector<double> walkTimes(int files)
+{
+    std::vector<double> times;
+    for (int round = 0; round < std::max(fewestRounds, leastFilesWalked / files); ++round) {
+        const auto begin = now();
+        findFilesBelow(folder, {sampleExtension}, ExtensionCase::SmallLetters);
+        times.push_back(millisecondsSince(begin));
+    }
+    return times;
+}
+
+void measureGrowth(ResultTable &table)
+{
+    std::map<int, double> timePerFile;
+    for (const int files : {1'000, 10'000, comparedFiles, mostFiles}) {
+        makeSampleFiles(folder, files, filesToPackage);
+        const std::vector<double> times = walkTimes(files);
+        table.addSamples("walk over " + std::to_string(files) + " files, no process", times, "ms");
+        timePerFile[files] = median(times) / files;
+    }
+    table.addFigure("  growth of the time per file in the last step",
+                    timePerFile[mostFiles] / timePerFile[comparedFiles], "times", growthTarget);
+}
+} // namespace
+
+int main()
+{
+    requirePanel();
+    ResultTable table;
+    makeSampleFiles(folder, comparedFiles, filesToPackage);
+    compareWithFind(table);
+    measureGrowth(table);
+    return table.exitStatus();
+}

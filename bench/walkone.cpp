@@ -1,0 +1,19 @@
+// Finds the application packages below a folder, as find does with "-type f -name '*.kpc'".
+
+#include "packages/filewalk.h"
+#include "samplefiles.h"
+#include "support/panelplace.h"
+#include "system/textcodec.h"
+
+#include <cstdio>
+
+int main(int argc, char *argv[])
+{
+    requirePanel();
+    const QByteArray folder = onlyArgument(argc, argv, "walkone FOLDER");
+    for (const QString &name :
+         findFilesBelow(textFromBytes(folder), {sampleExtension}, ExtensionCase::SmallLetters)) {
+        std::puts((folder + bytesFromText(name)).constData());
+    }
+    return 0;
+}

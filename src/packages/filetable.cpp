@@ -1,0 +1,94 @@
+#include "packages/filetable.h"
+
+#include <QHeaderView>
+#include <QScroller>
+#include <QStyledItemDelegate>
+#include <QTableWidget>
+
+#include <algorithm>
+
+namespace {
+constexpr int smallestRowHeight = 44; // px; a finger hits it
+constexpr int rowPadding = 12;        // px
+
+/// Shows names that hold line feeds and other bytes without a picture.
+class NameDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QString displayText(const QVariant &value, const QLocale &) const override
+    {
+        return printableName(value.toString());
+    }
+};
+
+/// With the left button, because the panel's touch controller is a pointer with one button.
+void scrollByFinger(QTableWidget *table)
+{
+    table->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    QScroller::grabGesture(table->viewport(), QScroller::LeftMouseButtonGesture);
+    QScroller *scroller = QScroller::scroller(table->viewport());
+    QScrollerProperties properties = scroller->scrollerProperties();
+    for (const auto metric : {QScrollerProperties::HorizontalOvershootPolicy,
+                              QScrollerProperties::VerticalOvershootPolicy}) {
+        properties.setScrollMetric(metric, QScrollerProperties::OvershootAlwaysOff);
+    }
+    scroller->setScrollerProperties(properties);
+}
+
+QTableWidgetItem *createItem(const QString &folder, const QString &name)
+{
+    auto *item = new QTableWidgetItem(name);
+    item->setData(Qt::UserRole, QString(folder + name));
+    item->setFlags(item->flags() & ~Qt::ItemIsEditable);
+    return item;
+}
+} // namespace
+
+void setUpFileTable(QTableWidget *table)
+{
+    QHeaderView *rows = table->verticalHeader();
+    rows->hide();
+    rows->setSectionResizeMode(QHeaderView::Fixed);
+    rows->setDefaultSectionSize(
+        std::max(smallestRowHeight, table->fontMetrics().height() + rowPadding));
+    table->horizontalHeader()->hide();
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table->setItemDelegate(new NameDelegate(table));
+    table->setWordWrap(false);
+    table->setTextElideMode(Qt::ElideMiddle); // the name at the end tells most
+    scrollByFinger(table);
+}
+
+void showFiles(QTableWidget *table, const QString &folder, const QStringList &names)
+{
+    table->setRowCount(0);
+    table->setRowCount(int(names.size()));
+    for (int row = 0; row < names.size(); ++row) {
+        table->setItem(row, 0, createItem(folder, names.at(row)));
+        if (table->columnCount() > 1) {
+            table->setSpan(row, 0, 1, table->columnCount());
+        }
+    }
+}
+
+QString filePath(const QTableWidgetItem *item)
+{
+    return item->data(Qt::UserRole).toString();
+}
+
+QString printableName(const QString &name)
+{
+    QString shown = name;
+    for (qsizetype at = 0; at < shown.size(); ++at) {
+        const QStringView rest = QStringView(shown).mid(at);
+        if (rest.size() > 1 && rest[0].isHighSurrogate() && rest[1].isLowSurrogate()) {
+            ++at; // a pair is one character
+        } else if (!rest[0].isPrint()) {
+            shown[at] = QChar::ReplacementCharacter; // for a byte that is no text too
+        }
+    }
+    return shown;
+}

@@ -1,0 +1,145 @@
+#include "packages/packageinstaller.h"
+
+#include "packages/packagecheck.h"
+#include "system/commandline.h"
+#include "system/filecopy.h"
+#include "system/folderlisting.h"
+#include "system/paths.h"
+#include "system/process.h"
+#include "system/textcodec.h"
+#include "system/versionfiles.h"
+
+#include <QFile>
+#include <QTemporaryFile>
+
+#include <optional>
+
+namespace {
+/// Where a firmware package is looked through for a BIOS image. Deliberately with the apostrophe
+/// and relative, so that on most panels there is no such folder.
+constexpr char biosImageFolder[] = "'home/dest";
+constexpr char biosImageExtension[] = ".mo";
+
+/// A package file, and the temporary file into which its archive goes.
+class Package
+{
+public:
+    explicit Package(const QString &path)
+    {
+        openPlainFile(m_file, path); // one that cannot be opened has no header
+        m_hasArchive = m_archive.open();
+    }
+
+    bool hasArchiveFile() const { return m_hasArchive; }
+
+    std::optional<PackageHeader> readHeader()
+    {
+        return m_file.isOpen() ? parsePackageHeader(m_file.read(packageHeaderSize)) : std::nullopt;
+    }
+
+    /// Stores the archive under a name that stays. Result: false if there is no room for it;
+    /// it is gone with this object then.
+    bool storeArchive()
+    {
+        if (!copyRest(m_file, m_archive)) {
+            return false;
+        }
+        m_archivePath = m_archive.fileName(); // has no name on the disk before
+        m_archive.setAutoRemove(m_archivePath.isEmpty());
+        m_file.close();
+        m_archive.close();
+        return !m_archivePath.isEmpty();
+    }
+
+    void unpackIn(const char *folder) const
+    {
+        runInFolder(unpackCommand(m_archivePath), QLatin1String(folder), unpackLimit);
+        QFile::remove(m_archivePath);
+    }
+
+private:
+    QFile m_file;
+    QTemporaryFile m_archive;
+    bool m_hasArchive = false;
+    QString m_archivePath;
+};
+
+/// Name of the first BIOS image that a firmware package has brought; empty if there is none.
+QString broughtBiosImage()
+{
+    FolderListing listing(biosImageFolder);
+    while (const dirent *entry = listing.next()) {
+        QString name = textFromBytes(entry->d_name);
+        if (name.endsWith(biosImageExtension)) {
+            return name;
+        }
+    }
+    return {};
+}
+
+void installApplication(const Package &package)
+{
+    runAndWait(removeOldApplicationCommand());
+    package.unpackIn(Paths::applicationFolder);
+}
+
+InstallResult installFirmware(const Package &package, quint32 version)
+{
+    runAndWait(removeOldFirmwareCommand());
+    package.unpackIn(Paths::firmwareFolder);
+    runAndWait(syncCommand());
+    const QString image = broughtBiosImage();
+    if (image.isEmpty()) {
+        setCurrentRuntimeVersion(int(version));
+        return Installed;
+    }
+    installBIOSPackage(image); // deliberately without its folder
+    return OpenFileError;      // deliberately, whatever became of the image
+}
+} // namespace
+
+int installPackage(const QString &path)
+{
+    Package package(path);
+    if (!package.hasArchiveFile()) {
+        return OpenFileError;
+    }
+    const auto header = package.readHeader();
+    if (!header) {
+        return OpenFileError;
+    }
+    const InstallResult refusal = checkPackage(
+        *header, {getCurrentRuntimeVersion(), getCurrentRuntimOEM(), getCurrentRuntimeModel()});
+    if (refusal != Installed) {
+        return refusal;
+    }
+    if (!package.storeArchive()) {
+        return OpenFileError;
+    }
+    if (header->kind == PackageKind::Firmware) {
+        return installFirmware(package, header->version);
+    }
+    if (header->kind == PackageKind::Application) {
+        installApplication(package);
+    }
+    return Installed;
+}
+
+int installBIOSPackage(const QString &path)
+{
+    Package package(path);
+    if (!package.hasArchiveFile()) {
+        return BiosNotStored;
+    }
+    const auto header = package.readHeader();
+    const BiosInstallResult refusal
+        = header ? checkBiosPackage(*header, getCurrentBIOSVersion()) : NoBiosImage;
+    if (refusal != BiosInstalled) {
+        return refusal;
+    }
+    if (!package.storeArchive()) {
+        return BiosNotStored;
+    }
+    package.unpackIn(Paths::biosFolder);
+    return BiosInstalled;
+}

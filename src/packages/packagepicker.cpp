@@ -1,0 +1,77 @@
+#include "packages/packagepicker.h"
+
+#include "packages/filetable.h"
+#include "packages/filewalk.h"
+#include "system/paths.h"
+#include "system/settingsfile.h"
+
+#include <QFile>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace {
+constexpr int fontSize = 24;       // pt
+constexpr int smallestWidth = 600; // px
+
+/// As high as the screen allows, for there may be many packages; room is left around, so that it
+/// is seen that the page is still there.
+int dialogHeight(const QScreen *screen)
+{
+    return screen->availableSize().height() * 4 / 5;
+}
+} // namespace
+
+PackagePicker::PackagePicker(const QString &title, const QString &extension)
+    : m_table(0, 1)
+{
+    QFont largeFont = font();
+    largeFont.setPointSize(fontSize);
+    setFont(largeFont);
+    setWindowTitle(title);
+    m_table.setFont(largeFont); // has no parent yet to take it from
+    setUpFileTable(&m_table);
+    m_table.setSelectionMode(QAbstractItemView::SingleSelection);
+    if (!QFile::exists(Paths::settingsFile)) {
+        return;
+    }
+    SettingsMap settings;
+    readSettingsFile(Paths::settingsFile, settings);
+    const QString folder = searchFolder(settings.value(transferFolderKey));
+    showFiles(&m_table, folder, findFilesBelow(folder, {extension}, ExtensionCase::AnyCase));
+    layOut();
+}
+
+QString PackagePicker::selectedFile() const
+{
+    const auto items = m_table.selectedItems();
+    return items.isEmpty() ? QString() : filePath(items.first());
+}
+
+void PackagePicker::layOut()
+{
+    auto *ok = new QPushButton(tr("Ok"), this);
+    auto *cancel = new QPushButton(tr("Cancel"), this);
+    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(ok);
+    buttons->addWidget(cancel);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(&m_table);
+    layout->addLayout(buttons);
+    m_table.resizeColumnsToContents();
+    setMinimumWidth(smallestWidth);
+    resize(smallestWidth, dialogHeight(screen()));
+}
+
+BIOSUpdateDialog::BIOSUpdateDialog(const QString &)
+    : PackagePicker(tr("Select BIOS Image"), ".mo")
+{
+}
+
+PackageInstalling::PackageInstalling()
+    : PackagePicker(tr("Select HMI Add-Ons"), ".pkg")
+{
+}

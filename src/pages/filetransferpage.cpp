@@ -1,0 +1,126 @@
+#include "shell/biosinterface.h"
+
+#include "packages/filetable.h"
+#include "packages/filewalk.h"
+#include "packages/packagecheck.h"
+#include "packages/packageinstaller.h"
+#include "widgets/radiobutton.h"
+
+#include <QDir>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QStackedWidget>
+#include <QTableWidget>
+
+namespace {
+constexpr int contentMargin = 29;                // px
+constexpr int warningFontSize = 24;              // px, readable at arm's length
+constexpr char tableName[] = "show_files_table"; // of both pages that have one
+constexpr char applicationName[] = "application_radioButton";
+constexpr char firmwareName[] = "firmware_radioButton";
+constexpr char applicationExtension[] = ".kpc";
+constexpr char firmwareExtension[] = ".fmw";
+
+/// What the user is told of a package that was not installed.
+struct Refusal
+{
+    InstallResult result;
+    const char *title;
+    const char *text;
+};
+
+// clang-format off
+constexpr Refusal refusals[] = {
+    // The title is misspelt for good.
+    {OpenFileError,    QT_TRANSLATE_NOOP("BiosInterface", "File Transter"),
+                       QT_TRANSLATE_NOOP("BiosInterface", "Open File Error")},
+    {WrongVersion,     QT_TRANSLATE_NOOP("BiosInterface", "File Transfer"),
+                       QT_TRANSLATE_NOOP("BiosInterface", "Error Firmware Version while Install KPC")},
+    {WrongModel,       QT_TRANSLATE_NOOP("BiosInterface", "File Transfer"),
+                       QT_TRANSLATE_NOOP("BiosInterface", "Error Panel Model while Install KPC")},
+    {WrongFirmwareOem, QT_TRANSLATE_NOOP("BiosInterface", "File Transfer"),
+                       QT_TRANSLATE_NOOP("BiosInterface", "Error Panel Model while Install Firmware")},
+};
+// clang-format on
+
+void warn(const QString &title, const QString &text)
+{
+    QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok);
+    QFont font = box.font();
+    font.setPixelSize(warningFontSize);
+    box.setFont(font);
+    box.exec();
+}
+} // namespace
+
+void BiosInterface::initFileTransferPage()
+{
+    QWidget *page = m_pages->widget(FileTransferPage);
+    auto *application = new RadioButton(tr("Application"), page);
+    application->setObjectName(applicationName);
+    application->setChecked(true);
+    auto *firmware = new RadioButton(tr("Firmware"), page);
+    firmware->setObjectName(firmwareName);
+    // Alone: choosing the other one takes the choice off this one.
+    connect(application, &RadioButton::toggled, this, &BiosInterface::loadFiletransferSettings);
+
+    auto *choices = new QHBoxLayout;
+    for (RadioButton *choice : {application, firmware}) {
+        useRowFont(choice);
+        choices->addWidget(choice);
+    }
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    content->addLayout(choices);
+    content->addWidget(createFileTable(FileTransferPage, 2));
+    setPageLayout(createTitleBar(tr("File Transfer"), true, true), content, page);
+}
+
+QTableWidget *BiosInterface::createFileTable(Page page, int columns)
+{
+    auto *table = new QTableWidget(0, columns, m_pages->widget(page));
+    table->setObjectName(tableName);
+    useRowFont(table);
+    setUpFileTable(table);
+    return table;
+}
+
+bool BiosInterface::loadFiletransferSettings()
+{
+    const QWidget *page = m_pages->widget(FileTransferPage);
+    auto *table = page->findChild<QTableWidget *>();
+    const auto *application = page->findChild<RadioButton *>(applicationName);
+    if (table == nullptr || application == nullptr) {
+        return false;
+    }
+    const QString folder = searchFolder(m_settings.value(transferFolderKey));
+    const QString extension
+        = QLatin1String(application->isChecked() ? applicationExtension : firmwareExtension);
+    // A file whose whole name is the extension comes first. Such a name is a hidden one, so the
+    // toolkit has listed none so far.
+    QStringList files
+        = QDir(folder).entryList({extension}, QDir::Files | QDir::NoSymLinks, QDir::Unsorted);
+    files += findFilesBelow(folder, {extension}, ExtensionCase::SmallLetters);
+    showFiles(table, folder, files);
+    return true;
+}
+
+bool BiosInterface::saveFiletransferSettings()
+{
+    const auto *table = m_pages->widget(FileTransferPage)->findChild<QTableWidget *>();
+    const QTableWidgetItem *chosen = table != nullptr ? table->currentItem() : nullptr;
+    if (chosen == nullptr) {
+        return true;
+    }
+    const QString path = filePath(chosen);
+    if (path.isEmpty()) {
+        return false;
+    }
+    const int result = installPackage(path);
+    for (const Refusal &refusal : refusals) {
+        if (refusal.result == result) {
+            warn(tr(refusal.title), tr(refusal.text));
+        }
+    }
+    return true;
+}

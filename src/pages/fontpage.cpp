@@ -1,0 +1,56 @@
+#include "shell/biosinterface.h"
+
+#include "packages/filetable.h"
+#include "packages/filewalk.h"
+#include "system/filecopy.h"
+#include "system/paths.h"
+
+#include <QStackedWidget>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace {
+constexpr int contentMargin = 29; // px
+constexpr char fontFolderKey[] = "bios.fontsetting.folder";
+
+void installFont(const QString &path)
+{
+    const QString name = path.mid(path.lastIndexOf('/') + 1);
+    copyToNewFile(path, Paths::fontFolder + name); // a font of that name stays as it is
+}
+} // namespace
+
+void BiosInterface::initFontSettingPage()
+{
+    QTableWidget *table = createFileTable(FontPage, 1);
+    table->setSelectionMode(QAbstractItemView::MultiSelection);
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    content->addWidget(table);
+    setPageLayout(createTitleBar(tr("Install Fonts"), true, true), content,
+                  m_pages->widget(FontPage));
+}
+
+bool BiosInterface::loadFontSettings()
+{
+    auto *table = m_pages->widget(FontPage)->findChild<QTableWidget *>();
+    if (table == nullptr) {
+        return false;
+    }
+    const QString folder = searchFolder(m_settings.value(fontFolderKey));
+    showFiles(table, folder, findFilesBelow(folder, {".ttf", ".ttc"}, ExtensionCase::AnyCase));
+    return true;
+}
+
+bool BiosInterface::saveFontSettings()
+{
+    const auto *table = m_pages->widget(FontPage)->findChild<QTableWidget *>();
+    const auto chosen = table != nullptr ? table->selectedItems() : QList<QTableWidgetItem *>();
+    for (const QTableWidgetItem *item : chosen) {
+        const QString path = filePath(item);
+        if (!path.isEmpty()) {
+            installFont(path);
+        }
+    }
+    return true;
+}

@@ -1,0 +1,169 @@
+#include "shell/biosinterface.h"
+
+#include "system/commandline.h"
+#include "system/duoutput.h"
+#include "system/ifconfigoutput.h"
+#include "system/versionfiles.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QToolButton>
+
+namespace {
+constexpr int contentMargin = 19; // px
+constexpr int rowSpacing = 40;    // px
+constexpr char valueNamePrefix[] = "show ";
+constexpr char captionSpacer[] = "          :     ";
+
+/// The OEM whose panels are sold as a series.
+constexpr char seriesOem[] = "TALMEROQZP";
+constexpr char seriesPrefix[] = "TALMERO EK Series:";
+
+constexpr char capacity[] = "/16384M"; // of the application's storage, the same in all panels
+constexpr int noTimeout = -1;
+
+constexpr char applicationSizeCaption[] = QT_TRANSLATE_NOOP("BiosInterface", "Application Size");
+constexpr char firstPortCaption[] = QT_TRANSLATE_NOOP("BiosInterface", "Lan1 MAC Address");
+constexpr char secondPortCaption[] = QT_TRANSLATE_NOOP("BiosInterface", "Lan2 MAC Address");
+
+QString modelText()
+{
+    const QString prefix
+        = getCurrentRuntimOEM() == QLatin1String(seriesOem) ? seriesPrefix : QString();
+    return prefix + getCurrentRuntimeModel().constFirst();
+}
+
+QString firmwareText()
+{
+    const QString version = getCurrentRuntimeVersion();
+    return version.isEmpty() ? getCurrentRuntimeVersion() : version;
+}
+
+/// A row of the page, the text of its value at start, if it has one then.
+struct StatusRow
+{
+    const char *caption;
+    QString (*value)();
+};
+
+// clang-format off
+constexpr StatusRow statusRows[] = {
+    {applicationSizeCaption,                                  nullptr},
+    {QT_TRANSLATE_NOOP("BiosInterface", "BIOS Version"),      modelText}, // so captioned for good
+    {QT_TRANSLATE_NOOP("BiosInterface", "Firmware Version"),  firmwareText},
+    {QT_TRANSLATE_NOOP("BiosInterface", "Manufacturer"),
+     [] { return BiosInterface::tr("TALMERO Industrial Panels"); }},
+    {firstPortCaption,                                        nullptr},
+    {secondPortCaption,                                       nullptr},
+    {QT_TRANSLATE_NOOP("BiosInterface", "BIOS Version"),      getCurrentBIOSVersion},
+};
+// clang-format on
+constexpr int firmwareRow = 2;
+constexpr int biosRow = 6;
+} // namespace
+
+QPair<QLabel *, QLabel *> BiosInterface::createSystemStatusLabel(const QString &caption)
+{
+    QWidget *page = m_pages->widget(SystemStatusPage);
+    auto *captionLabel = new QLabel(caption + captionSpacer, page);
+    captionLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto *value = new QLabel(page);
+    value->setObjectName(valueNamePrefix + caption);
+    // What the files say must not make the window wider than the screen.
+    value->setWordWrap(true);
+    value->setMinimumWidth(1);
+    for (QLabel *label : {captionLabel, value}) {
+        label->setTextFormat(Qt::PlainText); // what a file or a tool says may look like markup
+        setWidgetWithStyle(label);
+        useRowFont(label);
+    }
+    return {captionLabel, value};
+}
+
+void BiosInterface::initSystemStatusPage()
+{
+    auto *grid = new QGridLayout;
+    grid->setSpacing(rowSpacing);
+    createStatusRows(grid);
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    content->addLayout(grid);
+    content->addStretch();
+    setPageLayout(createTitleBar(tr("System Status"), true, true), content,
+                  m_pages->widget(SystemStatusPage));
+    loadSystemStatusSettings();
+}
+
+void BiosInterface::createStatusRows(QGridLayout *grid)
+{
+    for (int row = 0; row < int(std::size(statusRows)); ++row) {
+        const StatusRow &status = statusRows[row];
+        const auto [caption, value] = createSystemStatusLabel(tr(status.caption));
+        if (status.value != nullptr) {
+            value->setText(status.value());
+        }
+        if (row == firmwareRow) {
+            m_firmwareVersion = value;
+        }
+        grid->addWidget(caption, row, 0);
+        if (row == biosRow) {
+            auto *cell = new QHBoxLayout;
+            cell->addWidget(value);
+            cell->addWidget(createUpdateButton());
+            grid->addLayout(cell, row, 1);
+        } else {
+            grid->addWidget(value, row, 1);
+        }
+    }
+}
+
+QToolButton *BiosInterface::createUpdateButton()
+{
+    auto *button = new QToolButton(m_pages->widget(SystemStatusPage));
+    button->setText(tr("Update BIOS"));
+    button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Minimum);
+    setWidgetWithStyle(button);
+    useRowFont(button);
+    connect(button, &QToolButton::clicked, this, [this] { updateBIOSDialog(); });
+    return button;
+}
+
+bool BiosInterface::loadSystemStatusSettings()
+{
+    const auto labels = m_pages->widget(SystemStatusPage)->findChildren<QLabel *>();
+    if (labels.isEmpty()) {
+        return false;
+    }
+    const QString version = getCurrentRuntimeVersion();
+    m_firmwareVersion->setText(version.isEmpty() ? QString(" ") : version);
+    const QString firstAddress = hardwareAddress("eth0");
+    const QString secondAddress = hardwareAddress("eth1");
+    const QString size = applicationSize();
+    for (QLabel *label : labels) {
+        const QString name = label->objectName();
+        if (name.contains(tr(firstPortCaption))) {
+            label->setText(firstAddress);
+        } else if (name.contains(tr(secondPortCaption))) {
+            label->setText(secondAddress);
+        } else if (name.contains(applicationSizeCaption)) {
+            label->setText(size);
+        }
+    }
+    return true;
+}
+
+QString BiosInterface::hardwareAddress(const QString &interface)
+{
+    const QStringList command = addressQueryCommand(interface);
+    return parseHardwareAddress(
+        doProcess(command.first(), command.mid(1), hardwareAddressLimit).first);
+}
+
+QString BiosInterface::applicationSize()
+{
+    const QStringList command = applicationSizeCommand();
+    const auto [output, errors] = doProcess(command.first(), command.mid(1), noTimeout);
+    // Any error text, and be it that one folder cannot be read, leaves the size out.
+    return errors.isEmpty() ? diskUsageTotal(output) + capacity : QString(capacity);
+}

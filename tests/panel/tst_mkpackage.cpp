@@ -1,0 +1,419 @@
+#include "diskfiles.h"
+#include "faketools.h"
+#include "packagefiles.h"
+#include "panelguard.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+#include <csignal>
+
+#include <sys/mount.h>
+#include <unistd.h>
+
+namespace {
+/// One run of the tool.
+struct Run
+{
+    int status;
+    QByteArray output;
+    QByteArray errors;
+};
+
+Run mkpackage(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(MKPACKAGE, arguments);
+    if (!process.waitForFinished(20000) || process.exitStatus() != QProcess::NormalExit) {
+        qFatal("talmero-mkpackage crashes or hangs");
+    }
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+QByteArray lineOf(const QByteArray &text, const QByteArray &start)
+{
+    for (const QByteArray &line : text.split('\n')) {
+        if (line.startsWith(start)) {
+            return line.mid(start.size()).trimmed();
+        }
+    }
+    return "no such line";
+}
+} // namespace
+
+class TestMkpackage : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void makesWhatAPanelUnpacks();
+    void sameContentsGiveTheSameBytes();
+    void timeOfTheFiles();
+    void refused_data();
+    void refused();
+    void refusalKeepsTheOldFile();
+    void toolsMissingOrFailing();
+    void fullDisk();
+    void unreadableFileInTheFolder();
+    void endedInTheMiddle_data();
+    void endedInTheMiddle();
+    void infoOfAWholePackage();
+    void infoOfDamage_data();
+    void infoOfDamage();
+    void infoOfUnreadableFiles();
+    void infoIsSafeForATerminal();
+    void helpAndVersion();
+    void documentedExample();
+
+private:
+    QString path(const QString &name) const { return m_folder->filePath(name); }
+    Run make(const QString &output, const QString &folder) const
+    {
+        return mkpackage({"make", "--kind", "application", "--version", "12", "--target", "RV-K21T",
+                          "--output", path(output), path(folder)});
+    }
+    QStringList files() const
+    {
+        return QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void TestMkpackage::initTestCase()
+{
+    requirePanel();
+}
+
+void TestMkpackage::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    shellBytes(QString("cd '%1'; mkdir -p in/compile/deep in/empty; cd in; echo a >a;"
+                       "echo run >compile/run; chmod 750 compile/run; echo d >compile/deep/d;"
+                       "echo x >'-rf *'; ln -s a link; echo h >.hidden; touch -d 2020-02-02 a")
+                   .arg(m_folder->path()));
+}
+
+void TestMkpackage::makesWhatAPanelUnpacks()
+{
+    const Run run = make("line.kpc", "in");
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.status, 0);
+    const QByteArray package = readFile(path("line.kpc").toUtf8());
+    const auto header = parsePackageHeader(package);
+    QVERIFY(header && header->kind == PackageKind::Application);
+    QCOMPARE(header->version, 12U);
+    QCOMPARE(header->target, QString("RV-K21T"));
+    QCOMPARE(package.mid(8, 12), QByteArray(12, '\0'));
+    shellBytes(
+        QString("cd '%1'; mkdir -m 700 out; cd out; tail -c +37 ../line.kpc | tar -zx;"
+                "diff -r . ../in; [ $(stat -c %a .) = 700 ]; [ $(stat -c %a compile/run) = 750 ];"
+                "[ -d empty ]; [ $(readlink link) = a ]")
+            .arg(m_folder->path()));
+    QCOMPARE(shellBytes(QString("stat -c %a '%1'").arg(path("line.kpc"))), QByteArray("644\n"));
+    QCOMPARE(files(), QStringList{"line.kpc"});
+}
+
+void TestMkpackage::sameContentsGiveTheSameBytes()
+{
+    QCOMPARE(make("first.kpc", "in").status, 0);
+    // Made anew in another order, by another user, at another time, with settings for tar and gzip.
+    shellBytes(
+        QString(
+            "cd '%1'; mkdir other; cd in; ls -A | sort -r | xargs -d '\\n' -I N cp -a ./N ../other;"
+            "cd ..; chown -R 7:7 other; touch -d 2001-01-01 other/a;"
+            "ln other/a hard; chmod 755 other")
+            .arg(m_folder->path()));
+    qputenv("TAR_OPTIONS", "--verbose --exclude=a");
+    qputenv("LC_ALL", "de_DE.UTF-8");
+    const Run run = make("second.kpc", "other");
+    qunsetenv("TAR_OPTIONS");
+    qputenv("LC_ALL", "C.UTF-8");
+    QCOMPARE(run.status, 0);
+    QVERIFY(readFile(path("first.kpc").toUtf8()) == readFile(path("second.kpc").toUtf8()));
+    shellBytes(QString("echo b >>'%1'").arg(path("other/a")));
+    QCOMPARE(make("third.kpc", "other").status, 0);
+    QVERIFY(readFile(path("first.kpc").toUtf8()) != readFile(path("third.kpc").toUtf8()));
+}
+
+void TestMkpackage::timeOfTheFiles()
+{
+    qputenv("SOURCE_DATE_EPOCH", "1441036800");
+    const Run run = make("line.kpc", "in");
+    qputenv("SOURCE_DATE_EPOCH", "yesterday");
+    const Run refused = make("other.kpc", "in");
+    qunsetenv("SOURCE_DATE_EPOCH");
+    QCOMPARE(run.status, 0);
+    const QByteArray listing = mkpackage({"info", path("line.kpc")}).output;
+    const QByteArray members = listing.mid(listing.indexOf("contents:\n") + 10);
+    QCOMPARE(members.count(" 2015-08-31 16:00 "), members.count('\n'));
+    QVERIFY(members.count('\n') > 5);
+    QCOMPARE(refused.status, 2);
+    QCOMPARE(refused.errors,
+             QByteArray("talmero-mkpackage: SOURCE_DATE_EPOCH must be a number of seconds\n"));
+    QCOMPARE(files(), QStringList{"line.kpc"});
+}
+
+void TestMkpackage::refused_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("folder missing") << "o.kpc"
+                                    << "none"
+                                    << "%1/none is no folder";
+    QTest::newRow("folder is a file") << "o.kpc"
+                                      << "in/a"
+                                      << "%1/in/a is no folder";
+    QTest::newRow("folder is empty") << "o.kpc"
+                                     << "in/empty"
+                                     << "%1/in/empty is empty or cannot be read";
+    QTest::newRow("output is a folder") << "in"
+                                        << "in"
+                                        << "%1/in is a folder";
+    QTest::newRow("output in the folder") << "in/o.kpc"
+                                          << "in"
+                                          << "the output lies in the folder that goes into it";
+    QTest::newRow("output deep in the folder") << "in/compile/deep/o.kpc"
+                                               << "in"
+                                               << "the output lies in the folder that goes into it";
+    QTest::newRow("no folder for the output") << "none/o.kpc"
+                                              << "in"
+                                              << "cannot write %1/none/o.kpc";
+}
+
+void TestMkpackage::refused()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, folder);
+    QFETCH(QString, error);
+    const QByteArray before = shellBytes(QString("find '%1'").arg(m_folder->path()));
+    const Run run = make(output, folder);
+    QCOMPARE(run.status, 1);
+    error.replace("%1", m_folder->path());
+    QCOMPARE(run.errors, "talmero-mkpackage: " + error.toUtf8() + '\n');
+    QCOMPARE(shellBytes(QString("find '%1'").arg(m_folder->path())), before);
+}
+
+void TestMkpackage::refusalKeepsTheOldFile()
+{
+    writeFile(path("old.kpc").toUtf8(), "old");
+    QCOMPARE(make("old.kpc", "none").status, 1);
+    QCOMPARE(mkpackage({"make", "--kind", "application", "--version", "12", "--target",
+                        "1234567890123456", "--output", path("old.kpc"), path("in")})
+                 .status,
+             2);
+    QCOMPARE(readFile(path("old.kpc").toUtf8()), QByteArray("old"));
+    QCOMPARE(make("old.kpc", "in").status, 0);
+    QVERIFY(readFile(path("old.kpc").toUtf8()) != "old");
+}
+
+void TestMkpackage::toolsMissingOrFailing()
+{
+    writeFile(path("old.kpc").toUtf8(), "old");
+    const QByteArray searchPath = qgetenv("PATH");
+    qputenv("PATH", "/no/such/folder");
+    const Run missing = make("old.kpc", "in");
+    qputenv("PATH", searchPath);
+    QCOMPARE(missing.status, 1);
+    QCOMPARE(missing.errors, QByteArray("talmero-mkpackage: tar cannot be run\n"));
+
+    const FakeTools tools({"tar"});
+    for (const char *body : {"echo part; echo it fails >&2; exit 2", "echo part; kill -9 $$",
+                             "exit 3", "echo >&2; exit 1"}) {
+        tools.setBody("tar", body);
+        const Run run = make("old.kpc", "in");
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.errors.count('\n'), 1);
+    }
+    QCOMPARE(readFile(path("old.kpc").toUtf8()), QByteArray("old"));
+    QCOMPARE(files(), QStringList{"old.kpc"});
+}
+
+void TestMkpackage::fullDisk()
+{
+    shellBytes(QString("cd '%1'; head -c 300000 /dev/urandom >in/large; mkdir small")
+                   .arg(m_folder->path()));
+    const QByteArray small = path("small").toUtf8();
+    QCOMPARE(mount("test", small.constData(), "tmpfs", 0, "size=64k"), 0);
+    const Run run = make("small/line.kpc", "in");
+    const QByteArray left = shellBytes(QString("ls -A '%1'").arg(path("small")));
+    QCOMPARE(umount(small.constData()), 0);
+    QCOMPARE(run.status, 1);
+    QCOMPARE(run.errors.count('\n'), 1);
+    QCOMPARE(left, QByteArray());
+}
+
+void TestMkpackage::unreadableFileInTheFolder()
+{
+    shellBytes(QString("cd '%1'; chmod 0 in/a; chmod 777 .").arg(m_folder->path()));
+    QProcess process;
+    process.start("setpriv",
+                  {"--reuid=65534", "--clear-groups", MKPACKAGE, "make", "--kind", "bios",
+                   "--version", "1", "--output", path("o.mo"), path("in")});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 1);
+    QVERIFY(process.readAllStandardError().contains("a: Cannot open: Permission denied"));
+    QCOMPARE(files(), QStringList());
+}
+
+void TestMkpackage::endedInTheMiddle_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("Ctrl-C") << SIGINT;
+    QTest::newRow("polite") << SIGTERM;
+    QTest::newRow("closed terminal") << SIGHUP;
+    QTest::newRow("killed") << SIGKILL;
+}
+
+void TestMkpackage::endedInTheMiddle()
+{
+    QFETCH(int, signal);
+    const FakeTools tools({"tar"});
+    tools.setBody("tar", "echo part; : >'" + path("started") + "'; exec sleep 5");
+    writeFile(path("line.kpc").toUtf8(), "old");
+    QProcess process;
+    process.start(MKPACKAGE,
+                  {"make", "--kind", "application", "--version", "12", "--target", "K", "--output",
+                   path("line.kpc"), path("in")});
+    QTRY_VERIFY(fileExists(path("started")));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(kill(pid_t(process.processId()), signal), 0);
+    QVERIFY(process.waitForFinished());
+    QVERIFY(timer.elapsed() < 2000);
+    QVERIFY(process.exitStatus() == QProcess::CrashExit || process.exitCode() == 1);
+    QCOMPARE(readFile(path("line.kpc").toUtf8()), QByteArray("old"));
+    QCOMPARE(files(), (QStringList{"line.kpc", "started"}));
+}
+
+void TestMkpackage::infoOfAWholePackage()
+{
+    QCOMPARE(make("line.kpc", "in").status, 0);
+    const Run run = mkpackage({"info", path("line.kpc")});
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(lineOf(run.output, "kind:"), QByteArray("0 (application)"));
+    QCOMPARE(lineOf(run.output, "version:"), QByteArray("12"));
+    QCOMPARE(lineOf(run.output, "target:"), QByteArray("RV-K21T"));
+    const qint64 size = readFile(path("line.kpc").toUtf8()).size() - packageHeaderSize;
+    QCOMPARE(lineOf(run.output, "payload:"), QByteArray::number(size) + " bytes, 10240 unpacked");
+    QCOMPARE(lineOf(run.output, "gzip:"), QByteArray("whole"));
+    QCOMPARE(lineOf(run.output, "tar:"), QByteArray("whole"));
+    QVERIFY(run.output.contains(" compile/deep/d\n"));
+    QVERIFY(run.output.contains(" link -> a\n"));
+    QVERIFY(run.output.contains(" .hidden\n"));
+    QVERIFY(!run.output.contains(" ./\n"));
+}
+
+void TestMkpackage::infoOfDamage_data()
+{
+    QTest::addColumn<QByteArray>("package");
+    QTest::addColumn<QByteArray>("gzip");
+    QTest::addColumn<QByteArray>("tar");
+    const QByteArray header = formatPackageHeader({PackageKind::BiosImage, 1, ""});
+    const QByteArray archive = largeArchive();
+    const QByteArray whole = header + archive;
+    const QByteArray no = "no such line";
+    QTest::newRow("nothing") << QByteArray() << no << no;
+    QTest::newRow("35 bytes") << header.left(35) << no << no;
+    QTest::newRow("header alone") << header << QByteArray("damaged") << QByteArray("damaged");
+    QTest::newRow("one byte missing")
+        << whole.chopped(1) << QByteArray("damaged") << QByteArray("damaged");
+    QTest::newRow("half") << whole.left(whole.size() / 2) << QByteArray("damaged")
+                          << QByteArray("damaged");
+    QByteArray flipped = whole;
+    flipped[whole.size() / 2] = char(flipped.at(whole.size() / 2) ^ 4);
+    QTest::newRow("flipped bit") << flipped << QByteArray("damaged") << QByteArray("damaged");
+    QTest::newRow("bytes behind it")
+        << whole + "more" << QByteArray("damaged") << QByteArray("damaged");
+    QTest::newRow("gzip of no tar") << header + shellBytes("head -c 99999 /dev/urandom | gzip")
+                                    << QByteArray("whole") << QByteArray("damaged");
+    QTest::newRow("tar without its end")
+        << header + shellBytes("tar -c -C / etc/passwd | head -c -9216 | gzip")
+        << QByteArray("whole") << QByteArray("damaged");
+    QTest::newRow("tar without gzip") << header + shellBytes("tar -c -C / etc/passwd")
+                                      << QByteArray("damaged") << QByteArray("damaged");
+    QTest::newRow("unknown kind") << formatPackageHeader({PackageKind(2), 1, ""}) + archive
+                                  << QByteArray("whole") << QByteArray("whole");
+}
+
+void TestMkpackage::infoOfDamage()
+{
+    QFETCH(QByteArray, package);
+    writeFile(path("package").toUtf8(), package);
+    const Run run = mkpackage({"info", path("package")});
+    QCOMPARE(run.status, 1);
+    QTEST(lineOf(run.output, "gzip:"), "gzip");
+    QTEST(lineOf(run.output, "tar:"), "tar");
+}
+
+void TestMkpackage::infoOfUnreadableFiles()
+{
+    for (const char *name : {"missing", "in", "in/link/x"}) {
+        const Run run = mkpackage({"info", path(name)});
+        QCOMPARE(run.status, 2);
+        QCOMPARE(run.errors, "talmero-mkpackage: cannot read " + path(name).toUtf8() + '\n');
+        QCOMPARE(run.output, QByteArray());
+    }
+}
+
+void TestMkpackage::infoIsSafeForATerminal()
+{
+    shellBytes(QString("cd '%1'; mkdir bad; cd bad; touch \"$(printf 'a\\033[2Jb\\nc\\303\\274')\"")
+                   .arg(m_folder->path()));
+    QCOMPARE(make("bad.kpc", "bad").status, 0);
+    QByteArray package = readFile(path("bad.kpc").toUtf8());
+    package.replace(20, 4, "\x1b]0;");
+    writeFile(path("bad.kpc").toUtf8(), package);
+    const Run run = mkpackage({"info", path("bad.kpc")});
+    QCOMPARE(run.status, 0);
+    for (const char c : run.output) {
+        QVERIFY(c == '\n' || (c >= ' ' && c <= '~'));
+    }
+    QCOMPARE(lineOf(run.output, "target:"), QByteArray("\\x1b]0;21T"));
+}
+
+void TestMkpackage::helpAndVersion()
+{
+    const Run help = mkpackage({"--help"});
+    QCOMPARE(help.status, 0);
+    QVERIFY(help.output.startsWith("Usage: talmero-mkpackage make "));
+    const Run version = mkpackage({"--version"});
+    QCOMPARE(version.status, 0);
+    QVERIFY(version.output.startsWith("talmero-mkpackage 1"));
+    const Run nothing = mkpackage({});
+    QCOMPARE(nothing.status, 2);
+    QCOMPARE(nothing.output, QByteArray());
+    QCOMPARE(nothing.errors,
+             QByteArray("talmero-mkpackage: there is nothing to do; see "
+                        "talmero-mkpackage --help\n"));
+}
+
+/// The example of the document is what the tool makes.
+void TestMkpackage::documentedExample()
+{
+    shellBytes(QString("cd '%1'; mkdir -p project/compile; printf 'hello\\n' >project/compile/main;"
+                       "chmod 755 project/compile; chmod 644 project/compile/main")
+                   .arg(m_folder->path()));
+    QCOMPARE(make("line1.kpc", "project").status, 0);
+    const QByteArray dump
+        = shellBytes(QString("od -A x -t x1z -v '%1'").arg(path("line1.kpc"))).trimmed();
+    const QByteArray document = readFile(PANEL_SOURCE "/docs/package-format.md");
+    QByteArray indented = "    " + dump;
+    indented.replace("\n", "\n    ");
+    QVERIFY2(document.contains(indented), indented.constData());
+    const QByteArray info = mkpackage({"info", path("line1.kpc")}).output.trimmed();
+    indented = "    " + info;
+    indented.replace("\n", "\n    ");
+    QVERIFY2(document.contains(indented), indented.constData());
+}
+
+QTEST_GUILESS_MAIN(TestMkpackage)
+#include "tst_mkpackage.moc"

@@ -1,0 +1,35 @@
+#include "failinglistings.h"
+
+#include <cerrno>
+
+#include <dirent.h>
+#include <dlfcn.h>
+
+namespace {
+constexpr int unlimited = -1;
+int entriesLeft = unlimited;
+} // namespace
+
+FailingListings::FailingListings(int entries)
+{
+    entriesLeft = entries;
+}
+
+FailingListings::~FailingListings()
+{
+    entriesLeft = unlimited;
+}
+
+// Called in place of the C library's.
+extern "C" dirent *readdir(DIR *folder)
+{
+    if (entriesLeft == 0) {
+        errno = EIO;
+        return nullptr;
+    }
+    if (entriesLeft > 0) {
+        --entriesLeft;
+    }
+    static const auto next = reinterpret_cast<dirent *(*)(DIR *)>(dlsym(RTLD_NEXT, "readdir"));
+    return next(folder);
+}

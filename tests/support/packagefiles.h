@@ -1,0 +1,53 @@
+#pragma once
+
+#include "packages/packageheader.h"
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+// Package files, and what installing them changes on the panel.
+
+/// A package is written here.
+inline constexpr char packagePath[] = "/media/usb0/package";
+
+/// A gzip-compressed tar archive of what the shell text @p script makes in an empty folder.
+QByteArray archiveOf(const QString &script);
+
+/// An archive with "compile/new", "both" and an executable "bin/run".
+const QByteArray &smallArchive();
+
+/// An archive with a "bios.version" of 4 and a "program".
+const QByteArray &biosArchive();
+
+/// An archive with "a", "b" and "c" that takes 300,000 bytes, packed and unpacked.
+const QByteArray &largeArchive();
+
+/// The files in a package: names, with folders, and contents.
+using PackageMembers = QMap<QByteArray, QByteArray>;
+
+/// A package file: its header, then @p archive.
+QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target,
+                        const QByteArray &archive);
+
+/// A whole package file: the header, and behind it what the system's tar makes of @p members.
+QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target,
+                        const PackageMembers &members);
+
+/// Makes such a package at @p path, and the folders that it lies in.
+void writePackage(const QByteArray &path, PackageKind kind, quint32 version, const QString &target,
+                  const PackageMembers &members = {});
+
+bool fileExists(const QString &path);
+
+/// Puts a panel with an application in place, of the model RV-K21T, the OEM TALMERO, the runtime
+/// version 12 and the BIOS version 3. Files that must not be touched are in "/outside".
+void resetInstalledFiles();
+
+/// Everything that an installation may touch, and what it must not touch: one line per entry and
+/// one per content.
+QString installedState();
+
+/// The temporary files that the test program has left behind.
+QStringList temporaryFiles();

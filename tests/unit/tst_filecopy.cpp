@@ -1,0 +1,216 @@
+#include "system/filecopy.h"
+
+#include "faultfiles.h"
+#include "panelguard.h"
+#include "system/textcodec.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+namespace {
+constexpr qint64 wholeSize = 1000003; // bytes, no multiple of any buffer
+
+QByteArray someBytes(qint64 size)
+{
+    QByteArray bytes(size, '\0');
+    for (qint64 at = 0; at < size; ++at) {
+        bytes[at] = char(at * 7 / 3);
+    }
+    return bytes;
+}
+
+void write(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("cannot write %s", qPrintable(path));
+    }
+}
+
+QByteArray read(const QString &path)
+{
+    QFile file;
+    return openPlainFile(file, path) ? file.readAll() : QByteArray("not read");
+}
+
+QStringList entries(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System
+                                  | QDir::NoDotAndDotDot);
+}
+} // namespace
+
+class TestFileCopy : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void opensPlainFilesOnly();
+    void unreadable_data() { addUnreadablePathRows(); }
+    void unreadable();
+    void copiesTheRest();
+    void failingReadIsTheEnd();
+    void fullDiskIsTold();
+    void copiesToANewFile();
+    void copiesNamesThatAreNoText();
+    void replacesNothing();
+    void noFolderToCopyTo();
+    void fullDiskLeavesNothing();
+    void unreadableSourceLeavesNothing();
+
+private:
+    QString path(const QString &name) const { return m_folder.filePath(name); }
+
+    QTemporaryDir m_folder;
+};
+
+void TestFileCopy::initTestCase()
+{
+    requirePanel();
+}
+
+void TestFileCopy::opensPlainFilesOnly()
+{
+    write(path("plain"), "text");
+    QCOMPARE(mkfifo(path("pipe").toUtf8(), 0600), 0);
+    QVERIFY(QFile::link(path("plain"), path("link")));
+    QVERIFY(QFile::link(path("nowhere"), path("dangling")));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(read(path("plain")), QByteArray("text"));
+    QCOMPARE(read(path("link")), QByteArray("text"));
+    for (const char *name : {"pipe", "dangling", "missing", "."}) {
+        QCOMPARE(read(path(name)), QByteArray("not read"));
+    }
+    QCOMPARE(read("/dev/zero"), QByteArray("not read"));
+    QCOMPARE(read(""), QByteArray("not read"));
+    QVERIFY(timer.elapsed() < 1000);
+}
+
+void TestFileCopy::unreadable()
+{
+    QFETCH(QString, kind);
+    const FaultFile fault(kind);
+    QFile file;
+    QVERIFY(!openPlainFile(file, fault.path()));
+    QVERIFY(!file.isOpen());
+}
+
+void TestFileCopy::copiesTheRest()
+{
+    const QByteArray content = someBytes(wholeSize);
+    write(path("from"), content);
+    QFile from;
+    QVERIFY(openPlainFile(from, path("from")));
+    QCOMPARE(from.read(36).size(), 36);
+    QFile to(path("to"));
+    QVERIFY(to.open(QIODevice::WriteOnly));
+    QVERIFY(copyRest(from, to));
+    to.close();
+    QCOMPARE(read(path("to")), content.mid(36));
+}
+
+void TestFileCopy::failingReadIsTheEnd()
+{
+    QFile from; // stays closed: every read fails
+    QFile to(path("empty"));
+    QVERIFY(to.open(QIODevice::WriteOnly));
+    QTest::ignoreMessage(QtWarningMsg, "QIODevice::read (QFile, \"\"): device not open");
+    QVERIFY(copyRest(from, to));
+    to.close();
+    QCOMPARE(read(path("empty")), QByteArray());
+}
+
+void TestFileCopy::fullDiskIsTold()
+{
+    write(path("from"), someBytes(100)); // less than any buffer
+    QFile from;
+    QVERIFY(openPlainFile(from, path("from")));
+    QFile to("/dev/full");
+    QVERIFY(to.open(QIODevice::WriteOnly));
+    QVERIFY(!copyRest(from, to));
+}
+
+void TestFileCopy::copiesToANewFile()
+{
+    const QByteArray content = someBytes(wholeSize);
+    write(path("a font.ttf"), content);
+    QVERIFY(QFile::setPermissions(path("a font.ttf"),
+                                  QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    QVERIFY(QDir(path("")).mkdir("new"));
+    QVERIFY(copyToNewFile(path("a font.ttf"), path("new/a font.ttf")));
+    QCOMPARE(read(path("new/a font.ttf")), content);
+    struct stat status;
+    QCOMPARE(stat(path("new/a font.ttf").toUtf8(), &status), 0);
+    QCOMPARE(status.st_mode & 07777, mode_t(0444));
+    QCOMPARE(entries(path("new")), QStringList{"a font.ttf"});
+}
+
+void TestFileCopy::copiesNamesThatAreNoText()
+{
+    const QByteArray bytes = path("").toUtf8() + "Sch\xF6n\n\"'.ttf";
+    const int descriptor = open(bytes.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    QVERIFY(descriptor >= 0);
+    QCOMPARE(::write(descriptor, "font", 4), 4);
+    ::close(descriptor);
+    const QString name = textFromBytes(bytes);
+    QVERIFY(copyToNewFile(name, name + textFromBytes("\xFF")));
+    struct stat status;
+    QCOMPARE(stat((bytes + '\xFF').constData(), &status), 0);
+    QCOMPARE(status.st_size, off_t(4));
+}
+
+void TestFileCopy::replacesNothing()
+{
+    write(path("new font"), "new");
+    QVERIFY(QDir(path("")).mkdir("kept"));
+    write(path("kept/file"), "old");
+    QVERIFY(QFile::link("nowhere", path("kept/dangling")));
+    QVERIFY(QDir(path("kept")).mkdir("folder"));
+    const QStringList before = entries(path("kept"));
+    for (const char *name : {"kept/file", "kept/dangling", "kept/folder"}) {
+        QVERIFY(!copyToNewFile(path("new font"), path(name)));
+    }
+    QCOMPARE(read(path("kept/file")), QByteArray("old"));
+    QCOMPARE(entries(path("kept")), before);
+}
+
+void TestFileCopy::noFolderToCopyTo()
+{
+    write(path("font"), "font");
+    QVERIFY(!copyToNewFile(path("font"), path("missing/font")));
+    QVERIFY(!QFile::exists(path("missing")));
+}
+
+void TestFileCopy::fullDiskLeavesNothing()
+{
+    write(path("large"), someBytes(wholeSize));
+    QVERIFY(QDir(path("")).mkdir("full"));
+    const QByteArray folder = path("full").toUtf8();
+    QCOMPARE(mount("test", folder.constData(), "tmpfs", 0, "size=64k"), 0);
+    const bool copied = copyToNewFile(path("large"), path("full/large"));
+    const QStringList left = entries(path("full"));
+    write(path("full/marker"), "writable again"); // the room was given back
+    QCOMPARE(umount(folder.constData()), 0);
+    QVERIFY(!copied);
+    QCOMPARE(left, QStringList());
+}
+
+void TestFileCopy::unreadableSourceLeavesNothing()
+{
+    QVERIFY(QDir(path("")).mkdir("target"));
+    for (const char *source : {"/proc/self/mem", "/missing", "/dev", "/dev/zero"}) {
+        QVERIFY(!copyToNewFile(source, path("target/file")));
+    }
+    QCOMPARE(entries(path("target")), QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestFileCopy)
+#include "tst_filecopy.moc"

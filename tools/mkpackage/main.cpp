@@ -1,0 +1,126 @@
+// Makes and inspects the package files that the panel installs from a stick.
+
+#include "makepackage.h"
+#include "options.h"
+#include "packageinfo.h"
+#include "system/textcodec.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <csignal>
+#include <cstdio>
+
+namespace {
+constexpr char usage[] =
+    R"(Usage: talmero-mkpackage make --kind KIND --version N --target TEXT --output FILE FOLDER
+       talmero-mkpackage info FILE
+       talmero-mkpackage --help | --version
+
+Makes and inspects packages for the panel's USB stick.
+
+make   Packs what is in FOLDER. The same contents give the same bytes.
+  --kind KIND      application (.kpc), firmware (.fmw) or bios (.mo, add-ons .pkg)
+  --version N      0 to 4294967295. An application: the version of the runtime
+                   that it is for. Firmware, bios: its own version.
+  --target TEXT    At most 15 ASCII characters. An application: the panel model.
+                   Firmware: the OEM name. bios: not used, may be left out.
+  --output FILE    The package. Appears whole or not at all.
+
+info   Shows the header and the contents of a package, and whether it is whole.
+
+SOURCE_DATE_EPOCH is the time that the packed files get, in seconds since 1970;
+2000-01-01 if it is not set.
+
+Exit status: 0 done; 1 not made, or damaged; 2 wrong usage, or not readable.
+)";
+constexpr char version[] = "talmero-mkpackage " PANEL_VERSION "\n";
+
+volatile std::sig_atomic_t caughtSignal = 0;
+
+extern "C" void catchSignal(int signal)
+{
+    caughtSignal = signal;
+}
+
+bool shallStop()
+{
+    return caughtSignal != 0;
+}
+
+void say(std::FILE *stream, const QString &text)
+{
+    std::fprintf(stream, "talmero-mkpackage: %s\n", printable(text).constData());
+}
+
+/// What would change the archive, or what the tools print.
+void shieldTools()
+{
+    qunsetenv("TAR_OPTIONS");
+    qunsetenv("GZIP");
+    qputenv("LC_ALL", "C");
+    qputenv("TZ", "UTC");
+}
+
+int make(const Options &options)
+{
+    const auto time = fileTime(qgetenv("SOURCE_DATE_EPOCH"));
+    if (!time) {
+        say(stderr, "SOURCE_DATE_EPOCH must be a number of seconds");
+        return WrongUsage;
+    }
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        std::signal(signal, catchSignal);
+    }
+    const QString error = makePackage(options, *time, shallStop);
+    if (!error.isEmpty()) {
+        say(stderr, error);
+        return Failed;
+    }
+    for (const QString &warning : warningsFor(options.header, options.output)) {
+        say(stderr, "note: " + warning);
+    }
+    return Done;
+}
+
+int info(const Options &options)
+{
+    QFile out;
+    QFile errors;
+    const bool open
+        = out.open(stdout, QIODevice::WriteOnly) && errors.open(stderr, QIODevice::WriteOnly);
+    return open ? showPackage(options.file, out, errors) : int(Failed);
+}
+
+int run(const Options &options)
+{
+    if (!options.error.isEmpty()) {
+        say(stderr, options.error + "; see talmero-mkpackage --help");
+        return WrongUsage;
+    }
+    switch (options.task) {
+    case Options::Task::Make:
+        return make(options);
+    case Options::Task::Info:
+        return info(options);
+    case Options::Task::Version:
+        std::fputs(version, stdout);
+        return Done;
+    case Options::Task::Help:
+        break;
+    }
+    std::fputs(usage, stdout);
+    return Done;
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QStringList arguments; // not those of the application, which change bytes that are no text
+    for (int index = 1; index < argc; ++index) {
+        arguments += textFromBytes(argv[index]);
+    }
+    shieldTools();
+    return run(parseOptions(arguments));
+}

@@ -1,0 +1,206 @@
+#include "options.h"
+
+#include "system/textcodec.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+constexpr qint64 defaultFileTime = 946684800; // 2000-01-01 00:00:00 UTC
+constexpr QLatin1String targetOption("target");
+constexpr QLatin1String makeOptions[]
+    = {QLatin1String("kind"), QLatin1String("version"), targetOption, QLatin1String("output")};
+
+struct Kind
+{
+    PackageKind kind;
+    const char *name;
+    const char *target; ///< what its target names; null if it is not used
+    QStringList extensions;
+};
+
+const Kind *findKind(PackageKind kind)
+{
+    // clang-format off
+    static const Kind kinds[] = {
+        {PackageKind::Application, "application", "panel model", {".kpc"}},
+        {PackageKind::Firmware,    "firmware",    "OEM name",    {".fmw"}},
+        {PackageKind::BiosImage,   "bios",        nullptr,       {".mo", ".pkg"}},
+    };
+    // clang-format on
+    const auto *found = std::find_if(std::begin(kinds), std::end(kinds),
+                                     [kind](const Kind &known) { return known.kind == kind; });
+    return found != std::end(kinds) ? found : nullptr;
+}
+
+std::optional<PackageKind> kindFromName(const QString &name)
+{
+    for (const auto kind :
+         {PackageKind::Application, PackageKind::Firmware, PackageKind::BiosImage}) {
+        if (kindName(kind) == name) {
+            return kind;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<qint64> parseNumber(const QString &text)
+{
+    const bool digits
+        = std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+    bool fits = false;
+    const qint64 number = text.toLongLong(&fits);
+    return digits && fits ? std::optional(number) : std::nullopt;
+}
+
+bool isPrintableAscii(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u' ' && c <= u'~'; });
+}
+
+QString targetError(const Kind &kind, const QString &target)
+{
+    if (target.isEmpty() && kind.target != nullptr) {
+        return QString("--target must be the %1 that the package is for")
+            .arg(QLatin1String(kind.target));
+    }
+    if (!isPrintableAscii(target)) {
+        return "--target must be printable ASCII";
+    }
+    if (target.size() >= packageTargetSize) {
+        return QString("--target has %1 characters, and there is room for %2")
+            .arg(target.size())
+            .arg(packageTargetSize - 1);
+    }
+    return {};
+}
+
+/// Reads the header that @p parser asks for. Result: what is wrong; empty if nothing is.
+QString readHeader(const QCommandLineParser &parser, PackageHeader &header)
+{
+    const auto kind = kindFromName(parser.value("kind"));
+    if (!kind) {
+        return "--kind must be application, firmware or bios";
+    }
+    const auto version = parseNumber(parser.value("version"));
+    if (!version || *version > std::numeric_limits<quint32>::max()) {
+        return "--version must be a number from 0 to 4294967295";
+    }
+    if (*kind == PackageKind::BiosImage && *version == 0) {
+        return "a panel installs no bios of version 0";
+    }
+    header = {*kind, quint32(*version), parser.value(targetOption)};
+    return targetError(*findKind(*kind), header.target);
+}
+
+QString readMakeOptions(const QCommandLineParser &parser, Options &options)
+{
+    for (const QLatin1String name : makeOptions) {
+        const qsizetype count = parser.values(name).size();
+        if (count > 1) {
+            return QString("--%1 is given twice").arg(name);
+        }
+        if (count == 0 && name != targetOption) {
+            return QString("--%1 is missing").arg(name);
+        }
+    }
+    QString wrong = readHeader(parser, options.header);
+    if (!wrong.isEmpty()) {
+        return wrong;
+    }
+    options.output = parser.value("output");
+    options.folder = parser.positionalArguments().value(0);
+    if (options.output.isEmpty()) {
+        return "--output is empty";
+    }
+    return parser.positionalArguments().size() == 1 && !options.folder.isEmpty()
+        ? QString()
+        : QString("make takes one folder");
+}
+
+Options parseMake(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    for (const QLatin1String name : makeOptions) {
+        parser.addOption(QCommandLineOption(QString(name), QString(), "value"));
+    }
+    Options options;
+    options.task = Options::Task::Make;
+    options.error = parser.parse(arguments) ? readMakeOptions(parser, options)
+                                            : parser.errorText().section('\n', 0, 0);
+    return options;
+}
+
+Options parseInfo(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    Options options;
+    options.task = Options::Task::Info;
+    if (!parser.parse(arguments)) {
+        options.error = parser.errorText().section('\n', 0, 0);
+    } else if (parser.positionalArguments().size() != 1) {
+        options.error = "info takes one file";
+    }
+    options.file = parser.positionalArguments().value(0);
+    return options;
+}
+
+Options withoutCommand(Options::Task task, const QString &error = {})
+{
+    Options options;
+    options.task = task;
+    options.error = error;
+    return options;
+}
+} // namespace
+
+Options parseOptions(const QStringList &arguments)
+{
+    const QString command = arguments.value(0);
+    if (arguments.contains("--help") || arguments.contains("-h")) {
+        return withoutCommand(Options::Task::Help);
+    }
+    if (command == QLatin1String("make")) {
+        return parseMake(arguments);
+    }
+    if (command == QLatin1String("info")) {
+        return parseInfo(arguments);
+    }
+    if (command == QLatin1String("--version") && arguments.size() == 1) {
+        return withoutCommand(Options::Task::Version);
+    }
+    return withoutCommand(Options::Task::Help,
+                          command.isEmpty() ? QString("there is nothing to do")
+                                            : QString("unknown command: %1").arg(command));
+}
+
+QStringList warningsFor(const PackageHeader &header, const QString &output)
+{
+    QStringList warnings;
+    const QStringList extensions = findKind(header.kind)->extensions;
+    const bool found
+        = std::any_of(extensions.begin(), extensions.end(),
+                      [&output](const QString &extension) { return output.endsWith(extension); });
+    if (!found) {
+        warnings += QString("a panel looks for packages of this kind by the extension %1")
+                        .arg(extensions.join(" or "));
+    }
+    if (header.kind == PackageKind::Firmware
+        && header.version > quint32(std::numeric_limits<qint32>::max())) {
+        warnings += QString("a panel shows this version as %1").arg(qint32(header.version));
+    }
+    return warnings;
+}
+
+QString kindName(PackageKind kind)
+{
+    const Kind *known = findKind(kind);
+    return known != nullptr ? QString(QLatin1String(known->name)) : QString();
+}
+
+std::optional<qint64> fileTime(const QByteArray &value)
+{
+    return value.isEmpty() ? defaultFileTime : parseNumber(QString::fromLatin1(value));
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "packages/packageheader.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/// Exit status of the program.
+enum ExitStatus : int {
+    Done = 0,
+    Failed = 1,     ///< nothing was made, or the package is damaged
+    WrongUsage = 2, ///< the command line is wrong, or the file to look at cannot be read
+};
+
+/// What the command line asks for.
+struct Options
+{
+    enum class Task { Help, Version, Make, Info };
+
+    Task task = Task::Help;
+    PackageHeader header; ///< of the package to make
+    QString output;       ///< file to make
+    QString folder;       ///< its contents go into the package
+    QString file;         ///< package to look at
+    QString error;        ///< why the command line cannot be followed; empty if it can
+};
+
+/// Reads the command line @p arguments, the program's name not among them. Whatever a panel would
+/// misread is an error: a target that is not ASCII or too long for its field, a version that is
+/// no unsigned 32-bit number.
+Options parseOptions(const QStringList &arguments);
+
+/// What a panel would make of a package that its maker may not expect, one line each: an
+/// extension by which no page finds a package of this kind, a version that is shown as a negative
+/// number.
+QStringList warningsFor(const PackageHeader &header, const QString &output);
+
+/// The name of a kind as the command line has it; empty for an unknown kind.
+QString kindName(PackageKind kind);
+
+/// The time that the files of a package get, in seconds since 1970: that of the environment
+/// variable SOURCE_DATE_EPOCH, whose text @p value is, or 2000-01-01 if it is not set.
+/// Result: nothing if it is no number.
+std::optional<qint64> fileTime(const QByteArray &value);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class QIODevice;
+
+/// The state of a package's archive.
+struct ArchiveState
+{
+    bool gzipWhole = false;  ///< with nothing behind it
+    bool tarWhole = false;   ///< with the two empty blocks at its end
+    qint64 unpackedSize = 0; ///< bytes of the tar archive, as far as it could be unpacked
+    QByteArray listing;      ///< what "tar -tv" prints
+};
+
+/// Writes what is in the package file at @p path to @p out, and what is wrong with it to
+/// @p errors. Result: an ExitStatus: Done if it is whole and of a known kind.
+int showPackage(const QString &path, QIODevice &out, QIODevice &errors);
+
+/// @p text in printable ASCII: other characters as the hexadecimal number of their bytes.
+QByteArray printable(const QString &text);
