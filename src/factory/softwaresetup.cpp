@@ -17,8 +17,9 @@
 namespace {
 constexpr QSize windowSize(800, 600); // px; the smallest panel
 constexpr int fontPointSize = 15;
-constexpr int margin = 4;            // px; a row of three long texts needs the rest
-constexpr int sideButtonHeight = 44; // px; a finger hits it
+constexpr int margin = 4;               // px; a row of three long texts needs the rest
+constexpr QSize sideButtonSize(84, 48); // px; a finger hits it, and the pages keep their width
+constexpr int rowButtonHeight = 34;     // px; all rows of the test page are in sight
 constexpr int testPage = 1;
 } // namespace
 
@@ -49,7 +50,7 @@ void SoftwareSetup::init()
     buttons->addButton(tr("Save"), QDialogButtonBox::AcceptRole);
     buttons->addButton(tr("Test"), QDialogButtonBox::ActionRole);
     for (QAbstractButton *button : buttons->buttons()) {
-        button->setMinimumHeight(sideButtonHeight);
+        button->setFixedSize(sideButtonSize);
     }
     connect(buttons, &QDialogButtonBox::accepted, this, &SoftwareSetup::slotAccept);
     connect(buttons, &QDialogButtonBox::rejected, this, &SoftwareSetup::slotReject);
@@ -81,8 +82,15 @@ QHBoxLayout *SoftwareSetup::addRow(QVBoxLayout *page, const QString &caption)
 QPushButton *SoftwareSetup::addButton(QHBoxLayout *row, const QString &text,
                                       void (SoftwareSetup::*slot)())
 {
-    auto *button = new QPushButton(text);
+    auto *button = createButton(text, slot);
     row->addWidget(button);
+    return button;
+}
+
+QPushButton *SoftwareSetup::createButton(const QString &text, void (SoftwareSetup::*slot)())
+{
+    auto *button = new QPushButton(text);
+    button->setFixedHeight(rowButtonHeight);
     connect(button, &QPushButton::clicked, this, slot);
     return button;
 }

@@ -65,6 +65,7 @@ private:
     void addBuzzerRows(QVBoxLayout *page);
     void addDisplayRows(QVBoxLayout *page);
     void addLinkRows(QVBoxLayout *page);
+    QPushButton *createButton(const QString &text, void (SoftwareSetup::*slot)());
     QPushButton *addButton(QHBoxLayout *row, const QString &text, void (SoftwareSetup::*slot)());
 
     void nameInterfaces();

@@ -98,9 +98,7 @@ void SoftwareSetup::addDisplayRows(QVBoxLayout *page)
     page->addWidget(new QLabel(tr("Color Test")));
     page->addWidget(gradient);
 
-    auto *pixelTest = new QPushButton(tr("Pixel Test"));
-    page->addWidget(pixelTest);
-    connect(pixelTest, &QPushButton::clicked, this, &SoftwareSetup::slotPixelTest);
+    page->addWidget(createButton(tr("Pixel Test"), &SoftwareSetup::slotPixelTest));
 }
 
 void SoftwareSetup::addLinkRows(QVBoxLayout *page)
