@@ -27,3 +27,21 @@ steps='
     simulator/panel-screenshot docs/pictures/miscellaneous.png
     kill $program'
 simulator/panel --display xorg --share docs/pictures -- bash -c "$steps"
+
+# Both pages of the factory window, without the calibration that comes before it.
+# shellcheck disable=SC2016 # the panel's shell expands it
+steps='
+    mkdir /tmp/tools
+    printf "#!/bin/sh\n" >/tmp/tools/xCal
+    chmod +x /tmp/tools/xCal
+    PATH=/tmp/tools:$PATH build/talmero-bios 2>/dev/null &
+    program=$!
+    sleep 5
+    simulator/panel-screenshot docs/pictures/factory-setup.png
+    simulator/finger send "tap 755 26"
+    sleep 0.5
+    simulator/finger send "tap 268 367"
+    sleep 1
+    simulator/panel-screenshot docs/pictures/factory-test.png
+    kill $program'
+simulator/panel --display xorg --factory --share docs/pictures -- bash -c "$steps"

@@ -5,9 +5,21 @@
 #include "system/paths.h"
 #include "system/process.h"
 #include "system/startup.h"
+#include "widgets/touchstyle.h"
 
 #include <QApplication>
 #include <QFile>
+
+namespace {
+QWidget *createWindow()
+{
+    if (!QFile::exists(Paths::factoryMarker)) {
+        return new BiosInterface; // sets the style itself
+    }
+    QApplication::setStyle(new TouchStyle);
+    return new SoftwareSetup;
+}
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -21,9 +33,7 @@ int main(int argc, char *argv[])
     runAndWait(startPauseCommand());
 
     // Never deleted: the process ends with it, and the runtime may be waiting on top of it.
-    static QWidget *const window = QFile::exists(Paths::factoryMarker)
-        ? static_cast<QWidget *>(new SoftwareSetup)
-        : new BiosInterface;
+    static QWidget *const window = createWindow();
     window->show();
     return QApplication::exec();
 }

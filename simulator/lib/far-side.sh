@@ -17,6 +17,10 @@ dhcp_pid_file() { # PORT
     echo "$far_folder/$1.pid"
 }
 
+echo_pid_file() { # PORT
+    echo "$far_folder/$1.echo.pid"
+}
+
 lease_file() { # PORT
     echo "$far_folder/$1.leases"
 }

@@ -14,7 +14,7 @@ fail() {
     exit "$panel_error"
 }
 
-for topic in rootfs far-side network files tools display screenshot command; do
+for topic in rootfs far-side network serial files tools display screenshot command; do
     # shellcheck source=/dev/null
     source "$simulator/lib/$topic.sh"
 done
@@ -28,10 +28,12 @@ make_root
 enter_root
 set_environment
 start_network
+start_serial
 install_files
 install_tools
 start_tracing
 start_display
 finish_network
+finish_serial
 run_command
 exit "$status"

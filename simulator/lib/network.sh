@@ -75,6 +75,7 @@ start_far_end() { # PORT
     start_server "$far_folder/$1.echo.log" nsenter --net="$(far_network "$1")" \
         busybox nc -ll -p "$echo_port" -e cat
     echo_peer=$server
+    echo "$echo_peer" >"$(echo_pid_file "$1")"
     compose_dhcp_server "$1"
     start_server "$far_folder/$1.start.log" "${dhcp_server[@]}"
     dhcp_start=$server
@@ -103,4 +104,6 @@ start_network() {
 
 finish_network() {
     wait "$network_setup" || exit "$panel_error"
+    # on the production line a unit has an address in the network of the echo peer
+    [[ $factory == no ]] || ip address add 192.168.0.10/24 dev eth0 || fail "cannot set an address"
 }

@@ -83,7 +83,7 @@ add_shares() {
     done
 }
 
-# Only what a program takes for granted: no disk, no serial port, no clock.
+# Only what a program takes for granted: no disk, no serial port of the machine, no clock.
 make_dev() {
     local nodes=(/dev/null /dev/zero /dev/full /dev/random /dev/urandom /dev/tty)
     [[ -c /dev/fuse ]] && nodes+=(/dev/fuse)

@@ -1,11 +1,91 @@
 #pragma once
 
+#include <QHash>
 #include <QWidget>
 
-/// The factory window. It has no contents yet.
+class QAbstractButton;
+class QComboBox;
+class QDateTimeEdit;
+class QHBoxLayout;
+class QLineEdit;
+class QPushButton;
+class QSerialPort;
+class QSpinBox;
+class QStackedWidget;
+class QTcpSocket;
+class QTextEdit;
+class QVBoxLayout;
+
+/// The factory window: its first page sets a unit up, its second one tests the unit's hardware.
+/// Every start of it begins with a touch calibration.
 class SoftwareSetup : public QWidget
 {
     Q_OBJECT
 public:
+    /// Runs the calibration tool to its end, then builds the window. The caller shows it.
     explicit SoftwareSetup(QWidget *parent = nullptr);
+    ~SoftwareSetup() override;
+
+public slots:
+    // The order is part of the interface: the meta-object numbers the slots by it.
+
+    /// "Save": stores the model, sets the clock and names the network interfaces.
+    void slotAccept();
+    /// "Close": ends the program.
+    void slotReject();
+    /// Any button of the window's right side; only "Test" is answered here.
+    void slotAction(QAbstractButton *button);
+    /// Shows the test page; no way leads back.
+    void slotTest();
+    /// The buzzer's standard tone, until it ends.
+    void slotBuzzerTest();
+    /// A tone as the spin boxes say.
+    void slotBuzzerTest2();
+    /// A tone as the tapped button's own text says.
+    void slotBuzzerTest3();
+    /// Sets the backlight; the light rises with the index although the shown percentage falls.
+    void slotBrightnessTest(int index);
+    /// Opens the serial port of the tapped button and sends the payload.
+    void slotCOM232Test();
+    /// Collects what the serial port echoes and gives the verdict.
+    void slotCOMEcho();
+    /// Connects to the echo peer and sends the payload for the tapped button.
+    void slotEtherTest();
+    /// Collects what the peer echoes and gives the verdict.
+    void slotEtherEcho();
+    /// Shows the colours of the pixel test.
+    void slotPixelTest();
+
+private:
+    void init();
+    QVBoxLayout *addPage();
+    QHBoxLayout *addRow(QVBoxLayout *page, const QString &caption);
+    void initSetupPage();
+    void initTestPage();
+    void addBuzzerRows(QVBoxLayout *page);
+    void addDisplayRows(QVBoxLayout *page);
+    void addLinkRows(QVBoxLayout *page);
+    QPushButton *addButton(QHBoxLayout *row, const QString &text, void (SoftwareSetup::*slot)());
+
+    void nameInterfaces();
+
+    int tappedLink(const char *property) const;
+    void openSerialPort(const QString &device);
+    void closeWhenUnplugged(QSerialPort *port);
+    qint64 sendSerialPayload();
+    void giveSerialVerdict();
+
+    QStackedWidget *m_pages = nullptr;
+    QComboBox *m_model = nullptr;
+    QComboBox *m_type = nullptr;
+    QDateTimeEdit *m_time = nullptr;
+    QSpinBox *m_frequency = nullptr;
+    QSpinBox *m_duration = nullptr;
+    QTextEdit *m_resultView = nullptr;
+    QLineEdit *m_peerAddressEdit = nullptr;
+    QString m_testCharacters;
+    QString m_expectedEcho;
+    QTcpSocket *m_tcpSocket = nullptr;     ///< of the running test; nothing after its verdict
+    QSerialPort *m_serialPort = nullptr;   ///< of the running test; nothing after its verdict
+    QHash<QString, QSerialPort *> m_ports; ///< by name; those without a verdict so far
 };

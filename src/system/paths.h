@@ -17,6 +17,13 @@ inline constexpr char biosFolder[] = "/opt/talmero/bios";
 /// ifupdown's file, written whole by the Ethernet page.
 inline constexpr char interfacesFile[] = "/etc/network/interfaces";
 
+/// udev's rules that pin the names of the network interfaces, written whole by the factory window.
+inline constexpr char namingRulesFile[] = "/etc/udev/rules.d/70-persistent-net.rules";
+
+/// Starts the session's programs; under its other name it starts none.
+inline constexpr char sessionScript[] = "/root/.xinitrc";
+inline constexpr char sessionScriptAside[] = "/root/xinitrc";
+
 /// Its existence opens the factory window; what is in it does not matter.
 inline constexpr char factoryMarker[] = "/media/usb0/talmero_setup";
 

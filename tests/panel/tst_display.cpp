@@ -22,33 +22,8 @@ constexpr QPoint yearSection(460, 478);
 constexpr QRect secondsArea(550, 465, 40, 26);
 constexpr QPoint downButton(714, 478);
 constexpr QPoint upButton(758, 478);
-constexpr int rowHeight = 44;
 constexpr int screenSavingRows = 6;
 constexpr int brightnessRows = 11;
-
-/// Where the list with so many rows is on the screen; nothing if it is not shown.
-QRect listPlace(int rows)
-{
-    const int height = rows * rowHeight + 2; // with its frame
-    const QRegularExpression line(
-        QString("(0x[0-9a-f]+) .* [0-9]+x%1\\+[-0-9]+\\+[-0-9]+ +\\+([0-9]+)\\+([0-9]+)")
-            .arg(height));
-    const auto match = line.match(toolOutput({"xwininfo", "-root", "-tree"}));
-    if (!match.hasMatch()
-        || !toolOutput({"xwininfo", "-id", match.captured(1)}).contains("IsViewable")) {
-        return {};
-    }
-    return {match.captured(2).toInt(), match.captured(3).toInt(), 100, height};
-}
-
-/// Opens the list of the combo box at @p box and taps a row of it.
-void chooseRow(QPoint box, int rows, int row)
-{
-    tapScreen(box);
-    QTRY_VERIFY(!listPlace(rows).isNull());
-    tapScreen(listPlace(rows).topLeft() + QPoint(50, 1 + row * rowHeight + rowHeight / 2));
-    QTRY_VERIFY(listPlace(rows).isNull());
-}
 
 std::unique_ptr<PanelProgram> startAtMiscPage()
 {

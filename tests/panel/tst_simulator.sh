@@ -231,6 +231,43 @@ peer_echoes_on_either_port() {
 }
 
 # shellcheck disable=SC2016
+peer_is_exchanged() {
+    in_network '
+        ifconfig eth0 192.168.0.9
+        "$network" peer eth0 refusing
+        ! (exec 3<>/dev/tcp/192.168.0.30/33) 2>/dev/null
+        "$network" peer eth0 extra
+        exec 3<>/dev/tcp/192.168.0.30/33
+        printf text >&3
+        read -r -N 5 -t 2 answer <&3
+        [ "$answer" = "text#" ]'
+}
+
+# shellcheck disable=SC2016
+serial_ports_echo() {
+    panel -- bash -ec '
+        for port in 0 1 2; do
+            exec 3<>"/dev/ttyS$port"
+            printf hello >&3
+            read -r -N 5 -t 2 answer <&3
+            [ "$answer" = hello ]
+            exec 3>&-
+        done'
+}
+
+# shellcheck disable=SC2016
+plugs_are_exchanged() {
+    panel -- bash -ec '
+        "$1/simulator/serial" whole none extra
+        [ ! -e /dev/ttyS1 ]
+        exec 3<>/dev/ttyS2
+        printf hello >&3
+        read -r -N 6 -t 2 answer <&3
+        [ "$answer" = "hello#" ]
+        ! "$1/simulator/serial" whole 2>/dev/null' sh "$root"
+}
+
+# shellcheck disable=SC2016
 interfaces_are_read() {
     in_network '
         [ "$(ifquery --list)" = lo ]
@@ -273,13 +310,16 @@ check "shares a folder" share_reaches_the_host
 check "keeps panels apart" panels_do_not_meet
 check "keeps the clock out of reach" clock_is_out_of_reach
 check "stands in for the clock tools" clock_tools_are_stand_ins
-check "has no real serial port" panel -- test ! -e /dev/ttyS0
+check "has no serial port of the machine" says '^/dev/pts/' panel -- readlink /dev/ttyS0
 check "prints ifconfig's classic format" says 'Link encap:Local Loopback' panel -- ifconfig lo
 check "gives both ports a lease" both_ports_get_a_lease
 check "takes a lease back" lease_is_given_back
 check "lets a client wait while DHCP is off" client_waits_while_dhcp_is_off
 check "pulls a cable" cable_can_be_pulled
 check "has a peer that echoes" peer_echoes_on_either_port
+check "exchanges its peer" peer_is_exchanged
+check "has serial ports that echo" serial_ports_echo
+check "exchanges its loopback plugs" plugs_are_exchanged
 check "reads the interfaces with ifupdown" interfaces_are_read
 check "refuses unknown network commands" network_command_refuses
 check "has a touch device" finger_presses_the_touch_device

@@ -9,7 +9,23 @@ namespace {
 constexpr QRect headingArea(29, 310, 200, 50);
 constexpr QRect cancelText(20, 10, 60, 14);
 constexpr QRect okText(735, 10, 30, 14);
+constexpr int listRowHeight = 44;
 constexpr QColor headingColor(192, 104, 31);
+
+/// Where the list with so many rows is on the screen; nothing if it is not shown.
+QRect listPlace(int rows)
+{
+    const int height = rows * listRowHeight + 2; // with its frame
+    const QRegularExpression line(
+        QString("(0x[0-9a-f]+) .* [0-9]+x%1\\+[-0-9]+\\+[-0-9]+ +\\+([0-9]+)\\+([0-9]+)")
+            .arg(height));
+    const auto match = line.match(toolOutput({"xwininfo", "-root", "-tree"}));
+    if (!match.hasMatch()
+        || !toolOutput({"xwininfo", "-id", match.captured(1)}).contains("IsViewable")) {
+        return {};
+    }
+    return {match.captured(2).toInt(), match.captured(3).toInt(), 100, height};
+}
 } // namespace
 
 bool holdsColor(const QImage &image, const QRect &area, const QColor &color)
@@ -95,4 +111,12 @@ void openMainPage()
     if (!QTest::qWaitFor(showsMainPage, startLimit)) {
         qFatal("the countdown does not lead to the main page");
     }
+}
+
+void chooseRow(QPoint box, int rows, int row)
+{
+    tapScreen(box);
+    QTRY_VERIFY(!listPlace(rows).isNull());
+    tapScreen(listPlace(rows).topLeft() + QPoint(50, 1 + row * listRowHeight + listRowHeight / 2));
+    QTRY_VERIFY(listPlace(rows).isNull());
 }

@@ -50,3 +50,6 @@ QString shownBrightness();
 /// Waits for the countdown and touches it, then waits for the main settings page. The test
 /// program ends if one of them does not come.
 void openMainPage();
+
+/// Opens the list of the combo box at @p box, which has so many rows, and taps a row of it.
+void chooseRow(QPoint box, int rows, int row);

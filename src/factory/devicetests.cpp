@@ -1,0 +1,41 @@
+#include "factory/softwaresetup.h"
+
+#include "factory/kpixeltestwidget.h"
+#include "system/commandline.h"
+#include "system/factorycommand.h"
+#include "system/process.h"
+#include "system/xrandroutput.h"
+
+#include <QPushButton>
+#include <QSpinBox>
+
+void SoftwareSetup::slotBuzzerTest()
+{
+    runAndWait(beepCommand(), factoryToolLimit);
+}
+
+void SoftwareSetup::slotBuzzerTest2()
+{
+    startDetached(
+        toneCommand(QString::number(m_frequency->value()), QString::number(m_duration->value())));
+}
+
+void SoftwareSetup::slotBuzzerTest3()
+{
+    if (const auto *button = qobject_cast<const QPushButton *>(sender())) {
+        startDetached(presetToneCommand(button->text()));
+    }
+}
+
+void SoftwareSetup::slotBrightnessTest(int index)
+{
+    const QString output = connectedOutputName(readOutput(outputQueryCommand(), queryLimit));
+    const QString brightness = QString("%1").arg(index * 20 / 100.0);
+    runAndWait(brightnessCommand(output, brightness), factoryToolLimit);
+}
+
+void SoftwareSetup::slotPixelTest()
+{
+    auto *test = new KPixelTestWidget; // frees itself at its end
+    test->run();
+}

@@ -1,0 +1,48 @@
+#include "factory/softwaresetup.h"
+
+#include "factory/linktest.h"
+#include "factory/resultview.h"
+#include "system/process.h"
+
+#include <QLineEdit>
+#include <QTcpSocket>
+#include <QTextEdit>
+
+namespace {
+constexpr int longestChunk = 1024;  // bytes shown at a time
+constexpr int connectLimit = 30000; // ms
+} // namespace
+
+void SoftwareSetup::slotEtherTest()
+{
+    const int number = tappedLink("ethtest");
+    const std::optional<PeerAddress> peer = parsePeerAddress(m_peerAddressEdit->text());
+    if (!peer) {
+        showText(m_resultView,
+                 tr("The peer address must be HOST:PORT with a port from 1 to 65535."));
+        return;
+    }
+    m_tcpSocket = new QTcpSocket(this);
+    connect(m_tcpSocket, &QTcpSocket::readyRead, this, &SoftwareSetup::slotEtherEcho);
+    m_tcpSocket->connectToHost(peer->host, peer->port, QIODevice::ReadWrite);
+    m_tcpSocket->waitForConnected(connectLimit);
+    m_resultView->clear();
+    m_expectedEcho = etherPayload(number, m_testCharacters);
+    if (m_tcpSocket->isOpen()) {
+        m_tcpSocket->write(m_expectedEcho.toLatin1());
+    }
+}
+
+void SoftwareSetup::slotEtherEcho()
+{
+    QTcpSocket *socket = m_tcpSocket;
+    if (socket == nullptr || socket->bytesAvailable() == 0) {
+        return; // it was an older connection, whose echo says nothing of this one
+    }
+    do {
+        addParagraph(m_resultView, byteText(socket->read(longestChunk)));
+    } while (!socket->atEnd());
+    addVerdict(m_resultView, m_expectedEcho);
+    m_tcpSocket = nullptr;
+    socket->deleteLater(); // later: its own signal led here
+}

@@ -1,0 +1,44 @@
+#include "factory/linktest.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+namespace {
+QString payload(int first, const QString &second, const QString &characters)
+{
+    return QString::number(first) + ':' + second + ':' + characters;
+}
+} // namespace
+
+std::optional<PeerAddress> parsePeerAddress(const QString &text)
+{
+    const QStringList parts = text.split(':');
+    const QString host = parts.first().trimmed();
+    const quint16 port = parts.last().toUShort(); // 0 if it is no number or too large
+    if (parts.size() != 2 || host.isEmpty() || port == 0) {
+        return {};
+    }
+    return PeerAddress{host, port};
+}
+
+int linkNumber(const QString &testName)
+{
+    return testName.section('-', 0, 0).toInt();
+}
+
+QString serialPayload(const QString &device, const QString &characters)
+{
+    return payload(int(device.size()), device, characters);
+}
+
+QString etherPayload(int number, const QString &characters)
+{
+    constexpr int firstField = 5; // the same for every port: echo peers in use may count on it
+    return payload(firstField, QString::number(number), characters);
+}
+
+QString linkVerdict(const QString &received, const QString &expected)
+{
+    return received == expected ? QCoreApplication::translate("SoftwareSetup", "Test Ok!")
+                                : QCoreApplication::translate("SoftwareSetup", "Test Fail!");
+}

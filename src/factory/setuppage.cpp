@@ -1,0 +1,61 @@
+#include "factory/softwaresetup.h"
+
+#include "system/atomicfile.h"
+#include "system/commandline.h"
+#include "system/factorycommand.h"
+#include "system/ifconfigoutput.h"
+#include "system/namingrules.h"
+#include "system/paths.h"
+#include "system/process.h"
+#include "system/versionfiles.h"
+
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QHBoxLayout>
+
+namespace {
+constexpr const char *models[] = {"K25T", "K21T", "K25", "K21", "K07"};
+constexpr char typeWithSession[] = QT_TRANSLATE_NOOP("SoftwareSetup", "HMI");
+constexpr const char *types[] = {QT_TRANSLATE_NOOP("SoftwareSetup", "Panel PC"), typeWithSession};
+} // namespace
+
+void SoftwareSetup::initSetupPage()
+{
+    QVBoxLayout *page = addPage();
+    m_model = new QComboBox;
+    for (const char *model : models) {
+        m_model->addItem(QLatin1String(model));
+    }
+    addRow(page, tr("Model:"))->addWidget(m_model);
+    m_type = new QComboBox;
+    for (const char *type : types) {
+        m_type->addItem(tr(type));
+    }
+    addRow(page, tr("Type:"))->addWidget(m_type);
+    m_time = new QDateTimeEdit(QDateTime::currentDateTime());
+    addRow(page, tr("Time:"))->addWidget(m_time);
+}
+
+void SoftwareSetup::slotAccept()
+{
+    if (m_type->currentText() != tr(typeWithSession)) {
+        runAndWait(sessionAsideCommand(), factoryToolLimit);
+    }
+    runAndWait(removeFileCommand(Paths::modelFile), factoryToolLimit);
+    setCurrentRuntimeModel(m_model->currentText());
+    runAndWait(clockCommand(m_time->dateTime()), factoryToolLimit);
+    runAndWait(hardwareClockCommand(), factoryToolLimit);
+    nameInterfaces();
+}
+
+/// The rules stay as they are where the interfaces cannot be listed.
+void SoftwareSetup::nameInterfaces()
+{
+    const ProcessResult list = runLimited(interfaceListCommand(), interfaceListLimit);
+    if (!list.finished) {
+        return;
+    }
+    const QStringList addresses = hardwareAddresses(QString::fromLocal8Bit(list.output));
+    runAndWait(removeFileCommand(Paths::namingRulesFile), factoryToolLimit);
+    replaceFile(Paths::namingRulesFile, interfaceNamingRules(addresses).toLocal8Bit());
+}

@@ -1,0 +1,300 @@
+#include "factory/softwaresetup.h"
+
+#include "factorywindow.h"
+#include "panelguard.h"
+
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+namespace {
+const QString refusal = "The peer address must be HOST:PORT with a port from 1 to 65535.";
+
+QString payload(int number)
+{
+    return QString("5:%1:").arg(number) + alphabet;
+}
+
+void network(const QStringList &arguments)
+{
+    QCOMPARE(QProcess::execute(PANEL_SIMULATOR "/network", arguments), 0);
+}
+
+void ip(const QString &arguments)
+{
+    QCOMPARE(QProcess::execute("ip", arguments.split(' ')), 0);
+}
+
+void setPeer(const FactoryWindow &factory, const QString &address)
+{
+    factory.window()->findChild<QLineEdit *>("peerAddressEdit")->setText(address);
+}
+} // namespace
+
+class TestEtherTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void eachPort_data();
+    void eachPort();
+    void echoes_data();
+    void echoes();
+    void everySplitFails();
+    void longEchoIsReadToItsEnd();
+    void markupIsShownAsItIs();
+    void silentPeer();
+    void notConnected_data();
+    void notConnected();
+    void peerAddressIsRefused_data();
+    void peerAddressIsRefused();
+    void anotherPeer();
+    void startedAgain();
+    void anOlderEchoGivesNoVerdict();
+    void serialTestMeanwhile();
+    void verdictEndsTheConnection();
+    void windowClosedMeanwhile();
+};
+
+void TestEtherTest::initTestCase()
+{
+    requirePanel();
+    ip("address add 192.168.0.10/24 dev eth0");
+}
+
+void TestEtherTest::init()
+{
+    network({"peer", "eth0", "whole"});
+}
+
+void TestEtherTest::eachPort_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("Eth0") << 1;
+    QTest::newRow("Eth1") << 2;
+}
+
+void TestEtherTest::eachPort()
+{
+    QFETCH(int, number);
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click(QString("Eth%1").arg(number - 1));
+    QTRY_COMPARE(factory.result(), payload(number) + okLines);
+    QCOMPARE(factory.calls(), QStringList()); // no pause here
+}
+
+void TestEtherTest::echoes_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::addColumn<QString>("result");
+    const QString sent = payload(1);
+    QTest::newRow("late") << "late:700" << sent + okLines;
+    QTest::newRow("one byte changed")
+        << "changed" << sent.left(40) + '#' + sent.mid(41) + failLines;
+    QTest::newRow("one byte more") << "extra" << sent + '#' + failLines;
+    QTest::newRow("one byte less") << "missing" << sent.left(40) + sent.mid(41) + failLines;
+    QTest::newRow("a zero byte behind") << "zero" << sent + okLines;
+    QTest::newRow("closed after a part") << "cut:30" << sent.left(30) + failLines;
+    QTest::newRow("closed at once") << "cut:0" << QString();
+    QTest::newRow("closed behind the echo") << "cut:66" << sent + okLines;
+    QTest::newRow("in parts") << "chunks:250" << sent.left(17) + failLines;
+}
+
+void TestEtherTest::echoes()
+{
+    QFETCH(QString, mode);
+    QFETCH(QString, result);
+    network({"peer", "eth0", mode});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    QTRY_COMPARE(factory.result(), result);
+    QTest::qWait(850); // what else comes finds nobody
+    QCOMPARE(factory.result(), result);
+}
+
+/// Parts that are read one after the other each have a line of their own.
+void TestEtherTest::everySplitFails()
+{
+    network({"peer", "eth0", "bytes"});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    QTRY_VERIFY(factory.result().endsWith(failLines));
+    QVERIFY(payload(1).startsWith(factory.result().section('\n', 0, 0)));
+}
+
+void TestEtherTest::longEchoIsReadToItsEnd()
+{
+    network({"peer", "eth0", "long"});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    QTRY_VERIFY(factory.result().endsWith(failLines));
+    const QString whole = payload(1).repeated(20);
+    QCOMPARE(factory.result(), whole.left(1024) + '\n' + whole.mid(1024) + failLines);
+}
+
+void TestEtherTest::markupIsShownAsItIs()
+{
+    network({"peer", "eth0", "markup"});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    QTRY_COMPARE(factory.result(), "<b>5</b>&amp;<img src='/dev/null'>" + failLines);
+}
+
+void TestEtherTest::silentPeer()
+{
+    network({"peer", "eth0", "silent"});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    QTest::qWait(300);
+    QCOMPARE(factory.result(), QString());
+}
+
+void TestEtherTest::notConnected_data()
+{
+    QTest::addColumn<QStringList>("fault");
+    QTest::addColumn<QString>("address");
+    QTest::newRow("refused") << QStringList{"peer", "eth0", "refusing"} << "192.168.0.30:33";
+    QTest::newRow("no such network") << QStringList() << "10.9.8.7:33";
+    QTest::newRow("no such name") << QStringList() << "no.such.host.invalid:33";
+    QTest::newRow("no such host in the network") << QStringList() << "192.168.0.77:33";
+}
+
+void TestEtherTest::notConnected()
+{
+    QFETCH(QStringList, fault);
+    QFETCH(QString, address);
+    if (!fault.isEmpty()) {
+        network(fault);
+    }
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    setPeer(factory, address);
+    QElapsedTimer timer;
+    timer.start();
+    factory.click("Eth1");
+    QVERIFY2(timer.elapsed() < 31000, qPrintable(QString::number(timer.elapsed())));
+    QTest::qWait(50);
+    QCOMPARE(factory.result(), QString());
+    init();
+    setPeer(factory, "192.168.0.30:33");
+    factory.click("Eth1");
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
+}
+
+void TestEtherTest::peerAddressIsRefused_data()
+{
+    QTest::addColumn<QString>("address");
+    for (const char *address :
+         {"", ":", ":33", "192.168.0.30", "192.168.0.30:", "192.168.0.30:0", "192.168.0.30:99999",
+          "192.168.0.30:-1", "192.168.0.30:echo", "fe80::1", "[::1]:33", "2001:33::1"}) {
+        QTest::addRow("'%s'", address) << address;
+    }
+}
+
+void TestEtherTest::peerAddressIsRefused()
+{
+    QFETCH(QString, address);
+    const FactoryWindow factory;
+    factory.click("Test");
+    setPeer(factory, address);
+    factory.click("Eth0");
+    QCOMPARE(factory.result(), refusal);
+    QCOMPARE(factory.window()->findChildren<QTcpSocket *>().size(), 0);
+    setPeer(factory, "192.168.0.30:33");
+    factory.click("Eth0");
+    QTRY_COMPARE(factory.result(), payload(1) + okLines);
+}
+
+void TestEtherTest::anotherPeer()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    const FactoryWindow factory;
+    factory.click("Test");
+    setPeer(factory, QString("127.0.0.1:%1").arg(server.serverPort()));
+    factory.click("Eth1");
+    QVERIFY(server.hasPendingConnections() || server.waitForNewConnection(1000));
+    QTcpSocket *peer = server.nextPendingConnection();
+    QTRY_COMPARE(peer->bytesAvailable(), 66);
+    QCOMPARE(peer->readAll(), payload(2).toLatin1());
+    peer->write(payload(2).toLatin1());
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
+    QTRY_COMPARE(peer->state(), QAbstractSocket::UnconnectedState);
+}
+
+void TestEtherTest::startedAgain()
+{
+    network({"peer", "eth0", "silent"});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    factory.click("Eth0");
+    init();
+    factory.click("Eth1");
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
+}
+
+void TestEtherTest::anOlderEchoGivesNoVerdict()
+{
+    network({"peer", "eth0", "late:400"});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    QTest::qWait(200);
+    factory.click("Eth1"); // the first echo comes before this one's
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
+    factory.click("Eth0");
+    QTest::qWait(200);
+    init();
+    factory.click("Eth1");
+    QTRY_COMPARE(factory.result(), payload(2) + okLines);
+    QTest::qWait(400); // the first echo comes when no test runs any more
+    QCOMPARE(factory.result(), payload(2) + okLines);
+}
+
+void TestEtherTest::serialTestMeanwhile()
+{
+    network({"peer", "eth0", "silent"});
+    const FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    factory.click("COM1 RS232");
+    QTRY_COMPARE(factory.result(), "10:/dev/ttyS0:" + alphabet + okLines);
+}
+
+void TestEtherTest::verdictEndsTheConnection()
+{
+    const FactoryWindow factory;
+    factory.click("Test");
+    for (int round = 0; round < 3; ++round) {
+        factory.click("Eth0");
+        QTRY_COMPARE(factory.result(), payload(1) + okLines);
+        QTRY_COMPARE(factory.window()->findChildren<QTcpSocket *>().size(), 0);
+    }
+}
+
+void TestEtherTest::windowClosedMeanwhile()
+{
+    network({"peer", "eth0", "late:100"});
+    FactoryWindow factory;
+    factory.click("Test");
+    factory.click("Eth0");
+    factory.click("Eth1");
+    factory.close();
+    QTest::qWait(200);
+}
+
+QTEST_MAIN(TestEtherTest)
+#include "tst_ethertest.moc"
