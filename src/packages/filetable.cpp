@@ -1,6 +1,8 @@
 #include "packages/filetable.h"
 
+#include <QCoreApplication>
 #include <QHeaderView>
+#include <QMouseEvent>
 #include <QScroller>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
@@ -20,6 +22,26 @@ public:
     QString displayText(const QVariant &value, const QLocale &) const override
     {
         return printableName(value.toString());
+    }
+};
+
+/// Makes two quick taps two taps: the toolkit makes a double click of them, of which a list takes
+/// no notice.
+class EveryTapCounts : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() != QEvent::MouseButtonDblClick) {
+            return false;
+        }
+        const auto *second = static_cast<QMouseEvent *>(event);
+        QMouseEvent press(QEvent::MouseButtonPress, second->position(), second->globalPosition(),
+                          second->button(), second->buttons(), second->modifiers());
+        QCoreApplication::sendEvent(watched, &press);
+        return true;
     }
 };
 
@@ -59,6 +81,7 @@ void setUpFileTable(QTableWidget *table)
     table->setItemDelegate(new NameDelegate(table));
     table->setWordWrap(false);
     table->setTextElideMode(Qt::ElideMiddle); // the name at the end tells most
+    table->viewport()->installEventFilter(new EveryTapCounts(table));
     scrollByFinger(table);
 }
 

@@ -131,7 +131,6 @@ void BiosInterface::init()
 {
     setUpWindow();
     QApplication::setStyle(new TouchStyle);
-    QApplication::setDoubleClickInterval(0); // ms; every tap counts by itself
     m_inputContext = std::make_unique<MyInputPanelContext>();
     installInputContext(m_inputContext.get());
     setUpFont();
