@@ -150,7 +150,7 @@ void TestPackageFaults::headerAlone()
 void TestPackageFaults::damagedArchives_data()
 {
     QTest::addColumn<QByteArray>("archive");
-    const QByteArray whole = largeArchive();
+    const QByteArray &whole = largeArchive();
     QTest::newRow("cut in the middle") << whole.left(whole.size() / 2);
     QTest::newRow("cut in the gzip header") << whole.left(5);
     QTest::newRow("last byte missing") << whole.chopped(1);
