@@ -4,27 +4,40 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Runs in the panel: pictures of the countdown, the main settings page, the Ethernet page with
-# the keypad, and the miscellaneous page.
+# What the panel's shell runs: touches and pictures, with time for the program in between.
 # shellcheck disable=SC2016 # the panel's shell expands it
 steps='
+    tap() { simulator/finger send "tap $1 $2" >/dev/null; sleep 0.7; }
+    picture() { simulator/panel-screenshot "docs/pictures/$1.png"; }
     build/talmero-bios 2>/dev/null &
     program=$!
     sleep 2.5
-    simulator/panel-screenshot docs/pictures/countdown.png
-    simulator/finger send "tap 400 450"
-    sleep 0.5
-    simulator/panel-screenshot docs/pictures/main-page.png
-    simulator/finger send "tap 400 415"
-    sleep 0.5
-    simulator/finger send "tap 400 514"
-    sleep 0.5
-    simulator/panel-screenshot docs/pictures/ethernet.png
-    simulator/finger send "tap 50 16"
-    sleep 0.5
-    simulator/finger send "tap 400 522"
-    sleep 0.5
-    simulator/panel-screenshot docs/pictures/miscellaneous.png
+    picture countdown
+    tap 400 450
+    picture main-page
+    tap 400 415 # Ethernet
+    tap 400 514 # the second address
+    picture ethernet
+    tap 50 16
+    tap 400 522
+    picture miscellaneous
+    tap 50 16
+    tap 650 415
+    tap 400 181 # a package for the next runtime version
+    picture file-transfer
+    tap 750 16
+    picture warning
+    tap 520 300
+    tap 150 415
+    tap 400 136 # two rows
+    tap 400 226
+    picture install-fonts
+    tap 50 16
+    tap 150 522
+    picture system-status
+    tap 700 517
+    tap 300 165 # a row of the picker
+    picture bios-picker
     kill $program'
 simulator/panel --display xorg --share docs/pictures -- bash -c "$steps"
 
