@@ -47,7 +47,7 @@ echo "Code"
 stamps=$build/clang-tidy
 mkdir -p "$stamps"
 mapfile -t headers < <(sources '*.h')
-state=$(cat .clang-tidy "${headers[@]}" | sha256sum | cut -d' ' -f1)
+state=$(cat .clang-tidy tests/.clang-tidy "${headers[@]}" | sha256sum | cut -d' ' -f1)
 pending=()
 for unit in "${units[@]}"; do
     stamp=$stamps/${unit//\//_}

@@ -15,8 +15,7 @@ constexpr int spacerSize = 20;    // px
 
 void BiosInterface::initEmptyPage(Page page, const QString &title)
 {
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    QVBoxLayout *content = createContent(contentMargin);
     content->addItem(
         new QSpacerItem(spacerSize, spacerSize, QSizePolicy::Minimum, QSizePolicy::Expanding));
     setPageLayout(createTitleBar(title, true, true), content, m_pages->widget(page));

@@ -72,8 +72,7 @@ const EthernetKeys &ethernetKeys(int lan)
 
 void BiosInterface::initEthernetPage()
 {
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    QVBoxLayout *content = createContent(contentMargin);
     content->setSpacing(rowSpacing);
     createEthernetPort(0, content);
     createEthernetPort(1, content);

@@ -69,8 +69,7 @@ void BiosInterface::initFileTransferPage()
         useRowFont(choice);
         choices->addWidget(choice);
     }
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    QVBoxLayout *content = createContent(contentMargin);
     content->addLayout(choices);
     content->addWidget(createFileTable(FileTransferPage, 2));
     setPageLayout(createTitleBar(tr("File Transfer"), true, true), content, page);

@@ -24,8 +24,7 @@ void BiosInterface::initFontSettingPage()
 {
     QTableWidget *table = createFileTable(FontPage, 1);
     table->setSelectionMode(QAbstractItemView::MultiSelection);
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    QVBoxLayout *content = createContent(contentMargin);
     content->addWidget(table);
     setPageLayout(createTitleBar(tr("Install Fonts"), true, true), content,
                   m_pages->widget(FontPage));

@@ -77,8 +77,7 @@ void BiosInterface::initMiscPage()
     auto *grid = new QGridLayout;
     grid->setSpacing(gridSpacing);
     createMiscRows(grid);
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    QVBoxLayout *content = createContent(contentMargin);
     content->addLayout(grid);
     content->addStretch();
     setPageLayout(createTitleBar(tr("Miscellaneous"), true, true), content,

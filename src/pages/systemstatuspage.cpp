@@ -86,8 +86,7 @@ void BiosInterface::initSystemStatusPage()
     auto *grid = new QGridLayout;
     grid->setSpacing(rowSpacing);
     createStatusRows(grid);
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    QVBoxLayout *content = createContent(contentMargin);
     content->addLayout(grid);
     content->addStretch();
     setPageLayout(createTitleBar(tr("System Status"), true, true), content,

@@ -29,6 +29,7 @@ class QScreen;
 class QStackedWidget;
 class QTableWidget;
 class QToolButton;
+class QVBoxLayout;
 class RadioButton;
 class SettingsButton;
 class StackWidgetPage;
@@ -255,6 +256,7 @@ private:
 
     QHBoxLayout *createTitleBar(const QString &title, bool withOk, bool withCancel);
     SettingsButton *createTitleBarButton(const QString &text, const QString &name);
+    static QVBoxLayout *createContent(int margin);
     static void setPageLayout(QLayout *titleBar, QLayout *content, QWidget *page);
 
     void useRowFont(QWidget *widget);

@@ -57,8 +57,7 @@ void BiosInterface::initMainSettingsButtonsPage()
     connect(m_runApplication, &SettingsButton::buttonClicked, this, &BiosInterface::runApplication);
     createPageButtons();
 
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(contentMargin, contentMargin, contentMargin, contentMargin);
+    QVBoxLayout *content = createContent(contentMargin);
     content->addWidget(m_runApplication);
     content->addItem(
         new QSpacerItem(spacerSize, spacerSize, QSizePolicy::Minimum, QSizePolicy::Fixed));

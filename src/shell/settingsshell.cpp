@@ -108,6 +108,14 @@ SettingsButton *BiosInterface::createTitleBarButton(const QString &text, const Q
     return button;
 }
 
+/// What goes below a title bar, with @p margin pixels around it.
+QVBoxLayout *BiosInterface::createContent(int margin)
+{
+    auto *content = new QVBoxLayout;
+    content->setContentsMargins(margin, margin, margin, margin);
+    return content;
+}
+
 void BiosInterface::setPageLayout(QLayout *titleBar, QLayout *content, QWidget *page)
 {
     auto *layout = new QVBoxLayout(page);

@@ -318,7 +318,7 @@ void TestMkpackage::infoOfDamage_data()
     QTest::addColumn<QByteArray>("gzip");
     QTest::addColumn<QByteArray>("tar");
     const QByteArray header = formatPackageHeader({PackageKind::BiosImage, 1, ""});
-    const QByteArray archive = largeArchive();
+    const QByteArray &archive = largeArchive();
     const QByteArray whole = header + archive;
     const QByteArray no = "no such line";
     QTest::newRow("nothing") << QByteArray() << no << no;

@@ -17,19 +17,11 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
+using namespace Kinds;
+
 namespace {
-constexpr PackageKind application = PackageKind::Application;
-constexpr PackageKind firmware = PackageKind::Firmware;
-constexpr PackageKind biosImage = PackageKind::BiosImage;
 constexpr char smallFolder[] = "/run/small";
 constexpr int unpackLimit = 30000; // ms
-
-void install(PackageKind kind, quint32 version, const QString &target, const QByteArray &archive,
-             int expected)
-{
-    writeFile(packagePath, packageBytes(kind, version, target, archive));
-    QCOMPARE(installPackage(packagePath), expected);
-}
 
 /// A file system of 64 KiB for as long as this lives.
 class SmallDisk
@@ -50,14 +42,6 @@ private:
     const char *m_path;
 };
 
-/// Another folder for temporary files for as long as this lives.
-class TemporaryFolder
-{
-public:
-    explicit TemporaryFolder(const char *path) { qputenv("TMPDIR", path); }
-    ~TemporaryFolder() { qunsetenv("TMPDIR"); }
-    Q_DISABLE_COPY_MOVE(TemporaryFolder)
-};
 } // namespace
 
 class TestPackageFaults : public QObject

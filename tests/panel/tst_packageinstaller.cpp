@@ -12,27 +12,9 @@
 #include <QRegularExpression>
 #include <QTest>
 
+using namespace Kinds;
+
 namespace {
-constexpr PackageKind application = PackageKind::Application;
-constexpr PackageKind firmware = PackageKind::Firmware;
-constexpr PackageKind biosImage = PackageKind::BiosImage;
-
-void install(PackageKind kind, quint32 version, const QString &target, const QByteArray &archive,
-             int expected)
-{
-    writeFile(packagePath, packageBytes(kind, version, target, archive));
-    QCOMPARE(installPackage(packagePath), expected);
-}
-
-/// Another folder for temporary files for as long as this lives.
-class TemporaryFolder
-{
-public:
-    explicit TemporaryFolder(const char *path) { qputenv("TMPDIR", path); }
-    ~TemporaryFolder() { qunsetenv("TMPDIR"); }
-    Q_DISABLE_COPY_MOVE(TemporaryFolder)
-};
-
 /// The calls of the tools, with the folder in which tar ran and without the number in the name of
 /// the temporary file.
 QStringList callsOf(const FakeTools &tools)
@@ -89,15 +71,7 @@ void TestPackageInstaller::initTestCase()
 
 void TestPackageInstaller::init()
 {
-    shellBytes(
-        "rm -rf /home/dest /home/bin /homde /outside /media/usb0/* /opt/talmero/bios/program;"
-        "mkdir -p /home/dest/compile /homde/dest /outside /media/usb0;"
-        "echo old >/home/dest/compile/old; echo old >/home/dest/both;"
-        "echo old >/home/dest/kept; echo guard >/outside/guard; echo old >/homde/dest/old");
-    writePanelFile("fwver", "12\n");
-    writePanelFile("model", "RV-K21T\n");
-    writePanelFile("oem", "TALMERO\n");
-    writePanelFile("bios.version", "3\n");
+    resetInstalledFiles();
     QVERIFY(QDir::setCurrent("/"));
 }
 

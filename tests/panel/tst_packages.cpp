@@ -12,11 +12,9 @@
 
 #include <memory>
 
-namespace {
-constexpr PackageKind application = PackageKind::Application;
-constexpr PackageKind firmware = PackageKind::Firmware;
-constexpr PackageKind biosImage = PackageKind::BiosImage;
+using namespace Kinds;
 
+namespace {
 // On a screen of 800x600.
 constexpr QPoint fontsButton = pageButtons[0].place;
 constexpr QPoint transferButton = pageButtons[2].place;

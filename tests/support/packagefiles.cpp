@@ -1,12 +1,24 @@
 #include "packagefiles.h"
 
 #include "diskfiles.h"
+#include "packages/packageinstaller.h"
 #include "panelfiles.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTest>
+
+TemporaryFolder::TemporaryFolder(const char *path)
+{
+    qputenv("TMPDIR", path);
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+    qunsetenv("TMPDIR");
+}
 
 QByteArray archiveOf(const QString &script)
 {
@@ -35,6 +47,13 @@ void writePackage(const QByteArray &path, PackageKind kind, quint32 version, con
                   const PackageMembers &members)
 {
     writeFile(path, packageBytes(kind, version, target, members));
+}
+
+void install(PackageKind kind, quint32 version, const QString &target, const QByteArray &archive,
+             int expected)
+{
+    writeFile(packagePath, packageBytes(kind, version, target, archive));
+    QCOMPARE(installPackage(packagePath), expected);
 }
 
 const QByteArray &smallArchive()

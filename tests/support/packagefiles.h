@@ -9,8 +9,24 @@
 
 // Package files, and what installing them changes on the panel.
 
+/// Short names for the rows of tables.
+namespace Kinds {
+inline constexpr PackageKind application = PackageKind::Application;
+inline constexpr PackageKind firmware = PackageKind::Firmware;
+inline constexpr PackageKind biosImage = PackageKind::BiosImage;
+} // namespace Kinds
+
 /// A package is written here.
 inline constexpr char packagePath[] = "/media/usb0/package";
+
+/// Another folder for temporary files for as long as this lives.
+class TemporaryFolder
+{
+public:
+    explicit TemporaryFolder(const char *path);
+    ~TemporaryFolder();
+    Q_DISABLE_COPY_MOVE(TemporaryFolder)
+};
 
 /// A gzip-compressed tar archive of what the shell text @p script makes in an empty folder.
 QByteArray archiveOf(const QString &script);
@@ -38,6 +54,11 @@ QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target
 /// Makes such a package at @p path, and the folders that it lies in.
 void writePackage(const QByteArray &path, PackageKind kind, quint32 version, const QString &target,
                   const PackageMembers &members = {});
+
+/// Writes a package and installs it with installPackage(). The test fails unless that gives
+/// @p expected.
+void install(PackageKind kind, quint32 version, const QString &target, const QByteArray &archive,
+             int expected);
 
 bool fileExists(const QString &path);
 

@@ -1,12 +1,13 @@
 #include "packages/packagecheck.h"
 
+#include "packagefiles.h"
+
 #include <QTest>
+
+using namespace Kinds;
 
 namespace {
 const QStringList twoNames{"RV-K21T", "K21T"};
-constexpr PackageKind application = PackageKind::Application;
-constexpr PackageKind firmware = PackageKind::Firmware;
-constexpr PackageKind biosImage = PackageKind::BiosImage;
 } // namespace
 
 class TestPackageCheck : public QObject
