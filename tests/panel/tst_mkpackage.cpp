@@ -57,16 +57,21 @@ private slots:
     void timeOfTheFiles();
     void refused_data();
     void refused();
+    void outputThatIsNoPlainFile();
     void refusalKeepsTheOldFile();
     void toolsMissingOrFailing();
     void fullDisk();
     void unreadableFileInTheFolder();
+    void socketInTheFolder();
     void endedInTheMiddle_data();
     void endedInTheMiddle();
+    void ignoredSignalStaysIgnored();
     void infoOfAWholePackage();
     void infoOfDamage_data();
     void infoOfDamage();
     void infoOfUnreadableFiles();
+    void infoWithoutTools();
+    void outputThatIsLost();
     void infoIsSafeForATerminal();
     void helpAndVersion();
     void documentedExample();
@@ -131,12 +136,17 @@ void TestMkpackage::sameContentsGiveTheSameBytes()
             "ln other/a hard; chmod 755 other")
             .arg(m_folder->path()));
     qputenv("TAR_OPTIONS", "--verbose --exclude=a");
+    qputenv("TAPE", path("tape").toLocal8Bit()); // where tar writes unless told
     qputenv("LC_ALL", "de_DE.UTF-8");
     const Run run = make("second.kpc", "other");
+    const Run seen = mkpackage({"info", path("second.kpc")});
     qunsetenv("TAR_OPTIONS");
+    qunsetenv("TAPE");
     qputenv("LC_ALL", "C.UTF-8");
     QCOMPARE(run.status, 0);
     QVERIFY(readFile(path("first.kpc").toUtf8()) == readFile(path("second.kpc").toUtf8()));
+    QCOMPARE(seen.status, 0);
+    QVERIFY(!files().contains("tape"));
     shellBytes(QString("echo b >>'%1'").arg(path("other/a")));
     QCOMPARE(make("third.kpc", "other").status, 0);
     QVERIFY(readFile(path("first.kpc").toUtf8()) != readFile(path("third.kpc").toUtf8()));
@@ -156,7 +166,8 @@ void TestMkpackage::timeOfTheFiles()
     QVERIFY(members.count('\n') > 5);
     QCOMPARE(refused.status, 2);
     QCOMPARE(refused.errors,
-             QByteArray("talmero-mkpackage: SOURCE_DATE_EPOCH must be a number of seconds\n"));
+             QByteArray("talmero-mkpackage: SOURCE_DATE_EPOCH must be a number of seconds, up to "
+                        "the year 2242\n"));
     QCOMPARE(files(), QStringList{"line.kpc"});
 }
 
@@ -199,6 +210,18 @@ void TestMkpackage::refused()
     error.replace("%1", m_folder->path());
     QCOMPARE(run.errors, "talmero-mkpackage: " + error.toUtf8() + '\n');
     QCOMPARE(shellBytes(QString("find '%1'").arg(m_folder->path())), before);
+}
+
+/// Run by root, who could put a file in the place of a device.
+void TestMkpackage::outputThatIsNoPlainFile()
+{
+    shellBytes(QString("cd '%1'; mkfifo pipe.kpc; ln -s pipe.kpc link.kpc").arg(m_folder->path()));
+    for (const char *name : {"pipe.kpc", "link.kpc"}) {
+        const Run run = make(name, "in");
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.errors, "talmero-mkpackage: " + path(name).toUtf8() + " is no plain file\n");
+    }
+    shellBytes(QString("cd '%1'; [ -p pipe.kpc ]; [ -L link.kpc ]").arg(m_folder->path()));
 }
 
 void TestMkpackage::refusalKeepsTheOldFile()
@@ -263,6 +286,18 @@ void TestMkpackage::unreadableFileInTheFolder()
     QCOMPARE(files(), QStringList());
 }
 
+/// It would be missing on the panel.
+void TestMkpackage::socketInTheFolder()
+{
+    shellBytes(QString("cd '%1/in'; python3 -c 'import socket;"
+                       "socket.socket(socket.AF_UNIX).bind(\"s\")'")
+                   .arg(m_folder->path()));
+    const Run run = make("o.kpc", "in");
+    QCOMPARE(run.status, 1);
+    QVERIFY(run.errors.endsWith(": s: socket ignored\n"));
+    QCOMPARE(files(), QStringList());
+}
+
 void TestMkpackage::endedInTheMiddle_data()
 {
     QTest::addColumn<int>("signal");
@@ -291,6 +326,19 @@ void TestMkpackage::endedInTheMiddle()
     QVERIFY(process.exitStatus() == QProcess::CrashExit || process.exitCode() == 1);
     QCOMPARE(readFile(path("line.kpc").toUtf8()), QByteArray("old"));
     QCOMPARE(files(), (QStringList{"line.kpc", "started"}));
+}
+
+void TestMkpackage::ignoredSignalStaysIgnored()
+{
+    const FakeTools tools({"tar"});
+    tools.setBody("tar", "kill -HUP $PPID; sleep 0.2");
+    QProcess process;
+    process.start("/bin/sh",
+                  {"-c", "trap '' HUP; exec \"$0\" \"$@\"", MKPACKAGE, "make", "--kind", "bios",
+                   "--version", "1", "--output", path("o.mo"), path("in")});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(files(), QStringList{"o.mo"});
 }
 
 void TestMkpackage::infoOfAWholePackage()
@@ -336,7 +384,13 @@ void TestMkpackage::infoOfDamage_data()
     QTest::newRow("gzip of no tar") << header + shellBytes("head -c 99999 /dev/urandom | gzip")
                                     << QByteArray("whole") << QByteArray("damaged");
     QTest::newRow("tar without its end")
-        << header + shellBytes("tar -c -C / etc/passwd | head -c -9216 | gzip")
+        << header + shellBytes("cd /tmp; echo x >x; tar -c x | head -c 1024 | gzip")
+        << QByteArray("whole") << QByteArray("damaged");
+    QTest::newRow("tar that stops behind zeros")
+        << header + shellBytes("cd /tmp; head -c 2048 /dev/zero >z; tar -c z | head -c 2560 | gzip")
+        << QByteArray("whole") << QByteArray("damaged");
+    QTest::newRow("tar with half its end")
+        << header + shellBytes("cd /tmp; echo x >x; tar -c x | head -c 1536 | gzip")
         << QByteArray("whole") << QByteArray("damaged");
     QTest::newRow("tar without gzip") << header + shellBytes("tar -c -C / etc/passwd")
                                       << QByteArray("damaged") << QByteArray("damaged");
@@ -364,13 +418,42 @@ void TestMkpackage::infoOfUnreadableFiles()
     }
 }
 
+/// A package that cannot be looked at is not called damaged.
+void TestMkpackage::infoWithoutTools()
+{
+    QCOMPARE(make("line.kpc", "in").status, 0);
+    const QByteArray searchPath = qgetenv("PATH");
+    qputenv("PATH", "/no/such/folder");
+    const Run run = mkpackage({"info", path("line.kpc")});
+    qputenv("PATH", searchPath);
+    QCOMPARE(run.status, 2);
+    QCOMPARE(run.errors, QByteArray("talmero-mkpackage: gzip or tar cannot be run\n"));
+    QCOMPARE(run.output, QByteArray());
+}
+
+void TestMkpackage::outputThatIsLost()
+{
+    QCOMPARE(make("line.kpc", "in").status, 0);
+    for (const QStringList &arguments : {QStringList{"info", path("line.kpc")}, {"--help"}}) {
+        QProcess process;
+        process.setStandardOutputFile("/dev/full");
+        process.start(MKPACKAGE, arguments);
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 2);
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("talmero-mkpackage: cannot write to standard output\n"));
+    }
+}
+
 void TestMkpackage::infoIsSafeForATerminal()
 {
     shellBytes(QString("cd '%1'; mkdir bad; cd bad; touch \"$(printf 'a\\033[2Jb\\nc\\303\\274')\"")
                    .arg(m_folder->path()));
-    QCOMPARE(make("bad.kpc", "bad").status, 0);
-    QByteArray package = readFile(path("bad.kpc").toUtf8());
-    package.replace(20, 4, "\x1b]0;");
+    const QByteArray archive
+        = shellBytes(QString("tar -cz --owner=\"$(printf 'o\\033[2J\\nx')\":7 -C '%1' bad")
+                         .arg(m_folder->path()));
+    const QByteArray package
+        = formatPackageHeader({PackageKind::Application, 1, "\x1b]0;21T"}) + archive;
     writeFile(path("bad.kpc").toUtf8(), package);
     const Run run = mkpackage({"info", path("bad.kpc")});
     QCOMPARE(run.status, 0);

@@ -27,6 +27,8 @@ private slots:
     void fileTimes();
     void printableText_data();
     void printableText();
+    void tarListing_data();
+    void tarListing();
 };
 
 void TestMkpackageOptions::make()
@@ -193,7 +195,8 @@ void TestMkpackageOptions::fileTimes_data()
     QTest::newRow("not set") << QByteArray() << qint64(946684800);
     QTest::newRow("set") << QByteArray("1441036800") << qint64(1441036800);
     QTest::newRow("0") << QByteArray("0") << qint64(0);
-    for (const char *value : {"-1", "now", "1.5", " 1", "99999999999999999999"}) {
+    QTest::newRow("latest") << QByteArray("8589934591") << qint64(8589934591);
+    for (const char *value : {"8589934592", "-1", "now", "1.5", " 1", "99999999999999999999"}) {
         QTest::newRow(value) << QByteArray(value) << qint64(-1);
     }
 }
@@ -218,6 +221,33 @@ void TestMkpackageOptions::printableText()
 {
     QFETCH(QString, text);
     QTEST(printable(text), "shown");
+}
+
+void TestMkpackageOptions::tarListing_data()
+{
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QByteArray>("members");
+    QTest::addColumn<bool>("ended");
+    const QByteArray file = "block 0: -rw-r--r-- 0/0 2 2000-01-01 00:00 a: b\n";
+    const QByteArray member = "-rw-r--r-- 0/0 2 2000-01-01 00:00 a: b\n";
+    const QByteArray end = "block 2: ** Block of NULs **\n";
+    QTest::newRow("nothing") << QByteArray() << QByteArray() << false;
+    QTest::newRow("whole") << file + end << member << true;
+    QTest::newRow("just stops") << file + "block 2: ** End of File **\n" << member << false;
+    QTest::newRow("fails") << file << member << false;
+    QTest::newRow("no member") << QByteArray("block 0: ** Block of NULs **\n") << QByteArray()
+                               << true;
+    QTest::newRow("a name like the end")
+        << QByteArray("block 0: -rw-r--r-- 0/0 2 2000-01-01 00:00 : ** Block of NULs **\n")
+        << QByteArray("-rw-r--r-- 0/0 2 2000-01-01 00:00 : ** Block of NULs **\n") << false;
+}
+
+void TestMkpackageOptions::tarListing()
+{
+    QFETCH(QByteArray, output);
+    const TarListing listing = parseTarListing(output);
+    QTEST(listing.members, "members");
+    QTEST(listing.ended, "ended");
 }
 
 QTEST_GUILESS_MAIN(TestMkpackageOptions)

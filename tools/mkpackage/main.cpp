@@ -32,7 +32,8 @@ info   Shows the header and the contents of a package, and whether it is whole.
 SOURCE_DATE_EPOCH is the time that the packed files get, in seconds since 1970;
 2000-01-01 if it is not set.
 
-Exit status: 0 done; 1 not made, or damaged; 2 wrong usage, or not readable.
+Exit status: 0 done; 1 not made, or damaged; 2 wrong usage, or not readable, or
+standard output takes no more.
 )";
 constexpr char version[] = "talmero-mkpackage " PANEL_VERSION "\n";
 
@@ -62,16 +63,34 @@ void shieldTools()
     qputenv("TZ", "UTC");
 }
 
+/// A signal that is ignored, as below nohup, stays so.
+void catchSignals()
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        if (std::signal(signal, catchSignal) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+}
+
+/// A disk may be full only when what was kept back is written.
+int endOfOutput(int status)
+{
+    const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (!written) {
+        say(stderr, "cannot write to standard output");
+    }
+    return written ? status : int(WrongUsage);
+}
+
 int make(const Options &options)
 {
     const auto time = fileTime(qgetenv("SOURCE_DATE_EPOCH"));
     if (!time) {
-        say(stderr, "SOURCE_DATE_EPOCH must be a number of seconds");
+        say(stderr, "SOURCE_DATE_EPOCH must be a number of seconds, up to the year 2242");
         return WrongUsage;
     }
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        std::signal(signal, catchSignal);
-    }
+    catchSignals();
     const QString error = makePackage(options, *time, shallStop);
     if (!error.isEmpty()) {
         say(stderr, error);
@@ -89,7 +108,7 @@ int info(const Options &options)
     QFile errors;
     const bool open
         = out.open(stdout, QIODevice::WriteOnly) && errors.open(stderr, QIODevice::WriteOnly);
-    return open ? showPackage(options.file, out, errors) : int(Failed);
+    return open ? showPackage(options.file, out, errors) : int(WrongUsage);
 }
 
 int run(const Options &options)
@@ -122,5 +141,5 @@ int main(int argc, char *argv[])
         arguments += textFromBytes(argv[index]);
     }
     shieldTools();
-    return run(parseOptions(arguments));
+    return endOfOutput(run(parseOptions(arguments)));
 }

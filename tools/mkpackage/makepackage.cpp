@@ -9,22 +9,29 @@
 #include <QTemporaryFile>
 
 #include <algorithm>
+#include <cerrno>
 
 #include <stdio.h> // rename
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
-/// The names in @p folder, sorted by their bytes, each ended by a zero byte.
+/// The names in @p folder, sorted by their bytes, each ended by a zero byte; none if they cannot
+/// all be read.
 QByteArray memberNames(const QString &folder)
 {
     QByteArrayList names;
     FolderListing listing(bytesFromText(folder));
+    errno = 0; // tells a listing that fails from one that is over
     while (const dirent *entry = listing.next()) {
         const QByteArray name(entry->d_name);
         if (name != "." && name != "..") {
             names += name + '\0';
         }
+        errno = 0;
+    }
+    if (errno != 0) {
+        return {};
     }
     std::sort(names.begin(), names.end());
     return names.join();
@@ -34,6 +41,7 @@ QStringList tarCommand(const QString &namesFile, qint64 time)
 {
     return {"tar",
             "--create",
+            "--file=-", // the environment may name a tape drive
             "--use-compress-program=gzip -n -9",
             "--format=gnu",
             "--sort=name",
@@ -58,8 +66,12 @@ QString findFolderError(const Options &options)
     if (!folder.isDir()) {
         return QString("%1 is no folder").arg(options.folder);
     }
-    if (QFileInfo(options.output).isDir()) {
+    const QFileInfo output(options.output);
+    if (output.isDir()) {
         return QString("%1 is a folder").arg(options.output);
+    }
+    if (output.exists() && !output.isFile()) { // would be a device no more
+        return QString("%1 is no plain file").arg(options.output);
     }
     const QString top = folder.canonicalFilePath() + '/';
     if ((QFileInfo(folderOf(options.output)).canonicalFilePath() + '/').startsWith(top)) {
@@ -126,7 +138,7 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     if (shallStop()) {
         return "stopped";
     }
-    if (result.status != 0) {
+    if (result.status != 0 || !result.errors.isEmpty()) { // it only warns of what it leaves out
         return toolError(result);
     }
     return putInPlace(package, options.output) ? QString() : cannotWrite;

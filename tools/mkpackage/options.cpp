@@ -8,7 +8,8 @@
 #include <limits>
 
 namespace {
-constexpr qint64 defaultFileTime = 946684800; // 2000-01-01 00:00:00 UTC
+constexpr qint64 defaultFileTime = 946684800;            // 2000-01-01 00:00:00 UTC
+constexpr qint64 latestFileTime = (qint64(1) << 33) - 1; // eleven octal digits of a tar header
 constexpr QLatin1String targetOption("target");
 constexpr QLatin1String makeOptions[]
     = {QLatin1String("kind"), QLatin1String("version"), targetOption, QLatin1String("output")};
@@ -202,5 +203,9 @@ QString kindName(PackageKind kind)
 
 std::optional<qint64> fileTime(const QByteArray &value)
 {
-    return value.isEmpty() ? defaultFileTime : parseNumber(QString::fromLatin1(value));
+    if (value.isEmpty()) {
+        return defaultFileTime;
+    }
+    const auto time = parseNumber(QString::fromLatin1(value));
+    return time && *time <= latestFileTime ? time : std::nullopt;
 }

@@ -10,7 +10,7 @@
 enum ExitStatus : int {
     Done = 0,
     Failed = 1,     ///< nothing was made, or the package is damaged
-    WrongUsage = 2, ///< the command line is wrong, or the file to look at cannot be read
+    WrongUsage = 2, ///< the command line is wrong, or nothing can be said of the file to look at
 };
 
 /// What the command line asks for.
@@ -41,5 +41,6 @@ QString kindName(PackageKind kind);
 
 /// The time that the files of a package get, in seconds since 1970: that of the environment
 /// variable SOURCE_DATE_EPOCH, whose text @p value is, or 2000-01-01 if it is not set.
-/// Result: nothing if it is no number.
+/// Result: nothing if it is no number, or a time after the year 2242, which a tar header of plain
+/// digits cannot hold.
 std::optional<qint64> fileTime(const QByteArray &value);

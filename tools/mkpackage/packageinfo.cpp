@@ -32,6 +32,13 @@ private:
     qint64 m_size = 0;
 };
 
+/// Names of users are not quoted, so their numbers are shown.
+QStringList listCommand()
+{
+    return {"tar",       "--file=-",       "--gzip",          "--list",
+            "--verbose", "--block-number", "--numeric-owner", "--quoting-style=escape"};
+}
+
 ArchiveState readArchive(QFile &file)
 {
     ArchiveState state;
@@ -40,10 +47,16 @@ ArchiveState readArchive(QFile &file)
         = runFed({"gzip", "-dc"}, file, [&end](const QByteArray &piece) { end.add(piece); });
     state.gzipWhole = gzip.status == 0;
     state.unpackedSize = end.size();
+    QByteArray output;
     file.seek(packageHeaderSize);
-    const ToolResult tar = runFed({"tar", "--quoting-style=escape", "-tvz"}, file,
-                                  [&state](const QByteArray &piece) { state.listing += piece; });
-    state.tarWhole = tar.status == 0 && end.isEnd();
+    const ToolResult tar
+        = runFed(listCommand(), file, [&output](const QByteArray &piece) { output += piece; });
+    const TarListing listing = parseTarListing(output);
+    state.listing = listing.members;
+    // Tar minds neither an archive that stops between two members nor half an end. Zeros at the
+    // end alone prove nothing: the last member may be of zeros.
+    state.tarWhole = tar.status == 0 && listing.ended && end.isEnd();
+    state.known = gzip.status >= 0 && tar.status >= 0;
     return state;
 }
 
@@ -75,6 +88,20 @@ QByteArray archiveText(const ArchiveState &state, qint64 size)
 }
 } // namespace
 
+TarListing parseTarListing(const QByteArray &output)
+{
+    TarListing listing;
+    for (const QByteArray &line : output.split('\n')) {
+        const QByteArray text = line.mid(line.indexOf(": ") + 2);
+        if (text == "** Block of NULs **") {
+            listing.ended = true;
+        } else if (!line.isEmpty() && text != "** End of File **") {
+            listing.members += text + '\n';
+        }
+    }
+    return listing;
+}
+
 int showPackage(const QString &path, QIODevice &out, QIODevice &errors)
 {
     QFile file;
@@ -88,9 +115,12 @@ int showPackage(const QString &path, QIODevice &out, QIODevice &errors)
                      + QByteArray::number(file.size()) + " bytes\n");
         return Failed;
     }
-    out.write(headerText(*header));
     const ArchiveState state = readArchive(file);
-    out.write(archiveText(state, file.size() - packageHeaderSize));
+    if (!state.known) {
+        errors.write("talmero-mkpackage: gzip or tar cannot be run\n");
+        return WrongUsage;
+    }
+    out.write(headerText(*header) + archiveText(state, file.size() - packageHeaderSize));
     const bool whole = state.gzipWhole && state.tarWhole;
     return whole && !kindName(header->kind).isEmpty() ? Done : Failed;
 }
