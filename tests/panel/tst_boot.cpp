@@ -178,8 +178,7 @@ void TestBoot::markerOpensFactoryWindow()
     marker.close();
     const FakeTools tools({"sleep", "xrandr"});
     PanelProgram program;
-    QTRY_VERIFY_WITH_TIMEOUT(toolOutput({"xwininfo", "-root", "-tree"}).contains("talmero-bios"),
-                             startLimit);
+    QTRY_VERIFY_WITH_TIMEOUT(windowInfo({"-root", "-tree"}).contains("talmero-bios"), startLimit);
     QTest::qWait(second);
     QCOMPARE(shownCount(), -1);
     QVERIFY(!tools.calls().contains("xrandr [-q]"));

@@ -27,22 +27,10 @@ constexpr QPoint address1(400, 258);
 constexpr QPoint mask1(400, 299);
 const QColor heldKeypadColor(0xef, 0xef, 0xef);
 
-/// What xwininfo says of the keypad's window, empty if there is none. It fails where another
-/// window vanishes while it looks, so it gets further tries then.
-QString keypadWindow()
-{
-    QProcess process;
-    do {
-        process.start("xwininfo", {"-name", "Input Panel"});
-        process.waitForFinished();
-    } while (process.readAllStandardError().contains("X Error"));
-    return QString::fromUtf8(process.readAllStandardOutput());
-}
-
 /// Where the keypad is on the screen; nothing if it is not shown.
 QRect keypadPlace()
 {
-    const QString window = keypadWindow();
+    const QString window = windowInfo({"-name", "Input Panel"});
     if (!window.contains("IsViewable")) {
         return {};
     }

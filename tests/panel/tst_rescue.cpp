@@ -33,8 +33,8 @@ void openKeypad()
     openEthernetPage();
     tapScreen({600, 214}); // manual input
     tapScreen({400, 258}); // its address
-    QTRY_VERIFY(toolOutput({"xwininfo", "-root", "-tree"}).contains("\"Input Panel\""));
-    QTRY_VERIFY(toolOutput({"xwininfo", "-name", "Input Panel"}).contains("IsViewable"));
+    QTRY_VERIFY(windowInfo({"-root", "-tree"}).contains("\"Input Panel\""));
+    QTRY_VERIFY(windowInfo({"-name", "Input Panel"}).contains("IsViewable"));
 }
 
 QStringList brightnessCall(const QString &value)

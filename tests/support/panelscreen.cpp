@@ -2,6 +2,7 @@
 
 #include "panelprogram.h"
 
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -19,14 +20,28 @@ QRect listPlace(int rows)
     const QRegularExpression line(
         QString("(0x[0-9a-f]+) .* [0-9]+x%1\\+[-0-9]+\\+[-0-9]+ +\\+([0-9]+)\\+([0-9]+)")
             .arg(height));
-    const auto match = line.match(toolOutput({"xwininfo", "-root", "-tree"}));
-    if (!match.hasMatch()
-        || !toolOutput({"xwininfo", "-id", match.captured(1)}).contains("IsViewable")) {
+    const auto match = line.match(windowInfo({"-root", "-tree"}));
+    if (!match.hasMatch() || !windowInfo({"-id", match.captured(1)}).contains("IsViewable")) {
         return {};
     }
     return {match.captured(2).toInt(), match.captured(3).toInt(), 100, height};
 }
 } // namespace
+
+QString windowInfo(const QStringList &arguments)
+{
+    QProcess process;
+    QByteArray errors;
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        process.start("xwininfo", arguments);
+        process.waitForFinished();
+        errors = process.readAllStandardError();
+        if (!errors.contains("X Error")) {
+            return QString::fromUtf8(process.readAllStandardOutput());
+        }
+    }
+    qFatal("xwininfo failed: %s", errors.constData());
+}
 
 bool holdsColor(const QImage &image, const QRect &area, const QColor &color)
 {
@@ -74,7 +89,7 @@ QRect programWindow()
         "\\(\"talmero-bios\" \"talmero-bios\"\\) +([0-9]+)x([0-9]+)\\+[-0-9]+\\+[-0-9]+ "
         "+\\+(-?[0-9]+)\\+(-?[0-9]+)");
     QRect place;
-    auto match = line.globalMatch(toolOutput({"xwininfo", "-root", "-tree"}));
+    auto match = line.globalMatch(windowInfo({"-root", "-tree"}));
     while (match.hasNext()) {
         const auto window = match.next();
         place = QRect(window.captured(3).toInt(), window.captured(4).toInt(),
@@ -88,7 +103,7 @@ QRect dialogPlace(const QString &title)
     const QRegularExpression line(
         QString("\"%1\": .* ([0-9]+)x([0-9]+)\\+[-0-9]+\\+[-0-9]+ +\\+(-?[0-9]+)\\+(-?[0-9]+)")
             .arg(title));
-    const auto window = line.match(toolOutput({"xwininfo", "-root", "-tree"}));
+    const auto window = line.match(windowInfo({"-root", "-tree"}));
     return window.hasMatch() ? QRect(window.captured(3).toInt(), window.captured(4).toInt(),
                                      window.captured(1).toInt(), window.captured(2).toInt())
                              : QRect();

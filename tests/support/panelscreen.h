@@ -3,9 +3,9 @@
 #include <QColor>
 #include <QPoint>
 #include <QRect>
+#include <QStringList>
 
 class QImage;
-class QString;
 
 // What a test sees on the panel's screen of 800x600, and where it touches it.
 
@@ -25,6 +25,10 @@ inline constexpr PageButton pageButtons[] = {
     {"Install Fonts", {150, 415}}, {"Ethernet", {400, 415}},      {"File Transfer", {650, 415}},
     {"System Status", {150, 522}}, {"Miscellaneous", {400, 522}}, {"Calibration", {650, 522}},
 };
+
+/// What xwininfo prints when called with @p arguments; nothing if there is no such window. It fails
+/// where another window vanishes while it looks, so it gets further tries then.
+QString windowInfo(const QStringList &arguments);
 
 /// Whether a pixel of @p area in @p image has exactly this colour.
 bool holdsColor(const QImage &image, const QRect &area, const QColor &color);
