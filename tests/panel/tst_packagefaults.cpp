@@ -104,7 +104,7 @@ void TestPackageFaults::unreadablePackages()
 {
     QFETCH(QString, script);
     shellBytes(QString("rm -rf '%1'; set -- '%1'; %2").arg(packagePath, script));
-    const QString before = installedState();
+    const QStringList before = installedState();
     QElapsedTimer timer;
     timer.start();
     const bool asUser = QByteArray(QTest::currentDataTag()).startsWith("no permission");
@@ -205,7 +205,7 @@ void TestPackageFaults::noRoomForTheArchive()
 {
     writeFile(packagePath, packageBytes(application, 12, "K21T", largeArchive()));
     writeFile("/media/usb0/image", packageBytes(biosImage, 4, "", largeArchive()));
-    const QString before = installedState();
+    const QStringList before = installedState();
     {
         const SmallDisk disk(smallFolder);
         const TemporaryFolder folder(smallFolder);

@@ -151,7 +151,7 @@ void TestPackageInstaller::installsBiosImageOnce()
     QCOMPARE(installBIOSPackage(packagePath), int(BiosInstalled));
     QCOMPARE(readPanelFile("program"), QByteArray("new\n"));
     QCOMPARE(readPanelFile("bios.version"), QByteArray("4\n"));
-    const QString before = installedState();
+    const QStringList before = installedState();
     QCOMPARE(installBIOSPackage(packagePath), int(BiosNotNewer));
     QCOMPARE(installedState(), before);
 }
@@ -184,7 +184,7 @@ void TestPackageInstaller::refusalsChangeNothing()
     QFETCH(PackageHeader, header);
     QFETCH(int, result);
     writeFile(packagePath, formatPackageHeader(header) + smallArchive());
-    const QString before = installedState();
+    const QStringList before = installedState();
     const FakeTools tools({"rm", "tar", "sync"});
     QCOMPARE(installPackage(packagePath), result);
     QCOMPARE(tools.calls(), QStringList());
@@ -208,7 +208,7 @@ void TestPackageInstaller::biosRefusalsChangeNothing()
     QFETCH(PackageHeader, header);
     QFETCH(int, result);
     writeFile(packagePath, formatPackageHeader(header) + biosArchive());
-    const QString before = installedState();
+    const QStringList before = installedState();
     QCOMPARE(installBIOSPackage(packagePath), result);
     QCOMPARE(installedState(), before);
 }
@@ -225,7 +225,7 @@ void TestPackageInstaller::unknownKindStaysInATemporaryFile()
 {
     QFETCH(quint32, kind);
     writeFile(packagePath, packageBytes(PackageKind(kind), 99, "any", largeArchive()));
-    const QString before = installedState();
+    const QStringList before = installedState();
     QCOMPARE(installPackage(packagePath), int(Installed));
     const QStringList left = temporaryFiles();
     QCOMPARE(left.size(), 1);

@@ -175,7 +175,7 @@ void TestPackages::technicianInstallsAnApplication()
 void TestPackages::otherVersionIsRefused()
 {
     writeFile("/media/usb0/other.kpc", packageBytes(application, 13, "RV-K21T", smallArchive()));
-    const QString before = installedState();
+    const QStringList before = installedState();
     const auto program = startAtPage(transferButton);
     choose(transferRow(0));
     tapScreen(okButton);
@@ -219,7 +219,7 @@ void TestPackages::updatesTheBiosOnce()
     QCOMPARE(readPanelFile("program"), QByteArray("new\n"));
     QVERIFY(showsSettingsPage());
 
-    const QString before = installedState();
+    const QStringList before = installedState();
     pickImage(1);
     pickImage(0);
     returnToMainPage(okButton);
@@ -229,7 +229,7 @@ void TestPackages::updatesTheBiosOnce()
 void TestPackages::cancelledPickerInstallsNothing()
 {
     writeFile("/media/usb0/new.mo", packageBytes(biosImage, 4, "", biosArchive()));
-    const QString before = installedState();
+    const QStringList before = installedState();
     const auto program = startAtPage(statusButton);
     pickImage(-1);
     returnToMainPage(okButton);
@@ -260,7 +260,7 @@ void TestPackages::listScrollsByFinger()
     for (int number = 0; number < 40; ++number) {
         writeFile("/media/usb0/line " + QByteArray::number(number) + ".kpc", "x");
     }
-    const QString before = installedState();
+    const QStringList before = installedState();
     const auto program = startAtPage(transferButton);
     const QImage top = screenImage().copy(listArea);
     pullFinger({400, 500}, {400, 200});

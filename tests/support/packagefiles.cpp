@@ -95,13 +95,17 @@ void resetInstalledFiles()
     writePanelFile("bios.version", "3\n");
 }
 
-QString installedState()
+QStringList installedState()
 {
-    // Folders of the test program itself come and go.
-    return QString::fromLatin1(
-        shellBytes("cd /; in='home opt/talmero/bios tmp outside homde media etc/passwd';"
-                   "find $in -path 'tmp/tst_*-*' -prune -o -printf '%p %y %l %m\\n' | sort;"
-                   "find $in -path 'tmp/tst_*-*' -prune -o -type f -exec sha256sum {} + | sort"));
+    // Folders of the test program itself come and go, and so does what the checkout holds, which
+    // may lie below /tmp.
+    const QByteArray lines = shellBytes(
+        "cd /; in='home opt/talmero/bios tmp outside homde media etc/passwd';"
+        "own=$(dirname " PANEL_SIMULATOR ");"
+        "list() { find $in \\( -path 'tmp/tst_*-*' -o -path \"${own#/}\" \\) -prune -o \"$@\""
+        " | sort; };"
+        "list -printf '%p %y %l %m\\n'; list -type f -exec sha256sum {} +");
+    return QString::fromLatin1(lines).split('\n');
 }
 
 QStringList temporaryFiles()

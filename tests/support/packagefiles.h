@@ -68,7 +68,7 @@ void resetInstalledFiles();
 
 /// Everything that an installation may touch, and what it must not touch: one line per entry and
 /// one per content.
-QString installedState();
+QStringList installedState();
 
 /// The temporary files that the test program has left behind.
 QStringList temporaryFiles();
