@@ -40,6 +40,15 @@ src/pages system widgets packages inputpanel shell
 tools/mkpackage packages system
 RULES
 
+echo "Hazards"
+# a test that the register names and nobody can find pins nothing
+while IFS=: read -r file _ function; do
+    grep -qsE "^void [A-Za-z]+::$function\\(\\)" tests/*/"$file.cpp" || {
+        echo "docs/hazards.md names $file::$function, which is not there"
+        exit 1
+    }
+done < <(grep -oE 'tst_[a-z]+::[A-Za-z]+' docs/hazards.md | sort -u)
+
 echo "Scripts"
 shellcheck --external-sources "${scripts[@]}"
 
