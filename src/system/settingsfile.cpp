@@ -47,7 +47,8 @@ QByteArray formatSettings(const SettingsMap &settings)
         text += bytesFromText(entry.value());
         text += '\n';
     }
-    return text;
+    // A key that begins as the mark does is not to be taken for it.
+    return text.startsWith(byteOrderMark) ? text.prepend(byteOrderMark) : text;
 }
 
 void readSettingsFile(const QString &path, SettingsMap &settings)

@@ -27,7 +27,9 @@ std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line);
 /// value removes it. A UTF-8 byte order mark at the start, as editors leave it, is passed over.
 void applySettingsText(const QByteArray &text, SettingsMap &settings);
 
-/// The whole settings file: "key=value\n" for each key in ascending order.
+/// The whole settings file: "key=value\n" for each key in ascending order. Applied to an empty map
+/// it gives @p settings again: if the first key begins with a byte order mark, another one stands
+/// before it.
 QByteArray formatSettings(const SettingsMap &settings);
 
 /// Adds the entries of the file at @p path to @p settings.

@@ -18,6 +18,7 @@ private slots:
     void appliesText();
     void formatsInKeyOrder();
     void writtenTextReadsBackTheSame();
+    void keyWithAByteOrderMark();
     void survivesHugeInput_data();
     void survivesHugeInput();
     void unreadableFileLeavesTheMap_data();
@@ -138,6 +139,17 @@ void TestSettingsFile::writtenTextReadsBackTheSame()
     applySettingsText(text, settings);
     QCOMPARE(settings.size(), 4);
     QCOMPARE(formatSettings(settings), text);
+}
+
+void TestSettingsFile::keyWithAByteOrderMark()
+{
+    SettingsMap settings;
+    applySettingsText("# found in the middle of a file\n\xEF\xBB\xBFkey=1\n", settings);
+    const QByteArray written = formatSettings(settings);
+    QCOMPARE(written, QByteArray("\xEF\xBB\xBF\xEF\xBB\xBFkey=1\n"));
+    SettingsMap again;
+    applySettingsText(written, again);
+    QCOMPARE(again, settings);
 }
 
 void TestSettingsFile::survivesHugeInput_data()
