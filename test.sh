@@ -9,11 +9,11 @@ usage() {
     cat <<'TEXT'
 Usage: ./test.sh [OPTION]
 
-Installs the missing Debian packages, builds, checks format and code, and runs
-every test twice: with the address and undefined-behaviour sanitizers, then as
-released. Needs root or sudo.
+Installs the missing Debian packages, builds, checks format and code, fuzzes the
+readers of foreign text, and runs every test twice: with the address and
+undefined-behaviour sanitizers, then as released. Needs root or sudo.
 
-  --quick   Leaves out the code checks and the run with sanitizers.
+  --quick   Leaves out the code checks, the fuzzing and the run with sanitizers.
   --help    Shows this text.
 TEXT
 }
@@ -29,13 +29,16 @@ esac
 
 need_root
 needed=("${build_packages[@]}" "${panel_packages[@]}")
-[ "$quick" = yes ] || needed+=("${check_packages[@]}" "${bench_packages[@]}") # all code is checked
+# all code is checked, also that of benchmarks
+[ "$quick" = yes ] ||
+    needed+=("${check_packages[@]}" "${bench_packages[@]}" "${fuzz_packages[@]}")
 install_packages "${needed[@]}"
 # A test counts as two of these, one that only waits as one: there is a place for the waiting ones.
 places=$((2 * $(nproc) + 2))
 build_preset release
 if [ "$quick" = no ]; then
     scripts/check-code.sh build
+    tests/fuzz/run.sh --seconds 20
     build_preset sanitize
     ctest --preset sanitize --parallel "$places"
 fi

@@ -1,0 +1,78 @@
+#include "fuzz.h"
+
+#include "factory/linktest.h"
+#include "factory/resultview.h"
+#include "system/process.h"
+
+#include <QApplication>
+#include <QTextEdit>
+
+namespace {
+constexpr char rest = '\x7f'; // all bytes that are left come as one chunk
+
+/// The view as the factory window has it, without a screen.
+QTextEdit *resultView()
+{
+    static int count = 1;
+    static char name[] = "fuzz_echo";
+    static char *arguments[] = {name, nullptr};
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static const QApplication application(count, arguments);
+    static QTextEdit view;
+    return &view;
+}
+
+/// The chunks that the input is cut into: each is led by its length.
+QList<QByteArray> chunks(QByteArray input)
+{
+    QList<QByteArray> found;
+    while (!input.isEmpty()) {
+        const qsizetype length = input.front() == rest ? input.size() : quint8(input.front());
+        found += input.mid(1, length);
+        input = input.mid(1 + length);
+    }
+    return found;
+}
+
+QString lastLine(const QTextEdit *view)
+{
+    return view->toPlainText().section('\n', -1);
+}
+
+/// The text of a serial echo goes on where the last chunk ended.
+void readSerial(QTextEdit *view, const QList<QByteArray> &input)
+{
+    const QString expected = serialPayload("/dev/ttyS0", linkTestCharacters);
+    QString received;
+    view->clear();
+    for (const QByteArray &chunk : input) {
+        received += byteText(chunk);
+        showText(view, view->toPlainText() + byteText(chunk));
+    }
+    addVerdict(view, expected);
+    require((lastLine(view) == "Test Ok!") == (received == expected));
+}
+
+/// Each chunk of a network echo is a paragraph.
+void readEther(QTextEdit *view, const QList<QByteArray> &input)
+{
+    const QString expected = etherPayload(1, linkTestCharacters);
+    QString received;
+    view->clear();
+    for (const QByteArray &chunk : input) {
+        received += received.isEmpty() ? QString() : QString('\n');
+        received += byteText(chunk);
+        addParagraph(view, byteText(chunk));
+    }
+    addVerdict(view, expected);
+    require((lastLine(view) == "Test Ok!") == (received == expected));
+}
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QList<QByteArray> input = chunks(inputBytes(data, size));
+    readSerial(resultView(), input);
+    readEther(resultView(), input);
+    return 0;
+}

@@ -1,0 +1,17 @@
+#include "fuzz.h"
+
+#include "factory/linktest.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QString text = QString::fromUtf8(inputBytes(data, size));
+    const auto peer = parsePeerAddress(text);
+    require(!peer || text.count(':') == 1);
+    if (peer) {
+        require(peer->port != 0 && !peer->host.isEmpty() && peer->host == peer->host.trimmed());
+        const auto again = parsePeerAddress(peer->host + ':' + QString::number(peer->port));
+        require(again && again->host == peer->host && again->port == peer->port);
+    }
+    linkNumber(text); // any text is a test's name: it only has to come back
+    return 0;
+}

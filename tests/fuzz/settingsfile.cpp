@@ -1,0 +1,19 @@
+#include "fuzz.h"
+
+#include "system/settingsfile.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    SettingsMap settings;
+    applySettingsText(inputBytes(data, size), settings);
+    for (auto entry = settings.cbegin(); entry != settings.cend(); ++entry) {
+        require(!entry.key().isEmpty() && !entry.value().isEmpty());
+    }
+    // What is written is read as the same settings, and so written as the same text.
+    const QByteArray written = formatSettings(settings);
+    SettingsMap again;
+    applySettingsText(written, again);
+    require(again == settings);
+    require(formatSettings(again) == written);
+    return 0;
+}
