@@ -1,0 +1,92 @@
+// Saves one thing and is killed on the way: savestep WHAT NUMBER. Ends with status 0 if the save
+// needs fewer calls than NUMBER.
+
+#include "countedcalls.h"
+#include "packages/packageinstaller.h"
+#include "panelguard.h"
+#include "settingspage.h"
+#include "system/atomicfile.h"
+#include "system/filecopy.h"
+#include "system/paths.h"
+#include "system/settingsfile.h"
+#include "system/startup.h"
+#include "system/versionfiles.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLineEdit>
+#include <QTest>
+
+namespace {
+/// The second port's fixed address, typed and confirmed on the page.
+void saveNetwork(int number)
+{
+    const SettingsPage page("Ethernet:3", "kept=1\n");
+    QTest::mouseClick(page.page()->findChild<QAbstractButton *>("manual_input_radioButton2"),
+                      Qt::LeftButton);
+    page.page()->findChild<QLineEdit *>("ip_address_lineEdit2")->setText("10.0.0.9");
+    killAtCall(number);
+    page.leave("ok");
+    killAtCall(0); // what comes is no save
+}
+
+void saveSettings(int number)
+{
+    killAtCall(number);
+    writeSettingsFile(Paths::settingsFile, {{"kept", "1"}, {"new", "1"}});
+}
+
+void saveVersion(int number)
+{
+    killAtCall(number);
+    setCurrentRuntimeVersion(13);
+}
+
+void saveRules(int number)
+{
+    killAtCall(number);
+    replaceFile(Paths::namingRulesFile, "new\n");
+}
+
+void copyFont(int number)
+{
+    killAtCall(number);
+    copyToNewFile("/media/usb0/new.ttf", QString(Paths::fontFolder) + "new.ttf");
+}
+
+void installApplication(int number)
+{
+    killAtCall(number);
+    installPackage("/media/usb0/package");
+}
+
+struct Save
+{
+    const char *name;
+    void (*run)(int number);
+};
+
+constexpr Save saves[] = {
+    {"application", installApplication},
+    {"font", copyFont},
+    {"network", saveNetwork},
+    {"rules", saveRules},
+    {"settings", saveSettings},
+    {"version", saveVersion},
+};
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    requirePanel();
+    shieldFromEnvironment();
+    const QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    for (const Save &save : saves) {
+        if (arguments.size() == 3 && arguments.at(1) == save.name) {
+            save.run(arguments.at(2).toInt());
+            return EXIT_SUCCESS;
+        }
+    }
+    return EXIT_FAILURE;
+}

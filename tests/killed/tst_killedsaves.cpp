@@ -1,0 +1,185 @@
+#include "diskfiles.h"
+#include "faketools.h"
+#include "packagefiles.h"
+#include "panelfiles.h"
+#include "panelguard.h"
+#include "system/paths.h"
+
+#include <QDir>
+#include <QMap>
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+#include <functional>
+
+using namespace Kinds;
+
+namespace {
+constexpr int mostCalls = 200; // a save that needs more does not end
+
+/// How often a file was found in each state.
+using Counts = QMap<QByteArray, int>;
+
+bool saveIsKilled(const QString &what, int number)
+{
+    QProcess save;
+    save.setProcessChannelMode(QProcess::MergedChannels);
+    save.start(SAVESTEP, {what, QString::number(number)});
+    if (!save.waitForFinished()) {
+        qFatal("savestep does not end");
+    }
+    const bool wasKilled = save.exitStatus() == QProcess::CrashExit && save.exitCode() == SIGKILL;
+    if (!wasKilled && save.exitCode() != 0) {
+        qFatal("savestep failed: %s", save.readAll().constData());
+    }
+    return wasKilled;
+}
+
+/// What is at @p path after a save was killed.
+QByteArray stateOf(const QByteArray &path, const QByteArray &before, const QByteArray &after)
+{
+    const QByteArray found = readFile(path);
+    if (found == before) {
+        return "old";
+    }
+    if (found == after) {
+        return "new";
+    }
+    return found.isEmpty() ? "empty" : "part";
+}
+
+/// Files beside the named ones, which are left by a save that ended too early.
+int leftBeside(const QString &folder, const QStringList &known)
+{
+    QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden);
+    names.removeIf([&known](const QString &name) { return known.contains(name); });
+    for (const QString &name : names) {
+        QFile::remove(folder + '/' + name);
+    }
+    return int(names.size());
+}
+
+/// Kills the save @p what at each of its calls in turn; @p look says what is found after each. The
+/// last one is not killed.
+Counts killAtEachCall(const char *what, const std::function<void()> &prepare,
+                      const std::function<QByteArray()> &look)
+{
+    Counts counts;
+    for (int number = 1; number < mostCalls; ++number) {
+        prepare();
+        const bool wasKilled = saveIsKilled(what, number);
+        ++counts[look()];
+        if (!wasKilled) {
+            qInfo() << what << number - 1 << "calls" << counts;
+            return counts;
+        }
+    }
+    qFatal("%s needs more than %d calls", what, mostCalls);
+}
+} // namespace
+
+class TestKilledSaves : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void networkIsOldOrNew();
+    void settingsMayBeEmpty();
+    void versionMayBeEmpty();
+    void rulesAreOldOrNew();
+    void fontIsWholeOrNotThere();
+    void applicationLeavesAtMostItsArchive();
+};
+
+void TestKilledSaves::initTestCase()
+{
+    requirePanel();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+void TestKilledSaves::networkIsOldOrNew()
+{
+    const FakeTools tools({"ifconfig", "dhclient", "xrandr", "xset", "xinput", "du"});
+    const QByteArray old = "auto lo\n";
+    saveIsKilled("network", mostCalls);
+    const QByteArray whole = readFile(Paths::interfacesFile);
+    const QByteArray settings = readPanelFile("bios.ini");
+    QVERIFY(whole.contains("address 10.0.0.9"));
+    QVERIFY(settings.contains("ethernet.eth1=10.0.0.9"));
+    Counts lost;
+    int left = 0;
+    const Counts counts = killAtEachCall(
+        "network", [&old] { writeFile(Paths::interfacesFile, old); },
+        [&] {
+            ++lost[stateOf(Paths::settingsFile, "kept=1\n", settings)];
+            left += leftBeside("/etc/network", {"interfaces"});
+            return stateOf(Paths::interfacesFile, old, whole);
+        });
+    qInfo() << "bios.ini" << lost << "temporary files left" << left;
+    QCOMPARE(counts.keys(), (QList<QByteArray>{"new", "old"}));
+    QVERIFY(counts.value("old") > 3); // at each step before the file is replaced
+    QCOMPARE(lost.keys(), (QList<QByteArray>{"empty", "new", "old"}));
+    QCOMPARE(lost.value("empty"), 1); // between opening and writing it
+}
+
+void TestKilledSaves::settingsMayBeEmpty()
+{
+    const Counts counts = killAtEachCall(
+        "settings", [] { writePanelFile("bios.ini", "kept=1\n"); },
+        [] { return stateOf(Paths::settingsFile, "kept=1\n", "kept=1\nnew=1\n"); });
+    QCOMPARE(counts, (Counts{{"old", 1}, {"empty", 1}, {"new", 1}}));
+}
+
+void TestKilledSaves::versionMayBeEmpty()
+{
+    const Counts counts = killAtEachCall(
+        "version", [] { writePanelFile("fwver", "12\n"); },
+        [] { return stateOf(Paths::runtimeVersionFile, "12\n", "13"); });
+    QCOMPARE(counts, (Counts{{"old", 1}, {"empty", 1}, {"new", 1}}));
+}
+
+void TestKilledSaves::rulesAreOldOrNew()
+{
+    const Counts counts = killAtEachCall(
+        "rules", [] { writeFile(Paths::namingRulesFile, "old\n"); },
+        [] { return stateOf(Paths::namingRulesFile, "old\n", "new\n"); });
+    QCOMPARE(counts.keys(), (QList<QByteArray>{"new", "old"}));
+}
+
+void TestKilledSaves::fontIsWholeOrNotThere()
+{
+    const QByteArray font(3000, 'f');
+    const QByteArray copy = QByteArray(Paths::fontFolder) + "new.ttf";
+    writeFile("/media/usb0/new.ttf", font);
+    int left = 0;
+    const Counts counts = killAtEachCall(
+        "font", [] { emptyFolder(Paths::fontFolder); },
+        [&] {
+            left += leftBeside(Paths::fontFolder, {"new.ttf"});
+            return stateOf(copy, "none", font);
+        });
+    qInfo() << "temporary files left" << left;
+    QCOMPARE(counts.keys(), (QList<QByteArray>{"new", "old"}));
+}
+
+void TestKilledSaves::applicationLeavesAtMostItsArchive()
+{
+    const QByteArray package = packageBytes(application, 12, "K21T", smallArchive());
+    int most = 0;
+    const Counts counts = killAtEachCall(
+        "application",
+        [&package] {
+            resetInstalledFiles();
+            writeFile("/media/usb0/package", package);
+        },
+        [&most] {
+            most = qMax(most, leftBeside("/tmp", {}));
+            return stateOf("/home/dest/both", "old\n", "new\n");
+        });
+    QCOMPARE(counts.keys(), (QList<QByteArray>{"new", "old"}));
+    QCOMPARE(most, 1);
+}
+
+QTEST_GUILESS_MAIN(TestKilledSaves)
+#include "tst_killedsaves.moc"
