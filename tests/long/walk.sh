@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Touches the program's windows at random, 20,000 times: as released, for the memory, and with the
+# sanitizers, for errors and leaks.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
+# shellcheck source=scripts/common.sh
+. scripts/common.sh
+
+usage() {
+    echo "Usage: tests/long/walk.sh [SEED [STEPS]]: the walk number SEED, 1 if not given"
+}
+
+case "${1:-}" in
+    --help) usage && exit 0 ;;
+    -*) usage >&2 && exit 2 ;;
+esac
+install_packages "${build_packages[@]}" "${panel_packages[@]}"
+status=0
+for preset in release sanitize; do
+    build_preset "$preset" randomwalk
+    folder=build
+    [ "$preset" = release ] || folder=build-$preset
+    echo "$preset"
+    LSAN_OPTIONS=suppressions=$PWD/tests/leaks.supp:print_suppressions=0 \
+        simulator/panel --build "$folder" --display xvfb -- \
+        "$folder/tests/randomwalk" --seed "${1:-1}" --steps "${2:-20000}" || status=1
+done
+exit "$status"

@@ -1,0 +1,211 @@
+#include "fingerwalk.h"
+
+#include <QAbstractButton>
+#include <QAbstractScrollArea>
+#include <QApplication>
+#include <QLabel>
+#include <QScopedValueRollback>
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+
+namespace {
+constexpr int moodLength = 60;   // steps between two changes of how the tools behave
+constexpr int rescueHold = 2600; // ms: more than two seconds, seen by a poll
+constexpr int longestHold = 120; // ms of the others
+constexpr int dragSteps = 4;
+constexpr int waitForTouch = 5; // ms
+
+bool canBeTouched(const QWidget *widget)
+{
+    return widget->isVisible() && widget->isEnabled() && !widget->visibleRegion().isEmpty()
+        && widget->testAttribute(Qt::WA_WState_Created);
+}
+
+/// The widgets of @p window that may react to a finger, the small ones: not their containers.
+QList<QWidget *> touchables(const QWidget *window)
+{
+    QList<QWidget *> found;
+    for (QWidget *widget : window->findChildren<QWidget *>()) {
+        const bool isContainer = !widget->findChildren<QWidget *>().isEmpty()
+            && qobject_cast<QAbstractScrollArea *>(widget) == nullptr;
+        const bool isText = qobject_cast<QLabel *>(widget) != nullptr;
+        if (widget->window() == window && !isContainer && !isText && canBeTouched(widget)) {
+            found += widget;
+        }
+    }
+    return found;
+}
+
+QWidget *visibleKeypad()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("MyInputPanel") && widget->isVisible()) {
+            return widget;
+        }
+    }
+    return nullptr;
+}
+
+/// The window that lies above the others without being modal, for example a pixel test.
+QWidget *topWindow()
+{
+    QWidget *top = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        const bool isWindow = widget->windowType() == Qt::Window
+            || widget->windowType() == Qt::Dialog || widget->isFullScreen();
+        if (isWindow && widget->isVisible() && !widget->inherits("MyInputPanel")) {
+            top = widget; // the last one shown is the last of the list
+        }
+    }
+    return top;
+}
+
+QPoint inWindow(const QWidget *widget, QPoint at)
+{
+    return widget->mapTo(widget->window(), at);
+}
+} // namespace
+
+FingerWalk::FingerWalk(quint32 seed, int steps)
+    : m_random(seed)
+    , m_steps(steps)
+{
+}
+
+void FingerWalk::runFor(int steps)
+{
+    m_lastStep = qMin(m_step + steps, m_steps);
+    m_tools.forgetCalls();
+    m_sinceStep.start();
+    QTimer::singleShot(0, this, &FingerWalk::takeStep);
+    QApplication::exec();
+    m_lastStep = 0; // what is left in the queue does nothing
+    QApplication::processEvents();
+}
+
+/// The next step is asked for before this one is taken: a dialog that opens now runs an event loop
+/// of its own, in which it has to be touched.
+void FingerWalk::takeStep()
+{
+    if (m_step >= m_lastStep) {
+        QApplication::exit();
+        return;
+    }
+    if (m_isTouching) {
+        QTimer::singleShot(waitForTouch, this, &FingerWalk::takeStep);
+        return;
+    }
+    QTimer::singleShot(0, this, &FingerWalk::takeStep);
+    measurePause();
+    if (m_step % moodLength == 0) {
+        changeMood();
+    }
+    ++m_step;
+    touch();
+}
+
+void FingerWalk::measurePause()
+{
+    const qint64 pause = m_sinceStep.restart();
+    if (pause > m_longestPause) {
+        m_longestPause = pause;
+        m_longestPauseStep = m_step;
+    }
+}
+
+/// Tools behave well most of the time.
+void FingerWalk::changeMood()
+{
+    m_tools.setMood(chance(70) ? 0 : m_random.bounded(FickleTools::moods));
+}
+
+void FingerWalk::touch()
+{
+    QWidget *window = currentWindow();
+    if (window == nullptr) {
+        return;
+    }
+    QWidget *target = chooseTarget(window);
+    ++m_touched[QString("%1 in %2")
+                    .arg(target->metaObject()->className(), window->metaObject()->className())];
+    const QRect area = target->visibleRegion().boundingRect();
+    const QPoint at(area.left() + int(m_random.bounded(area.width())),
+                    area.top() + int(m_random.bounded(area.height())));
+    const int kind = m_random.bounded(1000);
+    if (kind < 60) {
+        drag(target, at);
+    } else if (kind < 100) {
+        hold(target, at);
+    } else {
+        tap(target, at);
+    }
+}
+
+QWidget *FingerWalk::currentWindow()
+{
+    if (QWidget *popup = QApplication::activePopupWidget()) {
+        return popup;
+    }
+    if (QWidget *keypad = visibleKeypad(); keypad != nullptr && chance(70)) {
+        return keypad;
+    }
+    QWidget *modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : topWindow();
+}
+
+/// Mostly something that reacts, sometimes whatever is there.
+QWidget *FingerWalk::chooseTarget(QWidget *window)
+{
+    const QList<QWidget *> all = touchables(window);
+    return all.isEmpty() || chance(5) ? window : all.at(m_random.bounded(all.size()));
+}
+
+void FingerWalk::tap(QWidget *target, QPoint at)
+{
+    QWindow *window = target->window()->windowHandle();
+    const QPoint place = inWindow(target, at);
+    {
+        const QScopedValueRollback touching(m_isTouching, true);
+        QTest::mousePress(window, Qt::LeftButton, {}, place);
+    }
+    // Not within the press: a release may open a dialog.
+    if (const QPointer<QWindow> alive = window) {
+        QTest::mouseRelease(window, Qt::LeftButton, {}, place);
+    }
+}
+
+void FingerWalk::hold(QWidget *target, QPoint at)
+{
+    const bool isRescue = chance(3);
+    const QPointer<QWindow> window = target->window()->windowHandle();
+    const QPoint place = inWindow(target, at);
+    {
+        const QScopedValueRollback touching(m_isTouching, true);
+        m_tools.setFinger(true);
+        QTest::mousePress(window, Qt::LeftButton, {}, place);
+        QTest::qWait(isRescue ? rescueHold : int(m_random.bounded(longestHold)));
+        m_tools.setFinger(false);
+    }
+    if (window) {
+        QTest::mouseRelease(window, Qt::LeftButton, {}, place);
+    }
+}
+
+void FingerWalk::drag(QWidget *target, QPoint at)
+{
+    const QPointer<QWindow> window = target->window()->windowHandle();
+    QPoint place = inWindow(target, at);
+    const QPoint way(int(m_random.bounded(-20, 20)), int(m_random.bounded(-60, 60)));
+    {
+        const QScopedValueRollback touching(m_isTouching, true);
+        QTest::mousePress(window, Qt::LeftButton, {}, place);
+        for (int moved = 0; moved < dragSteps && window; ++moved) {
+            place += way;
+            QTest::mouseMove(window, place, 1);
+        }
+    }
+    if (window) {
+        QTest::mouseRelease(window, Qt::LeftButton, {}, place);
+    }
+}

@@ -1,0 +1,144 @@
+// Touches the program's windows at random, for long, and looks whether it holds.
+
+#include "diskfiles.h"
+#include "factory/softwaresetup.h"
+#include "fingerwalk.h"
+#include "inputpanel/platformbridge.h"
+#include "panelguard.h"
+#include "shell/biosinterface.h"
+#include "system/paths.h"
+#include "system/startup.h"
+#include "widgets/touchstyle.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QPixmapCache>
+#include <QTest>
+
+#include <cstdio>
+#include <memory>
+
+#include <malloc.h>
+#include <unistd.h>
+
+namespace {
+constexpr int stepsOfARun = 250;   // then the program is started anew
+constexpr int settledAfter = 1000; // steps after which memory is looked at first
+constexpr int factoryRun = 3;      // each third of them is of the factory window
+constexpr int pauseLimit = 8000;   // ms: a hold of the finger and several slow tools
+constexpr double growthLimit = 1.02;
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool countsMemory = false; // the sanitizer keeps what is freed
+#else
+constexpr bool countsMemory = true;
+#endif
+
+/// Bytes that the program holds, without the toolkit's cache of pictures, which has a limit of its
+/// own (10 MB) and fills slowly.
+size_t heapInUse()
+{
+    QPixmapCache::clear();
+    malloc_trim(0);
+    const struct mallinfo2 information = mallinfo2();
+    return information.uordblks + information.hblkhd;
+}
+
+/// One start of the program, to its end or to the end of its steps.
+void runProgram(FingerWalk &walk)
+{
+    const int number = walk.step() / stepsOfARun;
+    std::unique_ptr<QWidget> window;
+    if (number % factoryRun == factoryRun - 1) {
+        QApplication::setStyle(new TouchStyle);
+        window = std::make_unique<SoftwareSetup>();
+    } else {
+        window = std::make_unique<BiosInterface>();
+    }
+    window->show();
+    window->activateWindow(); // touches made here do not reach the server, which would do it
+    if (!QTest::qWaitForWindowActive(window.get())) {
+        qFatal("the window does not become active");
+    }
+    walk.runFor((number + 1) * stepsOfARun - walk.step());
+}
+
+/// What a walk may wear out is put back: the runtime's script, an application, the calibration.
+void repairPanel()
+{
+    writeFile(Paths::runtimeScript, "exit 0\n");
+    writeFile(Paths::sessionScript);
+    writeFile(Paths::namingRulesFile);
+    shellBytes("mkdir -p /home/dest/compile; chmod 755 /opt/talmero/bios/runapp.sh;"
+               "rm -f /usr/share/fonts/truetype/freefont/*; rm -rf /tmp/*.??????");
+}
+
+/// Where the figures go. What the tools print of their own goes nowhere.
+FILE *figures()
+{
+    static FILE *const kept = [] {
+        FILE *output = fdopen(dup(STDOUT_FILENO), "w");
+        return std::freopen("/dev/null", "w", stdout) != nullptr ? output : nullptr;
+    }();
+    return kept;
+}
+
+void printFigures(const FingerWalk &walk, size_t settled, size_t atEnd)
+{
+    for (auto kind = walk.touched().cbegin(); kind != walk.touched().cend(); ++kind) {
+        std::fprintf(figures(), "%7d  %s\n", kind.value(), qPrintable(kind.key()));
+    }
+    std::fprintf(figures(), "longest pause: %lld ms after step %d\n",
+                 static_cast<long long>(walk.longestPause()), walk.longestPauseStep());
+    if (countsMemory) {
+        std::fprintf(figures(), "memory in use: %zu bytes after %d steps, %zu at the end (%.4f)\n",
+                     settled, settledAfter, atEnd, double(atEnd) / double(settled));
+    }
+}
+
+struct Options
+{
+    quint32 seed = 1;
+    int steps = 20000;
+};
+
+Options readOptions(const QStringList &arguments)
+{
+    const QCommandLineOption seed("seed", "Which walk, from 1 on.", "N", "1");
+    const QCommandLineOption steps("steps", "How many taps and holds.", "N", "20000");
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addOptions({seed, steps});
+    parser.process(arguments);
+    return {parser.value(seed).toUInt(), parser.value(steps).toInt()};
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    requirePanel();
+    shieldFromEnvironment();
+    selectInputContextPlugin();
+    const QApplication application(argc, argv);
+    const Options options = readOptions(QApplication::arguments());
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
+        if (type == QtFatalMsg) {
+            std::fprintf(stderr, "%s\n", qPrintable(text));
+        }
+    });
+
+    std::fprintf(figures(), "seed %u, %d steps\n", options.seed, options.steps);
+    FingerWalk walk(options.seed, options.steps);
+    size_t settled = 0;
+    while (!walk.isDone()) {
+        repairPanel();
+        runProgram(walk);
+        if (settled == 0 && walk.step() >= settledAfter) {
+            settled = heapInUse();
+        }
+    }
+    const size_t atEnd = heapInUse();
+    printFigures(walk, settled, atEnd);
+    const bool grew = countsMemory && settled > 0 && double(atEnd) > double(settled) * growthLimit;
+    return grew || walk.longestPause() > pauseLimit ? EXIT_FAILURE : EXIT_SUCCESS;
+}
