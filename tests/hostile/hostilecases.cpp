@@ -60,10 +60,16 @@ void resetPanel()
 }
 } // namespace
 
+bool takesAllCases()
+{
+    return qEnvironmentVariableIsSet("HOSTILE_ALL");
+}
+
 void makeSticks(int seed, const QByteArray &folder)
 {
-    shellBytes(QString("python3 '%1' %2 '%3'")
-                   .arg(HOSTILE_GENERATOR, QString::number(seed), QString::fromUtf8(folder)));
+    shellBytes(QString("python3 '%1' %2 %3 '%4'")
+                   .arg(HOSTILE_GENERATOR, takesAllCases() ? "--all" : "", QString::number(seed),
+                        QString::fromUtf8(folder)));
 }
 
 const QList<HostileCase> &hostileCases()

@@ -31,6 +31,9 @@ struct HostileTree
 const QList<HostileCase> &hostileCases();
 const QList<HostileTree> &hostileTrees();
 
+/// Whether the volume of the long run is asked for, by HOSTILE_ALL.
+bool takesAllCases();
+
 /// Runs the generator. The test program ends if it fails.
 void makeSticks(int seed, const QByteArray &folder);
 

@@ -148,6 +148,12 @@ def streams(random):
     yield Case("gzip", "endless-file", [header()], [1], "", setup="small-temporary")
 
 
+def large():
+    """Takes tar longer than the panel gives it."""
+    yield application("large", "longer-than-30-s", archives.zeros(64 << 10), "+/home/dest/zeros",
+                      setup="small-target")
+
+
 def flip(name, package, bit):
     data = bytearray(package)
     data[bit // 8] ^= 1 << bit % 8
