@@ -64,7 +64,7 @@ QByteArray contentOf(const QByteArray &path, const struct stat &status)
         return QByteArray::number(quint64(status.st_rdev));
     }
     // A further name of the file is a change of it.
-    const QByteArray size = QByteArray::number(qint64(status.st_size)) + ' '
+    QByteArray size = QByteArray::number(qint64(status.st_size)) + ' '
         + QByteArray::number(quint64(status.st_nlink));
     if (status.st_size == 0 || status.st_size > largestRead) {
         return size;
@@ -93,9 +93,8 @@ void DiskSnapshot::addBelow(const QByteArray &folder)
          ++entry) {
         const QByteArray name = QByteArray::fromStdString(entry->path().string());
         // Folders of the test program itself come and go, and so does what the checkout holds.
-        if (name.startsWith("/tmp/tst_") && entry->is_directory()) {
-            entry.disable_recursion_pending();
-        } else if (name == checkout) {
+        const bool isOwn = name.startsWith("/tmp/tst_") && entry->is_directory();
+        if (isOwn || name == checkout) {
             entry.disable_recursion_pending();
         } else {
             add(name);

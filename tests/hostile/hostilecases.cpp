@@ -168,7 +168,7 @@ QByteArray takeKeptFile()
     if (path.isEmpty()) {
         return {};
     }
-    const QByteArray content = readFile(path);
+    QByteArray content = readFile(path);
     QFile::remove(path);
     return content;
 }
