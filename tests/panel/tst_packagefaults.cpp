@@ -3,6 +3,7 @@
 #include "diskfiles.h"
 #include "failingreads.h"
 #include "faketools.h"
+#include "faultfiles.h"
 #include "packagefiles.h"
 #include "packages/packagecheck.h"
 #include "panelfiles.h"
@@ -14,34 +15,14 @@
 
 #include <csignal>
 
-#include <sys/mount.h>
 #include <unistd.h>
 
 using namespace Kinds;
 
 namespace {
 constexpr char smallFolder[] = "/run/small";
+constexpr char smallSize[] = "size=64k";
 constexpr int unpackLimit = 30000; // ms
-
-/// A file system of 64 KiB for as long as this lives.
-class SmallDisk
-{
-public:
-    explicit SmallDisk(const char *path)
-        : m_path(path)
-    {
-        QDir().mkpath(path);
-        if (mount("test", path, "tmpfs", 0, "size=64k") != 0) {
-            qFatal("cannot mount %s", path);
-        }
-    }
-    ~SmallDisk() { umount(m_path); }
-    Q_DISABLE_COPY_MOVE(SmallDisk)
-
-private:
-    const char *m_path;
-};
-
 } // namespace
 
 class TestPackageFaults : public QObject
@@ -207,7 +188,7 @@ void TestPackageFaults::noRoomForTheArchive()
     writeFile("/media/usb0/image", packageBytes(biosImage, 4, "", largeArchive()));
     const QStringList before = installedState();
     {
-        const SmallDisk disk(smallFolder);
+        const SmallDisk disk(smallFolder, smallSize);
         const TemporaryFolder folder(smallFolder);
         QCOMPARE(installPackage(packagePath), int(OpenFileError));
         QCOMPARE(installBIOSPackage("/media/usb0/image"), int(BiosNotStored));
@@ -221,7 +202,7 @@ void TestPackageFaults::noRoomForTheArchive()
 
 void TestPackageFaults::noRoomInTheTarget()
 {
-    const SmallDisk disk("/home/dest");
+    const SmallDisk disk("/home/dest", smallSize);
     install(application, 12, "K21T", largeArchive(), Installed);
     QCOMPARE(readFile("/home/dest/a"), QByteArray("first\n")); // what tar could unpack
     shellBytes("rm -rf /home/dest/*");

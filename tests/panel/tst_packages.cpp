@@ -4,7 +4,7 @@
 #include "panelfiles.h"
 #include "panelguard.h"
 #include "panelprogram.h"
-#include "panelscreen.h"
+#include "transferscreen.h"
 
 #include <QDir>
 #include <QImage>
@@ -17,37 +17,18 @@ using namespace Kinds;
 namespace {
 // On a screen of 800x600.
 constexpr QPoint fontsButton = pageButtons[0].place;
-constexpr QPoint transferButton = pageButtons[2].place;
 constexpr QPoint statusButton = pageButtons[3].place;
-constexpr QPoint firmwareChoice(490, 92);
 constexpr QPoint updateButton(700, 517);
 constexpr QRect firmwareRow(400, 200, 300, 40);
 constexpr QRect listArea(40, 125, 680, 420);
 constexpr char pickerTitle[] = "Select BIOS Image";
 constexpr int rowHeight = 45;
-constexpr int firstTransferRow = 135;
 constexpr int firstFontRow = 91;
 constexpr char fontFolder[] = "/usr/share/fonts/truetype/freefont";
-
-QPoint transferRow(int row)
-{
-    return {600, firstTransferRow + row * rowHeight};
-}
 
 QPoint fontRow(int row)
 {
     return {600, firstFontRow + row * rowHeight};
-}
-
-/// The bar of a chosen row is a gradient of blues; nothing else on the pages is blue.
-bool isBlue(const QColor &color)
-{
-    return color.red() < 90 && color.blue() > 170;
-}
-
-bool isChosen(QPoint row)
-{
-    return isBlue(screenColor(row + QPoint(50, 10)));
 }
 
 int chosenRows()
@@ -57,43 +38,6 @@ int chosenRows()
         count += isChosen(transferRow(row)) ? 1 : 0;
     }
     return count;
-}
-
-bool showsDialog(const QString &title)
-{
-    return !dialogPlace(title).isNull();
-}
-
-/// Closes the box that tells why nothing was installed.
-void acceptWarning(const QString &title)
-{
-    QTRY_VERIFY_WITH_TIMEOUT(showsDialog(title), startLimit);
-    tapScreen(dialogPlace(title).bottomRight() - QPoint(60, 35));
-    QTRY_VERIFY(!showsDialog(title));
-    QTRY_VERIFY(showsMainPage());
-}
-
-std::unique_ptr<PanelProgram> startAtPage(QPoint button)
-{
-    auto program = std::make_unique<PanelProgram>();
-    openMainPage();
-    tapScreen(button);
-    if (!QTest::qWaitFor(showsSettingsPage)) {
-        qFatal("the page does not open");
-    }
-    return program;
-}
-
-void returnToMainPage(QPoint button)
-{
-    tapScreen(button);
-    QTRY_VERIFY_WITH_TIMEOUT(showsMainPage(), startLimit);
-}
-
-void choose(QPoint row)
-{
-    tapScreen(row);
-    QTRY_VERIFY(isChosen(row));
 }
 
 void pullFinger(QPoint from, QPoint to)

@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include <sys/fsuid.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 namespace {
@@ -67,6 +68,20 @@ QByteArray FaultFile::content() const
     QByteArray content = ordinary && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     setfsuid(user);
     return content;
+}
+
+SmallDisk::SmallDisk(const char *path, const char *options)
+    : m_path(path)
+{
+    QDir().mkpath(path);
+    if (mount("test", path, "tmpfs", 0, options) != 0) {
+        qFatal("cannot mount %s", path);
+    }
+}
+
+SmallDisk::~SmallDisk()
+{
+    umount(m_path);
 }
 
 void addUnreadablePathRows()

@@ -25,6 +25,18 @@ private:
     QString m_path;
 };
 
+/// A file system of little room in place of the folder at @p path, for as long as this lives.
+class SmallDisk
+{
+public:
+    SmallDisk(const char *path, const char *options);
+    ~SmallDisk();
+    Q_DISABLE_COPY_MOVE(SmallDisk)
+
+private:
+    const char *m_path;
+};
+
 /// Test rows with a column "kind": every way in which a file cannot be read.
 void addUnreadablePathRows();
 

@@ -1,0 +1,105 @@
+"""Bytes that hostile packages are made of: headers, gzip streams, tar members."""
+import gzip
+import struct
+import tarfile
+
+HEADER_SIZE = 36
+BLOCK = tarfile.BLOCKSIZE
+END = bytes(2 * BLOCK)  # of a tar archive
+
+APPLICATION, FIRMWARE, BIOS_IMAGE = 0, 1, 4
+# What the panel that the packages are for has installed.
+RUNTIME_VERSION, BIOS_VERSION = 12, 3
+MODEL, OEM = b"RV-K21T", b"TALMERO"
+
+
+def header(kind=APPLICATION, version=RUNTIME_VERSION, target=MODEL):
+    return struct.pack("<II12x16s", kind, version, target)
+
+
+def gz(data, level=9):
+    return gzip.compress(data, level, mtime=0)
+
+
+def member(name, data=b"", kind=tarfile.REGTYPE, link="", mode=0o644, **fields):
+    """A tar member as tar writes it, but of any name, also one that tar would not write."""
+    info = tarfile.TarInfo(name)
+    info.size = len(data)
+    info.type = kind
+    info.linkname = link
+    info.mode = mode
+    info.mtime = 946684800
+    for field, value in fields.items():
+        setattr(info, field, value)
+    return info.tobuf(tarfile.GNU_FORMAT, "utf-8", "surrogateescape") + padded(data)
+
+
+def padded(data):
+    return data + bytes(-len(data) % BLOCK)
+
+
+def folder(name, mode=0o755):
+    return member(name, kind=tarfile.DIRTYPE, mode=mode)
+
+
+def symlink(name, target):
+    return member(name, kind=tarfile.SYMTYPE, link=target, mode=0o777)
+
+
+def hardlink(name, target):
+    return member(name, kind=tarfile.LNKTYPE, link=target)
+
+
+def device(name, kind, major, minor):
+    return member(name, kind=kind, devmajor=major, devminor=minor)
+
+
+def pax(records, data):
+    """An extended header with these records, in front of the member @p data."""
+    lines = b""
+    for key, value in records:
+        length = len(key) + len(value) + 3
+        while len(b"%d" % length) + len(key) + len(value) + 3 != length:
+            length = len(b"%d" % length) + len(key) + len(value) + 3
+        lines += b"%d %s=%s\n" % (length, key, value)
+    return member("pax", lines, tarfile.XHDTYPE) + data
+
+
+def patched(data, offset, field, checked=True):
+    """@p data with other bytes in its first tar header; the checksum made right, or left wrong."""
+    block = bytearray(data[:BLOCK])
+    block[offset:offset + len(field)] = field
+    if checked:
+        block[148:156] = b" " * 8
+        block[148:156] = b"%06o\0 " % sum(block)
+    return bytes(block) + data[BLOCK:]
+
+
+def base256(number, size):
+    """A number in a tar header's field that is too large for octal digits."""
+    return b"\x80" + number.to_bytes(size - 1, "big")
+
+
+def archive(*members):
+    return gz(b"".join(members) + END)
+
+
+def many_members(count):
+    """So many empty files, by hand: the library takes seconds for them."""
+    pattern = bytearray(member("many/000000"))
+    start, rest = bytes(pattern[:5]), bytes(pattern[11:148])
+    tail = bytes(pattern[156:])
+    base = sum(pattern[:5]) + sum(rest) + 8 * ord(" ") + sum(tail)
+    blocks = []
+    for number in range(count):
+        digits = b"%06d" % number
+        blocks.append(b"%b%b%b%06o\0 %b" % (start, digits, rest, base + sum(digits), tail))
+    return folder("many") + b"".join(blocks)
+
+
+def zeros(megabytes):
+    """A member of zeros, compressed. A stream of many streams, so that it is made at once."""
+    info = tarfile.TarInfo("zeros")
+    info.size = megabytes << 20
+    head = info.tobuf(tarfile.GNU_FORMAT)
+    return gz(head) + gz(bytes(1 << 20)) * megabytes + gz(END)
