@@ -14,7 +14,7 @@ coverage_packages=(gcovr)
 # shellcheck disable=SC2034
 bench_packages=(libxcb1-dev libxcb-damage0-dev)
 # shellcheck disable=SC2034
-panel_packages=(util-linux iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
+panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
     xserver-xorg-core xserver-xorg-video-dummy xserver-xephyr xvfb x11-utils
     x11-xserver-utils xdotool xinput xinput-calibrator imagemagick
     openbox x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)
