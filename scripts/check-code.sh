@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks format and code: clang-format, clang-tidy, shellcheck, and who includes whom.
+# Checks format and code: clang-format, cppcheck, clang-tidy, shellcheck, and who includes whom.
 # Usage: scripts/check-code.sh BUILD_FOLDER (configured, for its compile_commands.json)
 # A file that was found clean is not looked at again until it or a header changes.
 set -euo pipefail
@@ -13,6 +13,7 @@ sources() {
 
 mapfile -t code < <(sources '*.cpp' '*.h')
 mapfile -t units < <(sources '*.cpp')
+mapfile -t headers < <(sources '*.h')
 mapfile -t scripts < <(sources '*.sh' .ci/run simulator | while read -r file; do
     if head -n 1 "$file" | grep -qE '^#!.*\b(ba)?sh\b' || [[ $file == *.sh ]]; then echo "$file"; fi
 done)
@@ -49,13 +50,39 @@ while IFS=: read -r file _ function; do
     }
 done < <(grep -oE 'tst_[a-z]+::[A-Za-z]+' docs/hazards.md | sort -u)
 
+echo "Headers" # each compiles by itself
+# What compiles a source file, up to the name of the output.
+compiler_of() {
+    python3 -c 'import json, sys
+print(next(unit["command"] for unit in json.load(open(sys.argv[1])) if unit["file"] == sys.argv[2]))' \
+        "$build/compile_commands.json" "$PWD/$1" | sed 's/ -o .*//'
+}
+for header in "${headers[@]}"; do
+    unit=${header%.h}.cpp
+    name=${header##*/}
+    if [ ! -f "$unit" ]; then # as one that includes it is compiled; twice, which must do no harm
+        unit=$(grep -lE "^#include \"(.*/)?$name\"" "${units[@]}" | head -n 1)
+        eval "$(compiler_of "$unit") -fsyntax-only -x c++ -" <<TEXT
+#include "$PWD/$header"
+#include "$PWD/$header"
+TEXT
+    elif ! grep -m 1 '^#include' "$unit" | grep -qE "[\"/]$name\"$"; then # its file sees to it
+        echo "$unit must include its own header first"
+        exit 1
+    fi
+done
+
 echo "Scripts"
 shellcheck --external-sources "${scripts[@]}"
 
 echo "Code"
+# Unused is what neither the program nor a tool uses: what only a test uses counts as unused.
+cppcheck --quiet --error-exitcode=1 --std=c++20 --library=qt -I src -I tools/mkpackage \
+    --enable=warning,style,performance,portability,unusedFunction \
+    --suppress-xml=scripts/cppcheck.xml src tools
+
 stamps=$build/clang-tidy
 mkdir -p "$stamps"
-mapfile -t headers < <(sources '*.h')
 state=$(cat .clang-tidy tests/.clang-tidy "${headers[@]}" | sha256sum | cut -d' ' -f1)
 pending=()
 for unit in "${units[@]}"; do

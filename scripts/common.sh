@@ -8,13 +8,15 @@ export project_root
 # shellcheck disable=SC2034
 build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev)
 # shellcheck disable=SC2034
-check_packages=(clang-format clang-tidy shellcheck)
+check_packages=(clang-format clang-tidy cppcheck shellcheck)
+# shellcheck disable=SC2034
+coverage_packages=(gcovr)
 # shellcheck disable=SC2034
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14 python3)
 # shellcheck disable=SC2034
 bench_packages=(libxcb1-dev libxcb-damage0-dev)
 # shellcheck disable=SC2034
-panel_packages=(util-linux iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
+panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
     xserver-xorg-core xserver-xorg-video-dummy xserver-xephyr xvfb x11-utils
     x11-xserver-utils xdotool xinput xinput-calibrator imagemagick
     openbox x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)

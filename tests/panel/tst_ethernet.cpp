@@ -285,12 +285,20 @@ void TestEthernet::everyInterfacesFileIsAccepted()
     writePanelFile("bios.ini", settings);
     BiosInterface window;
     window.loadEthernetSettings();
-    window.writeEthInterface("10.0.0.1", "10.0.0.1", "255.0.0.0", "255.0.0.0");
+    window.writeEthInterface("10.0.0.1", "10.1.0.2", "255.255.255.0", "255.255.0.0");
+    const char *const addresses[]
+        = {"address: 10.0.0.1\nnetmask: 255.255.255.0\nbroadcast: 10.0.0.255\n",
+           "address: 10.1.0.2\nnetmask: 255.255.0.0\nbroadcast: 10.1.255.255\n"};
     QStringList expected{"lo"};
-    for (const char *port : {"eth0", "eth1"}) {
-        if (!settings.contains(QByteArray(port) + "=\n")) {
-            expected += port;
+    for (int number = 0; number < 2; ++number) {
+        const QString port = QString("eth%1").arg(number);
+        const QByteArray setting = port.toLatin1() + '=';
+        if (settings.contains(setting + '\n')) {
+            continue;
         }
+        expected += port;
+        const bool isFixed = settings.contains(setting + "10.");
+        QCOMPARE(toolOutput({"ifquery", port}), QString(isFixed ? addresses[number] : ""));
     }
     QCOMPARE(toolOutput({"ifquery", "--list"}).split('\n', Qt::SkipEmptyParts), expected);
     toolOutput({"ifup", "--no-act", "--all"}); // ends the test if it refuses the file

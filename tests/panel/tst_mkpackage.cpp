@@ -53,6 +53,8 @@ private slots:
     void initTestCase();
     void init();
     void makesWhatAPanelUnpacks();
+    void otherReadersSeeTheSame_data();
+    void otherReadersSeeTheSame();
     void sameContentsGiveTheSameBytes();
     void timeOfTheFiles();
     void refused_data();
@@ -123,6 +125,57 @@ void TestMkpackage::makesWhatAPanelUnpacks()
             .arg(m_folder->path()));
     QCOMPARE(shellBytes(QString("stat -c %a '%1'").arg(path("line.kpc"))), QByteArray("644\n"));
     QCOMPARE(files(), QStringList{"line.kpc"});
+}
+
+void TestMkpackage::otherReadersSeeTheSame_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("application") << "application"
+                                 << "p.kpc";
+    QTest::newRow("firmware") << "firmware"
+                              << "p.fmw";
+    QTest::newRow("BIOS image") << "bios"
+                                << "p.mo";
+    QTest::newRow("add-on") << "bios"
+                            << "p.pkg";
+}
+
+/// A package is unpacked by whatever tar its reader has, so two of them, which share no code, must
+/// find the same in it.
+void TestMkpackage::otherReadersSeeTheSame()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, name);
+    const QString fill = R"sh(
+        cd '%1/in'; mkdir deep; long=$(head -c 120 /dev/zero | tr '\0' x)
+        for name in 'a b' ' ' 'q"' 'back\' @at '$HOME' "$long" "deep/$long$long" \
+            "$(printf 'line\nbreak')" "$(printf 'tab\there')" "$(printf '\377')" \
+            "$(printf '\033[2J')" "$(printf 'gr\303\274n')"; do
+            echo x >"./$name"
+        done
+        ln -s "$long" ./-link; ln -s ../a deep/up; chmod 4711 @at)sh";
+    shellBytes(fill.arg(m_folder->path()));
+    const Run run = mkpackage({"make", "--kind", kind, "--version", "1", "--target", "T",
+                               "--output", path(name), path("in")});
+    QCOMPARE(run.status, 0);
+    const QString readTwice = R"sh(
+        cd '%1'; mkdir gnu libarchive; tail -c +37 '%2' >archive.tgz
+        tar -tz --quoting-style=escape -f archive.tgz >gnu.txt
+        bsdtar -t -f archive.tgz >libarchive.txt
+        tar -xz -p -C gnu -f archive.tgz; bsdtar -x -p -C libarchive -f archive.tgz
+        for folder in in gnu libarchive; do
+            (cd $folder; find . -mindepth 1 -printf '%P %y %m %s %l\0' | sort -z) >$folder.state
+            rm -r $folder # its names are not all such as QTemporaryDir could remove
+        done)sh";
+    shellBytes(readTwice.arg(m_folder->path(), name));
+    const QByteArray list = readFile(path("gnu.txt").toUtf8());
+    QCOMPARE(readFile(path("libarchive.txt").toUtf8()), list);
+    const QByteArray packed = readFile(path("in.state").toUtf8());
+    QCOMPARE(list.count('\n'), packed.count('\0'));
+    QVERIFY(packed.count('\0') > 20);
+    QVERIFY(readFile(path("gnu.state").toUtf8()) == packed);
+    QVERIFY(readFile(path("libarchive.state").toUtf8()) == packed);
 }
 
 void TestMkpackage::sameContentsGiveTheSameBytes()

@@ -28,6 +28,10 @@ PanelProgram::PanelProgram(const QStringList &arguments)
 
 PanelProgram::~PanelProgram()
 {
+#ifdef PANEL_COVERAGE
+    m_process.terminate(); // lets it write its counters
+    m_process.waitForFinished(endLimit);
+#endif
     m_process.kill();
     m_process.waitForFinished();
 }

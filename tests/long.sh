@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Runs the tests that take too long for test.sh, one part after the other.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+mapfile -t known < <(find tests/long -maxdepth 1 -name '*.sh' -printf '%f\n' | sed 's/\.sh$//' | sort)
+
+usage() {
+    cat <<TEXT
+Usage: tests/long.sh [PART...]
+
+Runs the long tests, or only the named ones, and goes on after one that fails.
+Exit status: 0 if all passed, 1 if one failed, 2 for wrong usage.
+docs/reliability.md has the last results.
+
+Parts: ${known[*]}
+Each is a script in tests/long that has options of its own; see its --help.
+TEXT
+}
+
+is_known() {
+    local part
+    for part in "${known[@]}"; do
+        [ "$part" != "$1" ] || return 0
+    done
+    return 1
+}
+
+for argument in "$@"; do
+    case $argument in
+    --help) usage && exit 0 ;;
+    *) is_known "$argument" || { usage >&2 && exit 2; } ;;
+    esac
+done
+
+[ $# -gt 0 ] || set -- "${known[@]}"
+summary=()
+failed=0
+for part in "$@"; do
+    printf '=== %s\n' "$part"
+    SECONDS=0
+    status=0
+    "tests/long/$part.sh" || status=$?
+    if [ "$status" -eq 0 ]; then
+        result=passed
+    else
+        result="failed with status $status"
+        failed=1
+    fi
+    summary+=("$part: $result after $SECONDS s")
+done
+
+echo "=== Summary"
+printf '%s\n' "${summary[@]}"
+exit "$failed"
