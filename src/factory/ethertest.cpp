@@ -31,6 +31,10 @@ void SoftwareSetup::slotEtherTest()
     if (m_tcpSocket->isOpen()) {
         m_tcpSocket->write(m_expectedEcho.toLatin1());
     }
+    if (m_tcpSocket->state() == QAbstractSocket::UnconnectedState) {
+        delete m_tcpSocket; // no echo will come: kept until the end it would only take memory
+        m_tcpSocket = nullptr;
+    }
 }
 
 void SoftwareSetup::slotEtherEcho()

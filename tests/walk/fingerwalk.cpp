@@ -14,6 +14,7 @@ constexpr int moodLength = 60;   // steps between two changes of how the tools b
 constexpr int rescueHold = 2600; // ms: more than two seconds, seen by a poll
 constexpr int longestHold = 120; // ms of the others
 constexpr int dragSteps = 4;
+constexpr int candidates = 3;   // of which one is touched
 constexpr int waitForTouch = 5; // ms
 
 bool canBeTouched(const QWidget *widget)
@@ -59,6 +60,14 @@ QWidget *topWindow()
         }
     }
     return top;
+}
+
+/// What counts as the same thing: the class, its name and the window that it is in.
+QString kindOf(const QWidget *widget)
+{
+    return QString("%1 %2 in %3")
+        .arg(widget->metaObject()->className(), widget->objectName(),
+             widget->window()->metaObject()->className());
 }
 
 QPoint inWindow(const QWidget *widget, QPoint at)
@@ -154,11 +163,22 @@ QWidget *FingerWalk::currentWindow()
     return modal != nullptr ? modal : topWindow();
 }
 
-/// Mostly something that reacts, sometimes whatever is there.
+/// Mostly something that reacts, of several the kind that was touched least, so that rare things
+/// come soon. Sometimes whatever is there.
 QWidget *FingerWalk::chooseTarget(QWidget *window)
 {
     const QList<QWidget *> all = touchables(window);
-    return all.isEmpty() || chance(5) ? window : all.at(m_random.bounded(all.size()));
+    if (all.isEmpty() || chance(5)) {
+        return window;
+    }
+    QWidget *chosen = nullptr;
+    for (int candidate = 0; candidate < candidates; ++candidate) {
+        QWidget *next = all.at(m_random.bounded(all.size()));
+        if (chosen == nullptr || m_touched.value(kindOf(next)) < m_touched.value(kindOf(chosen))) {
+            chosen = next;
+        }
+    }
+    return chosen;
 }
 
 void FingerWalk::tap(QWidget *target, QPoint at)

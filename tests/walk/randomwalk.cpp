@@ -22,9 +22,8 @@
 #include <unistd.h>
 
 namespace {
-constexpr int stepsOfARun = 250;   // then the program is started anew
+constexpr int stepsOfARun = 250;   // then the panel is put in order and the walk goes on
 constexpr int settledAfter = 1000; // steps after which memory is looked at first
-constexpr int factoryRun = 3;      // each third of them is of the factory window
 constexpr int pauseLimit = 8000;   // ms: a hold of the finger and several slow tools
 constexpr double growthLimit = 1.02;
 
@@ -44,23 +43,29 @@ size_t heapInUse()
     return information.uordblks + information.hblkhd;
 }
 
-/// One start of the program, to its end or to the end of its steps.
-void runProgram(FingerWalk &walk)
+std::unique_ptr<QWidget> createWindow(bool isFactory)
 {
-    const int number = walk.step() / stepsOfARun;
-    std::unique_ptr<QWidget> window;
-    if (number % factoryRun == factoryRun - 1) {
-        QApplication::setStyle(new TouchStyle);
-        window = std::make_unique<SoftwareSetup>();
-    } else {
-        window = std::make_unique<BiosInterface>();
+    if (!isFactory) {
+        return std::make_unique<BiosInterface>();
     }
-    window->show();
+    QApplication::setStyle(new TouchStyle);
+    return std::make_unique<SoftwareSetup>();
+}
+
+/// Walks until the program ends itself or for some steps.
+void walkOn(FingerWalk &walk, QWidget *window)
+{
+    window->show();           // the end of the program has hidden it
     window->activateWindow(); // touches made here do not reach the server, which would do it
-    if (!QTest::qWaitForWindowActive(window.get())) {
+    if (!QTest::qWaitForWindowActive(window)) {
         qFatal("the window does not become active");
     }
-    walk.runFor((number + 1) * stepsOfARun - walk.step());
+    walk.runFor(stepsOfARun - walk.step() % stepsOfARun);
+    for (QWidget *left : QApplication::topLevelWidgets()) {
+        if (left->inherits("KPixelTestWidget")) { // frees itself when it is tapped through
+            delete left;
+        }
+    }
 }
 
 /// What a walk may wear out is put back: the runtime's script, an application, the calibration.
@@ -98,19 +103,21 @@ void printFigures(const FingerWalk &walk, size_t settled, size_t atEnd)
 
 struct Options
 {
+    bool isFactory = false;
     quint32 seed = 1;
     int steps = 20000;
 };
 
 Options readOptions(const QStringList &arguments)
 {
+    const QCommandLineOption factory("factory", "The factory window instead of the settings.");
     const QCommandLineOption seed("seed", "Which walk, from 1 on.", "N", "1");
     const QCommandLineOption steps("steps", "How many taps and holds.", "N", "20000");
     QCommandLineParser parser;
     parser.addHelpOption();
-    parser.addOptions({seed, steps});
+    parser.addOptions({factory, seed, steps});
     parser.process(arguments);
-    return {parser.value(seed).toUInt(), parser.value(steps).toInt()};
+    return {parser.isSet(factory), parser.value(seed).toUInt(), parser.value(steps).toInt()};
 }
 } // namespace
 
@@ -127,12 +134,15 @@ int main(int argc, char *argv[])
         }
     });
 
-    std::fprintf(figures(), "seed %u, %d steps\n", options.seed, options.steps);
+    std::fprintf(figures(), "%s, seed %u, %d steps\n", options.isFactory ? "factory" : "settings",
+                 options.seed, options.steps);
     FingerWalk walk(options.seed, options.steps);
+    repairPanel();
+    const std::unique_ptr<QWidget> window = createWindow(options.isFactory);
     size_t settled = 0;
     while (!walk.isDone()) {
         repairPanel();
-        runProgram(walk);
+        walkOn(walk, window.get());
         if (settled == 0 && walk.step() >= settledAfter) {
             settled = heapInUse();
         }
