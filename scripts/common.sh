@@ -16,6 +16,8 @@ fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14 python3)
 # shellcheck disable=SC2034
 bench_packages=(libxcb1-dev libxcb-damage0-dev)
 # shellcheck disable=SC2034
+valgrind_packages=(valgrind)
+# shellcheck disable=SC2034
 panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
     xserver-xorg-core xserver-xorg-video-dummy xserver-xephyr xvfb x11-utils
     x11-xserver-utils xdotool xinput xinput-calibrator imagemagick
