@@ -103,6 +103,7 @@ private slots:
     void mainPageLayout();
     void pageButtonTextsAreAlike_data();
     void pageButtonTextsAreAlike();
+    void timePageHasNothingToStore();
     void homeKeyNeedsDebugLevel_data();
     void homeKeyNeedsDebugLevel();
     void unplacedButtonsNeverShow();
@@ -292,6 +293,16 @@ void TestSettingsShell::pageButtonTextsAreAlike()
     }
     QVERIFY(size.width() < 800 || font.pixelSize() == 28);
     QVERIFY(font.pixelSize() >= 15); // readable at arm's length
+}
+
+void TestSettingsShell::timePageHasNothingToStore()
+{
+    const QByteArray settings = "app.mouse=1\n";
+    writePanelFile("bios.ini", settings);
+    BiosInterface window;
+    QVERIFY(window.loadTimeSettings());
+    QVERIFY(window.saveTimeSettings());
+    QCOMPARE(readPanelFile("bios.ini"), settings);
 }
 
 void TestSettingsShell::homeKeyNeedsDebugLevel_data()
