@@ -101,6 +101,7 @@ private slots:
     void touchedCountDownOpensMainPage();
     void endOfRuntimeShowsMainPageAtOnce();
     void mainPageLayout();
+    void mainPageButtonText();
     void pageButtonTextsAreAlike_data();
     void pageButtonTextsAreAlike();
     void timePageHasNothingToStore();
@@ -248,7 +249,10 @@ void TestSettingsShell::mainPageLayout()
     QCOMPARE(status.left(), fonts.left());
     QCOMPARE(misc.left(), ethernet.left());
     QCOMPARE(calibration.left(), transfer.left());
+    QCOMPARE(ethernet.top(), fonts.top());
+    QCOMPARE(transfer.top(), fonts.top());
     QCOMPARE(misc.top(), status.top());
+    QCOMPARE(calibration.top(), status.top());
 
     auto *heading = m_window->page()->findChild<QLabel *>();
     QCOMPARE(heading->text(), QString("Settings"));
@@ -267,6 +271,19 @@ void TestSettingsShell::mainPageLayout()
     QCOMPARE(line->frameShadow(), QFrame::Sunken);
     QVERIFY(placeOf(line).bottom() < placeOf(heading).top());
     QVERIFY(placeOf(line).top() > content.top() + 20);
+}
+
+void TestSettingsShell::mainPageButtonText()
+{
+    SettingsButton *run = nullptr;
+    for (auto *button : m_window->page()->findChildren<SettingsButton *>()) {
+        // those of pages have a name, the title is at the top
+        run = button->objectName().isEmpty() && placeOf(button).top() > 0 ? button : run;
+    }
+    QVERIFY(run != nullptr);
+    SettingsButton model("Run Application", run->parentWidget());
+    model.setGeometry(run->geometry());
+    QVERIFY(run->grab().toImage() == model.grab().toImage());
 }
 
 void TestSettingsShell::pageButtonTextsAreAlike_data()
