@@ -55,6 +55,11 @@ count_lines() {
     gcovr --root . --filter src/ --filter tools/ "$@"
 }
 
+# Leaves out the files of which all lines are run. A long name has a line for itself.
+unfinished() {
+    sed -E '/\.(cpp|h)$/ { N; s/\n// }' | grep -v '100%'
+}
+
 install_packages "${build_packages[@]}" "${panel_packages[@]}" "${coverage_packages[@]}"
 status=0
 if [ "$keep" = no ]; then
@@ -66,8 +71,8 @@ add_up
 count_lines --json "$sum/lines.json" "$sum"
 
 echo "tools/, without the files of which all lines are run:"
-count_lines --add-tracefile "$sum/lines.json" --exclude src/ | grep -v '100%'
+count_lines --add-tracefile "$sum/lines.json" --exclude src/ | unfinished
 echo "src/, likewise:"
 count_lines --add-tracefile "$sum/lines.json" --exclude tools/ --fail-under-line "$needed" |
-    grep -v '100%' || status=1
+    unfinished || status=1
 exit "$status"

@@ -62,6 +62,8 @@ private slots:
     void outputThatIsNoPlainFile();
     void refusalKeepsTheOldFile();
     void toolsMissingOrFailing();
+    void noRoomForTemporaryFiles();
+    void wrongExtension();
     void fullDisk();
     void unreadableFileInTheFolder();
     void socketInTheFolder();
@@ -69,6 +71,7 @@ private slots:
     void endedInTheMiddle();
     void ignoredSignalStaysIgnored();
     void infoOfAWholePackage();
+    void infoOfALongTarget();
     void infoOfDamage_data();
     void infoOfDamage();
     void infoOfUnreadableFiles();
@@ -312,6 +315,29 @@ void TestMkpackage::toolsMissingOrFailing()
     QCOMPARE(files(), QStringList{"old.kpc"});
 }
 
+void TestMkpackage::noRoomForTemporaryFiles()
+{
+    shellBytes(QString("mkdir '%1'").arg(path("full")));
+    const QByteArray full = path("full").toUtf8();
+    QCOMPARE(mount("test", full.constData(), "tmpfs", 0, "size=4k"), 0);
+    shellBytes(QString("head -c 4096 /dev/zero >'%1'").arg(path("full/fill")));
+    const TemporaryFolder temporary(full.constData());
+    const Run run = make("line.kpc", "in");
+    QCOMPARE(umount(full.constData()), 0);
+    QCOMPARE(run.status, 1);
+    QCOMPARE(run.errors, QByteArray("talmero-mkpackage: there is no room for temporary files\n"));
+    QCOMPARE(files(), QStringList());
+}
+
+void TestMkpackage::wrongExtension()
+{
+    const Run run = make("line.fmw", "in");
+    QCOMPARE(run.status, 0);
+    QVERIFY2(run.errors.startsWith("talmero-mkpackage: note: "), run.errors.constData());
+    QCOMPARE(run.errors.count('\n'), 1);
+    QCOMPARE(files(), QStringList{"line.fmw"});
+}
+
 void TestMkpackage::fullDisk()
 {
     shellBytes(QString("cd '%1'; head -c 300000 /dev/urandom >in/large; mkdir small")
@@ -411,6 +437,16 @@ void TestMkpackage::infoOfAWholePackage()
     QVERIFY(run.output.contains(" link -> a\n"));
     QVERIFY(run.output.contains(" .hidden\n"));
     QVERIFY(!run.output.contains(" ./\n"));
+}
+
+void TestMkpackage::infoOfALongTarget()
+{
+    QByteArray package = formatPackageHeader({PackageKind::Application, 1, "K"}) + smallArchive();
+    package.replace(20, 16, "0123456789ABCDEF");
+    writeFile(path("long.kpc").toUtf8(), package);
+    const Run run = mkpackage({"info", path("long.kpc")});
+    QCOMPARE(lineOf(run.output, "target:"),
+             QByteArray("0123456789ABCDEF (not ended by a NUL byte)"));
 }
 
 void TestMkpackage::infoOfDamage_data()

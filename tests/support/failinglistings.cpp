@@ -8,6 +8,7 @@
 namespace {
 constexpr int unlimited = -1;
 int entriesLeft = unlimited;
+bool untyped = false;
 } // namespace
 
 FailingListings::FailingListings(int entries)
@@ -18,6 +19,16 @@ FailingListings::FailingListings(int entries)
 FailingListings::~FailingListings()
 {
     entriesLeft = unlimited;
+}
+
+UntypedListings::UntypedListings()
+{
+    untyped = true;
+}
+
+UntypedListings::~UntypedListings()
+{
+    untyped = false;
 }
 
 // Called in place of the C library's.
@@ -31,5 +42,9 @@ extern "C" dirent *readdir(DIR *folder)
         --entriesLeft;
     }
     static const auto next = reinterpret_cast<dirent *(*)(DIR *)>(dlsym(RTLD_NEXT, "readdir"));
-    return next(folder);
+    dirent *const entry = next(folder);
+    if (entry && untyped) {
+        entry->d_type = DT_UNKNOWN;
+    }
+    return entry;
 }

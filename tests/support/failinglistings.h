@@ -12,3 +12,12 @@ public:
     ~FailingListings();
     Q_DISABLE_COPY_MOVE(FailingListings)
 };
+
+/// While this lives, listings say of no entry what it is, as those of some file systems do.
+class UntypedListings
+{
+public:
+    UntypedListings();
+    ~UntypedListings();
+    Q_DISABLE_COPY_MOVE(UntypedListings)
+};

@@ -55,6 +55,7 @@ private slots:
     void opensPlainFilesOnly();
     void unreadable_data() { addUnreadablePathRows(); }
     void unreadable();
+    void copiesTheRest_data();
     void copiesTheRest();
     void failingReadIsTheEnd();
     void fullDiskIsTold();
@@ -103,9 +104,19 @@ void TestFileCopy::unreadable()
     QVERIFY(!file.isOpen());
 }
 
+void TestFileCopy::copiesTheRest_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::newRow("large") << wholeSize;
+    for (const int rest : {0, 1, 2, 255, 256, 257, 511, 512, 513}) { // it is copied in pieces
+        QTest::addRow("%d", rest) << qint64{36} + rest;
+    }
+}
+
 void TestFileCopy::copiesTheRest()
 {
-    const QByteArray content = someBytes(wholeSize);
+    QFETCH(qint64, size);
+    const QByteArray content = someBytes(size);
     write(path("from"), content);
     QFile from;
     QVERIFY(openPlainFile(from, path("from")));

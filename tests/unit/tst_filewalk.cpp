@@ -98,6 +98,7 @@ private slots:
     void deepFolders();
     void manyOtherFiles();
     void stickPulledWhileWalked();
+    void fileSystemWithoutTypes();
 };
 
 void TestFileWalk::initTestCase()
@@ -314,6 +315,20 @@ void TestFileWalk::stickPulledWhileWalked()
         QCOMPARE(found.size() == 4, entries >= 10);
     }
     QCOMPARE(tree.find({".kpc"}, anyCase).size(), 4);
+}
+
+void TestFileWalk::fileSystemWithoutTypes()
+{
+    const Tree tree;
+    tree.addFolder("folder");
+    tree.addFolder("folder.kpc");
+    for (const char *name : {"a.kpc", "folder/b.kpc", "folder.kpc/c.kpc"}) {
+        tree.addFile(name);
+    }
+    const QStringList found = tree.find({".kpc"}, anyCase);
+    const UntypedListings untyped;
+    QCOMPARE(tree.find({".kpc"}, anyCase), found);
+    QVERIFY(found.contains("folder.kpc/c.kpc"));
 }
 
 QTEST_GUILESS_MAIN(TestFileWalk)

@@ -86,6 +86,8 @@ void TestMkpackageOptions::refused_data()
                                     << "Unknown option 'force'.";
     QTest::newRow("twice") << whole + "--version 2"
                            << "--version is given twice";
+    QTest::newRow("output empty") << "make --kind bios --version 1 f --output="
+                                  << "--output is empty";
     QTest::newRow("output twice") << whole + "--output p"
                                   << "--output is given twice";
     QTest::newRow("two folders") << whole + "g"

@@ -49,11 +49,15 @@ void TestStartup::printsVersion()
 
 void TestStartup::shieldsFromEnvironment()
 {
-    qputenv("QT_SCALE_FACTOR", "2");
-    qputenv("QT_FONT_DPI", "200");
+    const char *const scaling[] = {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS",
+                                   "QT_USE_PHYSICAL_DPI", "QT_FONT_DPI", "QT_STYLE_OVERRIDE"};
+    for (const char *variable : scaling) {
+        qputenv(variable, "2");
+    }
     shieldFromEnvironment();
-    QVERIFY(!qEnvironmentVariableIsSet("QT_SCALE_FACTOR"));
-    QVERIFY(!qEnvironmentVariableIsSet("QT_FONT_DPI"));
+    for (const char *variable : scaling) {
+        QVERIFY2(!qEnvironmentVariableIsSet(variable), variable);
+    }
     QCOMPARE(qgetenv("QT_ENABLE_HIGHDPI_SCALING"), QByteArray("0"));
 }
 

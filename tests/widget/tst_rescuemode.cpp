@@ -283,6 +283,7 @@ void TestRescueMode::calibrationDialogCoversTheDesktop()
     Calibration dialog;
     QVERIFY(dialog.parentWidget() == nullptr);
     dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog)); // it has been painted, which shows nothing
     const QRect desktop = QGuiApplication::primaryScreen()->virtualGeometry();
     QCOMPARE(dialog.geometry(), QRect(0, 0, desktop.width() - 1, desktop.height() - 1));
     QVERIFY(dialog.isModal());

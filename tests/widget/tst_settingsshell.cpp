@@ -101,8 +101,10 @@ private slots:
     void touchedCountDownOpensMainPage();
     void endOfRuntimeShowsMainPageAtOnce();
     void mainPageLayout();
+    void mainPageButtonText();
     void pageButtonTextsAreAlike_data();
     void pageButtonTextsAreAlike();
+    void timePageHasNothingToStore();
     void homeKeyNeedsDebugLevel_data();
     void homeKeyNeedsDebugLevel();
     void unplacedButtonsNeverShow();
@@ -247,7 +249,10 @@ void TestSettingsShell::mainPageLayout()
     QCOMPARE(status.left(), fonts.left());
     QCOMPARE(misc.left(), ethernet.left());
     QCOMPARE(calibration.left(), transfer.left());
+    QCOMPARE(ethernet.top(), fonts.top());
+    QCOMPARE(transfer.top(), fonts.top());
     QCOMPARE(misc.top(), status.top());
+    QCOMPARE(calibration.top(), status.top());
 
     auto *heading = m_window->page()->findChild<QLabel *>();
     QCOMPARE(heading->text(), QString("Settings"));
@@ -266,6 +271,19 @@ void TestSettingsShell::mainPageLayout()
     QCOMPARE(line->frameShadow(), QFrame::Sunken);
     QVERIFY(placeOf(line).bottom() < placeOf(heading).top());
     QVERIFY(placeOf(line).top() > content.top() + 20);
+}
+
+void TestSettingsShell::mainPageButtonText()
+{
+    SettingsButton *run = nullptr;
+    for (auto *button : m_window->page()->findChildren<SettingsButton *>()) {
+        // those of pages have a name, the title is at the top
+        run = button->objectName().isEmpty() && placeOf(button).top() > 0 ? button : run;
+    }
+    QVERIFY(run != nullptr);
+    SettingsButton model("Run Application", run->parentWidget());
+    model.setGeometry(run->geometry());
+    QVERIFY(run->grab().toImage() == model.grab().toImage());
 }
 
 void TestSettingsShell::pageButtonTextsAreAlike_data()
@@ -292,6 +310,16 @@ void TestSettingsShell::pageButtonTextsAreAlike()
     }
     QVERIFY(size.width() < 800 || font.pixelSize() == 28);
     QVERIFY(font.pixelSize() >= 15); // readable at arm's length
+}
+
+void TestSettingsShell::timePageHasNothingToStore()
+{
+    const QByteArray settings = "app.mouse=1\n";
+    writePanelFile("bios.ini", settings);
+    BiosInterface window;
+    QVERIFY(window.loadTimeSettings());
+    QVERIFY(window.saveTimeSettings());
+    QCOMPARE(readPanelFile("bios.ini"), settings);
 }
 
 void TestSettingsShell::homeKeyNeedsDebugLevel_data()

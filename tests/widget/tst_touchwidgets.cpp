@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSpinBox>
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QTest>
@@ -60,6 +61,7 @@ private slots:
     void dialogsHaveAFrame();
     void otherWindowsHaveNoFrame();
     void boxButtonsHaveNoIcons();
+    void spinButtonsShowThatTheyArePressed();
 };
 
 void TestTouchWidgets::initTestCase()
@@ -275,6 +277,28 @@ void TestTouchWidgets::boxButtonsHaveNoIcons()
     for (const QAbstractButton *button : box.buttons()) {
         QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
     }
+}
+
+void TestTouchWidgets::spinButtonsShowThatTheyArePressed()
+{
+    QSpinBox box;
+    box.resize(box.sizeHint());
+    QStyleOptionSpinBox option;
+    option.initFrom(&box);
+    const auto rect = [&](QStyle::SubControl control) {
+        return box.style()->subControlRect(QStyle::CC_SpinBox, &option, control, &box);
+    };
+    QCOMPARE(rect(QStyle::SC_SpinBoxFrame), box.rect());
+    const QRect up = rect(QStyle::SC_SpinBoxUp);
+    const QRect down = rect(QStyle::SC_SpinBoxDown);
+    const QImage before = box.grab().toImage();
+    QTest::mousePress(&box, Qt::LeftButton, {}, up.center());
+    const QImage pressed = box.grab().toImage();
+    QTest::mouseRelease(&box, Qt::LeftButton, {}, up.center());
+    const QImage after = box.grab().toImage();
+    QVERIFY(pressed.copy(up) != before.copy(up));
+    QVERIFY(pressed.copy(down) == before.copy(down));
+    QVERIFY(after.copy(up) == before.copy(up));
 }
 
 QTEST_MAIN(TestTouchWidgets)
