@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Touches the program's windows at random, 20,000 times: as released, for the memory, and with the
-# sanitizers, for errors and leaks.
+# Touches the settings and the factory window at random, 20,000 times each: as released, for the
+# memory, and with the sanitizers, for errors and leaks.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -21,8 +21,10 @@ for preset in release sanitize; do
     folder=build
     [ "$preset" = release ] || folder=build-$preset
     echo "$preset"
-    LSAN_OPTIONS=suppressions=$PWD/tests/leaks.supp:print_suppressions=0 \
-        simulator/panel --build "$folder" --display xvfb -- \
-        "$folder/tests/randomwalk" --seed "${1:-1}" --steps "${2:-20000}" || status=1
+    for window in "" --factory; do
+        LSAN_OPTIONS=suppressions=$PWD/tests/leaks.supp:print_suppressions=0 \
+            simulator/panel --build "$folder" --display xvfb -- \
+            "$folder/tests/randomwalk" $window --seed "${1:-1}" --steps "${2:-20000}" || status=1
+    done
 done
 exit "$status"

@@ -11,6 +11,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QRandomGenerator>
 #include <QTest>
 
 #include <csignal>
@@ -46,6 +47,7 @@ private slots:
     void targetWithoutEnd();
     void stickPulledWhileRead_data();
     void stickPulledWhileRead();
+    void stickPulledAtEachBlock();
     void toolsMissing();
     void toolsFail();
     void hangingTarIsCutOff();
@@ -260,6 +262,31 @@ void TestPackageFaults::stickPulledWhileRead()
     QCOMPARE(readFile("/home/dest/kept"), QByteArray("old\n"));
     QCOMPARE(installPackage(packagePath), int(Installed)); // goes on with the stick back in
     QVERIFY(fileExists("/home/dest/c"));
+}
+
+void TestPackageFaults::stickPulledAtEachBlock()
+{
+    constexpr int blockSize = 4096;  // the program reads no smaller parts of a stick at a time
+    QByteArray noise(1000000, '\0'); // which gzip makes no smaller
+    QRandomGenerator random(1);
+    random.generate(reinterpret_cast<quint32 *>(noise.begin()),
+                    reinterpret_cast<quint32 *>(noise.end()));
+    const QByteArray package = packageBytes(application, 12, "K21T", {{"a", noise}});
+    QVERIFY(package.size() > noise.size());
+    writeFile(packagePath, package);
+    for (qsizetype offset = 0; offset < package.size() + blockSize; offset += blockSize) {
+        int result = -1;
+        {
+            const FailingReads failing(offset);
+            result = installPackage(packagePath);
+        }
+        QCOMPARE(result, offset == 0 ? int(OpenFileError) : int(Installed));
+        QCOMPARE(temporaryFiles(), QStringList());
+        const QByteArray unpacked = readFile("/home/dest/a");
+        QVERIFY(unpacked == "none" || noise.startsWith(unpacked));
+        QCOMPARE(readFile("/home/dest/kept"), QByteArray("old\n"));
+    }
+    QCOMPARE(readFile("/home/dest/a"), noise);
 }
 
 void TestPackageFaults::toolsMissing()
