@@ -31,6 +31,13 @@ void TestTextCodec::survivesBothWays_data()
         << QByteArray("\xE9\xC3\xA9") << QString(e9) + QString::fromUtf8("é");
     QTest::newRow("cut sequence") << QByteArray("\xC3") << QString(QChar(char16_t(0xDCC3)));
     QTest::newRow("no lead") << QByteArray("\xFF\xFF") << QString(ff) + ff;
+    // Beside a byte that is no text, each character is read by itself.
+    for (const char32_t character :
+         {U'\u0080', U'\u07FF', U'\u0800', U'\u0FFF', U'\uFFFD', U'\U00010000', U'\U0010FFFF'}) {
+        const QString text = QString::fromUcs4(&character, 1);
+        QTest::addRow("U+%X beside Latin-1", unsigned(character))
+            << "\xE9" + text.toUtf8() << e9 + text;
+    }
     QTest::newRow("UTF-8 of a surrogate")
         << QByteArray("\xED\xB3\xA9")
         << QString(QChar(char16_t(0xDCED))) + QChar(char16_t(0xDCB3)) + QChar(char16_t(0xDCA9));
