@@ -75,7 +75,7 @@ void repairPanel()
     writeFile(Paths::sessionScript);
     writeFile(Paths::namingRulesFile);
     shellBytes("mkdir -p /home/dest/compile; chmod 755 /opt/talmero/bios/runapp.sh;"
-               "rm -f /usr/share/fonts/truetype/freefont/*; rm -rf /tmp/*.??????");
+               "rm -f /usr/share/fonts/truetype/freefont/* /tmp/*.??????");
 }
 
 /// Where the figures go. What the tools print of their own goes nowhere.
@@ -95,7 +95,7 @@ void printFigures(const FingerWalk &walk, size_t settled, size_t atEnd)
     }
     std::fprintf(figures(), "longest pause: %lld ms after step %d\n",
                  static_cast<long long>(walk.longestPause()), walk.longestPauseStep());
-    if (countsMemory) {
+    if (countsMemory && settled > 0) {
         std::fprintf(figures(), "memory in use: %zu bytes after %d steps, %zu at the end (%.4f)\n",
                      settled, settledAfter, atEnd, double(atEnd) / double(settled));
     }
