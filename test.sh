@@ -38,7 +38,7 @@ places=$((2 * $(nproc) + 2))
 build_preset release
 if [ "$quick" = no ]; then
     scripts/check-code.sh build
-    tests/fuzz/run.sh --seconds 20
+    tests/fuzz/run.sh --seconds 20 --jobs "$((2 * $(nproc)))"
     build_preset sanitize
     ctest --preset sanitize --parallel "$places"
 fi
