@@ -21,6 +21,7 @@ signals:
 
 protected:
     bool event(QEvent *e) override;
+    void showEvent(QShowEvent *event) override;
 
 private slots:
     void saveFocusWidget(QWidget *oldFocus, QWidget *newFocus);

@@ -197,6 +197,7 @@ void TestInputPanel::backspacePicture()
     const QImage picture(":/images/backspace.png");
     QCOMPARE(picture.size(), QSize(34, 22));
     QCOMPARE(key("panelButton_hash")->iconSize(), picture.size());
+    m_panel->show();
     QVERIFY(!key("panelButton_hash")->icon().isNull());
     QCOMPARE(qAlpha(picture.pixel(0, 0)), 0);
     QCOMPARE(qAlpha(picture.pixel(15, 3)), 255);
