@@ -38,6 +38,17 @@ int fontPixelSizeFor(const QStringList &model)
     }
     return fontPixelSize;
 }
+
+/// Takes what room the window has. Asking all pages how much they need would lay out each of them,
+/// with its fonts, before the first one is seen.
+class PageStack : public QStackedWidget
+{
+public:
+    using QStackedWidget::QStackedWidget;
+
+    QSize sizeHint() const override { return {}; }
+    QSize minimumSizeHint() const override { return {}; }
+};
 } // namespace
 
 BiosInterface::BiosInterface(QWidget *parent)
@@ -162,7 +173,7 @@ void BiosInterface::setUpFont()
 
 void BiosInterface::createPageStack()
 {
-    m_pages = new QStackedWidget(this);
+    m_pages = new PageStack(this);
     for (int page = 0; page < PageCount; ++page) {
         m_pages->addWidget(page <= MainSettingsPage ? new StackWidgetPage
                                                     : new StackWidgetPage(StackWidgetPage::Glow));
