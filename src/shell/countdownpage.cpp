@@ -2,6 +2,7 @@
 
 #include "system/commandline.h"
 #include "system/process.h"
+#include "system/startup.h"
 #include "widgets/startingapplicationaniationbutton.h"
 
 #include <QStackedWidget>
@@ -27,7 +28,7 @@ void BiosInterface::initCountDownPage()
 void BiosInterface::runApplication()
 {
     m_pages->setCurrentIndex(MainSettingsPage);
-    runAndWait(runtimeCommand());
+    runAndWait(runtimeCommand(), givenEnvironment());
     repaint(); // nothing was painted while the runtime ran: show the page at once
 }
 

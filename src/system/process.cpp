@@ -12,6 +12,13 @@ void setUp(QProcess &process, const QStringList &command)
     process.setArguments(command.mid(1));
 }
 
+void runForwarded(QProcess &process, std::chrono::milliseconds limit)
+{
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.start();
+    process.waitForFinished(static_cast<int>(limit.count()));
+}
+
 constexpr int stopInterval = 50;   // ms between two looks whether a tool shall be stopped
 constexpr qint64 feedSize = 65536; // bytes that a tool is given at once
 
@@ -29,9 +36,15 @@ void runAndWait(const QStringList &command, std::chrono::milliseconds limit)
 {
     QProcess process;
     setUp(process, command);
-    process.setProcessChannelMode(QProcess::ForwardedChannels);
-    process.start();
-    process.waitForFinished(static_cast<int>(limit.count()));
+    runForwarded(process, limit);
+}
+
+void runAndWait(const QStringList &command, const QProcessEnvironment &environment)
+{
+    QProcess process;
+    setUp(process, command);
+    process.setProcessEnvironment(environment);
+    runForwarded(process, noLimit);
 }
 
 void runInFolder(const QStringList &command, const QString &folder, std::chrono::milliseconds limit)

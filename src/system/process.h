@@ -8,6 +8,7 @@
 #include <functional>
 
 class QIODevice;
+class QProcessEnvironment;
 
 // The ways to run a tool. All of them block the calling thread; none needs an event loop.
 // A command is the program first, then its arguments, passed without a shell.
@@ -34,6 +35,10 @@ struct ToolResult
 /// killed. Its output goes where ours goes, its input is empty, its exit code is ignored. A
 /// program that cannot be started changes nothing.
 void runAndWait(const QStringList &command, std::chrono::milliseconds limit = noLimit);
+
+/// As runAndWait() without a limit, for a program that is no tool of this one: it gets
+/// @p environment.
+void runAndWait(const QStringList &command, const QProcessEnvironment &environment);
 
 /// As runAndWait(), in the folder @p folder, with what it writes to standard output thrown away.
 /// Where that folder is missing nothing is run.

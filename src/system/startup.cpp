@@ -2,12 +2,28 @@
 
 #include <QDebug>
 
+#include <optional>
+
 namespace {
 constexpr char versionSwitch[] = "-v";
 
 constexpr const char *scalingVariables[]
     = {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_USE_PHYSICAL_DPI", "QT_FONT_DPI",
        "QT_STYLE_OVERRIDE"};
+
+struct Variable
+{
+    const char *name;
+    const char *value;
+};
+
+constexpr Variable ownVariables[] = {
+    {"QT_ENABLE_HIGHDPI_SCALING", "0"},
+    {"QT_NO_GLIB", "1"},                       // its loop writes to a file for each posted event
+    {"DBUS_SESSION_BUS_ADDRESS", "disabled:"}, // otherwise a screen reader is looked for
+};
+
+std::optional<QProcessEnvironment> given; // NOLINT(cert-err58-cpp)
 } // namespace
 
 bool isVersionQuery(int argumentCount, const char *const *arguments)
@@ -26,8 +42,16 @@ void printVersion()
 
 void shieldFromEnvironment()
 {
+    given = QProcessEnvironment::systemEnvironment();
     for (const char *variable : scalingVariables) {
         qunsetenv(variable);
     }
-    qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+    for (const Variable &variable : ownVariables) {
+        qputenv(variable.name, variable.value);
+    }
+}
+
+QProcessEnvironment givenEnvironment()
+{
+    return given.value_or(QProcessEnvironment::systemEnvironment());
 }

@@ -41,6 +41,8 @@ private slots:
     void countsDownAndRunsTheRuntime();
     void missingRuntimeLeadsToMainPage_data();
     void missingRuntimeLeadsToMainPage();
+    void runtimeGetsTheGivenEnvironment();
+    void startsNoMessageBus();
     void tapOpensSettings();
     void markerOpensFactoryWindow();
 };
@@ -144,6 +146,49 @@ void TestBoot::missingRuntimeLeadsToMainPage()
     QCOMPARE(readPanelFile("ran"), missing ? QByteArray() : QByteArray("ran\n"));
     QVERIFY(program.isRunning());
     writePanelFile("runapp.sh", script);
+}
+
+void TestBoot::runtimeGetsTheGivenEnvironment()
+{
+    const QByteArrayList variables{"QT_IM_MODULE", "QT_SCALE_FACTOR", "QT_NO_GLIB",
+                                   "DBUS_SESSION_BUS_ADDRESS", "QT_ENABLE_HIGHDPI_SCALING"};
+    const QByteArrayList given{"keyboard-of-the-hmi", "1", QByteArray(), "unix:path=/nowhere", "1"};
+    QByteArrayList before;
+    for (int at = 0; at < variables.size(); ++at) {
+        before += qgetenv(variables.at(at));
+        given.at(at).isNull() ? qunsetenv(variables.at(at))
+                              : qputenv(variables.at(at), given.at(at));
+    }
+    const QByteArray script = readPanelFile("runapp.sh");
+    writePanelFile("runapp.sh",
+                   "for name in " + variables.join(' ')
+                       + "; do eval echo \"\\$$name\"; done >/opt/talmero/bios/environment\n");
+    {
+        const FakeTools tools({"sleep"});
+        PanelProgram program;
+        QTRY_VERIFY_WITH_TIMEOUT(showsMainPage(), 20 * second);
+    }
+    QCOMPARE(readPanelFile("environment"), given.join('\n') + '\n');
+    for (int at = 0; at < variables.size(); ++at) {
+        before.at(at).isNull() ? qunsetenv(variables.at(at))
+                               : qputenv(variables.at(at), before.at(at));
+    }
+    writePanelFile("runapp.sh", script);
+}
+
+/// Nobody would stop it, and each boot would start one more.
+void TestBoot::startsNoMessageBus()
+{
+    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    const FakeTools tools({"sleep", "dbus-launch"});
+    PanelProgram program;
+    openMainPage();
+    QVERIFY(tools.calls().contains("sleep [1]"));
+    QVERIFY(!tools.calls().join('\n').contains("dbus-launch"));
+    if (!address.isNull()) {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    }
 }
 
 void TestBoot::tapOpensSettings()

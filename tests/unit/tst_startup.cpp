@@ -54,11 +54,20 @@ void TestStartup::shieldsFromEnvironment()
     for (const char *variable : scaling) {
         qputenv(variable, "2");
     }
+    qputenv("QT_NO_GLIB", "0");
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
     shieldFromEnvironment();
     for (const char *variable : scaling) {
         QVERIFY2(!qEnvironmentVariableIsSet(variable), variable);
     }
     QCOMPARE(qgetenv("QT_ENABLE_HIGHDPI_SCALING"), QByteArray("0"));
+    QCOMPARE(qgetenv("QT_NO_GLIB"), QByteArray("1"));
+    QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), QByteArray("disabled:"));
+
+    const QProcessEnvironment given = givenEnvironment();
+    QCOMPARE(given.value("QT_SCALE_FACTOR"), QString("2"));
+    QCOMPARE(given.value("QT_NO_GLIB"), QString("0"));
+    QVERIFY(!given.contains("DBUS_SESSION_BUS_ADDRESS"));
 }
 
 void TestStartup::quotesWithoutEscapes()
