@@ -7,17 +7,34 @@
 
 namespace {
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+
+constexpr char lastWhiteSpace = ' '; // none of ASCII is above it, and controls are rare
+
+/// Whether @p line needs no simplifying, as those that the program wrote. May say no wrongly.
+bool isSimple(QByteArrayView line)
+{
+    char before = lastWhiteSpace;
+    for (const char byte : line) {
+        const bool isLow = byte >= 0 && byte <= lastWhiteSpace;
+        if (isLow && (byte != lastWhiteSpace || before == lastWhiteSpace)) {
+            return false;
+        }
+        before = byte;
+    }
+    return before != lastWhiteSpace;
 }
+} // namespace
 
 std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line)
 {
     // On bytes, because the white space of Unicode includes bytes that are half a UTF-8 letter.
-    const QByteArray simple = line.simplified();
+    const QByteArray simple = isSimple(line) ? line : line.simplified();
     const qsizetype equals = simple.indexOf('=');
     if (equals <= 0 || simple.startsWith('#')) {
         return std::nullopt;
     }
-    return SettingsEntry{textFromBytes(simple.left(equals)), textFromBytes(simple.mid(equals + 1))};
+    const QByteArrayView text = simple;
+    return SettingsEntry{textFromBytes(text.first(equals)), textFromBytes(text.sliced(equals + 1))};
 }
 
 void applySettingsText(const QByteArray &text, SettingsMap &settings)
@@ -31,7 +48,8 @@ void applySettingsText(const QByteArray &text, SettingsMap &settings)
             if (entry->value.isEmpty()) {
                 settings.remove(entry->key);
             } else {
-                settings.insert(entry->key, entry->value);
+                // The program writes them in ascending order: each belongs behind those before.
+                settings.insert(settings.cend(), entry->key, entry->value);
             }
         }
         start = end + 1;

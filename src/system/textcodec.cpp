@@ -1,5 +1,7 @@
 #include "system/textcodec.h"
 
+#include <algorithm>
+
 namespace {
 constexpr char16_t escapeBase = 0xDC00;
 constexpr char16_t firstEscape = escapeBase + 0x80;
@@ -17,7 +19,13 @@ qsizetype sequenceLength(uchar lead)
     return lead >= 0xC0 ? 2 : 1;
 }
 
-bool survives(const QByteArray &bytes, const QString &text)
+bool isAscii(QByteArrayView bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char byte) { return static_cast<uchar>(byte) < 0x80; });
+}
+
+bool survives(QByteArrayView bytes, const QString &text)
 {
     return text.toUtf8() == bytes;
 }
@@ -28,8 +36,11 @@ bool isEscape(QChar c)
 }
 } // namespace
 
-QString textFromBytes(const QByteArray &bytes)
+QString textFromBytes(QByteArrayView bytes)
 {
+    if (isAscii(bytes)) { // nearly all is, and needs no second look
+        return QString::fromLatin1(bytes);
+    }
     QString whole = QString::fromUtf8(bytes);
     if (survives(bytes, whole)) {
         return whole;
@@ -38,7 +49,8 @@ QString textFromBytes(const QByteArray &bytes)
     text.reserve(bytes.size());
     for (qsizetype at = 0; at < bytes.size();) {
         const auto lead = static_cast<uchar>(bytes.at(at));
-        const QByteArray sequence = bytes.mid(at, sequenceLength(lead));
+        const QByteArrayView sequence
+            = bytes.sliced(at, std::min(sequenceLength(lead), bytes.size() - at));
         const QString character = QString::fromUtf8(sequence);
         if (survives(sequence, character)) {
             text += character;

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 /// Text of UTF-8 bytes, such that bytesFromText() gives the same bytes back whatever they are.
 /// A byte b that is no part of valid UTF-8 becomes the lone surrogate U+DC00 + b, which valid
 /// text never holds.
-QString textFromBytes(const QByteArray &bytes);
+QString textFromBytes(QByteArrayView bytes);
 
 /// The bytes that textFromBytes() made @p text of; UTF-8 for any other text.
 QByteArray bytesFromText(const QString &text);
