@@ -13,7 +13,7 @@
 #include <QTableWidget>
 
 namespace {
-constexpr int rounds = 9;
+constexpr int rounds = 15;
 
 /// Where the program looks on this panel: no setting names another folder.
 constexpr char folder[] = "/media/";

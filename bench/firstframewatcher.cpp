@@ -77,6 +77,22 @@ std::chrono::steady_clock::time_point FirstFrameWatcher::waitForFirstFrame()
     return painted;
 }
 
+std::chrono::steady_clock::time_point FirstFrameWatcher::waitForWindow()
+{
+    while (std::none_of(m_mapped.begin(), m_mapped.end(),
+                        [this](xcb_window_t window) { return isLarge(window); })) {
+        handleNextEvent();
+    }
+    return std::chrono::steady_clock::now();
+}
+
+bool FirstFrameWatcher::isLarge(xcb_window_t window) const
+{
+    const Answer<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
+    return geometry != nullptr && geometry->width >= 100 && geometry->height >= 100;
+}
+
 void FirstFrameWatcher::waitForEnd()
 {
     while (!m_mapped.empty()) {

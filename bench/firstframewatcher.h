@@ -20,6 +20,10 @@ public:
     /// Waits until a window is there and the whole screen has been drawn in one go.
     std::chrono::steady_clock::time_point waitForFirstFrame();
 
+    /// Waits until a window is shown that is at least 100 pixels wide and high: not a helper of
+    /// the toolkit.
+    std::chrono::steady_clock::time_point waitForWindow();
+
     /// Waits until no window is left. Their program must have been ended.
     void waitForEnd();
 
@@ -28,6 +32,7 @@ private:
     void watchScreen();
     void forgetEvents();
     void handleNextEvent();
+    bool isLarge(xcb_window_t window) const;
     bool fillsScreen(const xcb_rectangle_t &area) const;
     void requirePicture() const;
 

@@ -1,5 +1,6 @@
 // Painting of whole pages, and the time from a tap to the painted next page, in the real window.
 
+#include "inputpanel/platformbridge.h"
 #include "support/panelplace.h"
 #include "support/resulttable.h"
 #include "support/shownwindow.h"
@@ -7,13 +8,15 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <QTest>
 
 #include <cstdio>
 
 namespace {
-constexpr int rounds = 200;
+constexpr int usualRounds = 200;
 constexpr double pageTarget = 4;          // ms
 constexpr double tapTarget = 1000.0 / 60; // ms; one frame
 
@@ -27,7 +30,7 @@ QString labelOf(const SettingsButton *pageButton)
     return pageButton->objectName().section(':', 0, 0);
 }
 
-void measurePage(ResultTable &table, QWidget &window, const std::string &page)
+void measurePage(ResultTable &table, QWidget &window, const std::string &page, int rounds)
 {
     std::vector<double> onScreen;
     std::vector<double> inMemory;
@@ -46,24 +49,24 @@ void measurePage(ResultTable &table, QWidget &window, const std::string &page)
     table.addSamples("  without handing it to the display", inMemory, "ms");
 }
 
-void measurePages(ResultTable &table)
+void measurePages(ResultTable &table, int rounds)
 {
     ShownWindow window;
-    measurePage(table, window.widget(), "countdown page");
+    measurePage(table, window.widget(), "countdown page", rounds);
     window.tap(window.countDown(), window.pages()->widget(BiosInterface::MainSettingsPage));
-    measurePage(table, window.widget(), "main settings page");
+    measurePage(table, window.widget(), "main settings page", rounds);
     const auto buttons = window.pageButtons();
     for (const SettingsButton *button : buttons) {
         window.pages()->setCurrentWidget(window.pageOf(button));
         QTest::qWait(restTime);
-        measurePage(table, window.widget(), "page " + labelOf(button).toStdString());
+        measurePage(table, window.widget(), "page " + labelOf(button).toStdString(), rounds);
     }
     window.pages()->setCurrentIndex(BiosInterface::SparePage1);
     QTest::qWait(restTime);
-    measurePage(table, window.widget(), "empty page");
+    measurePage(table, window.widget(), "empty page", rounds);
 }
 
-void measureTaps(ResultTable &table)
+void measureTaps(ResultTable &table, int rounds)
 {
     ShownWindow window;
     QWidget *mainPage = window.pages()->widget(BiosInterface::MainSettingsPage);
@@ -78,25 +81,67 @@ void measureTaps(ResultTable &table)
             back.push_back(window.tap(window.cancelButton(), mainPage));
         }
         table.addSamples("tap to page " + labelOf(button).toStdString() + ", " + size, open, "ms",
-                         tapTarget);
+                         tapTarget, Judged::Worst);
     }
-    table.addSamples("tap to main settings page, " + size, back, "ms", tapTarget);
+    table.addSamples("tap to main settings page, " + size, back, "ms", tapTarget, Judged::Worst);
 }
+
+/// From the tap on a key of the keypad until the field shows its character.
+void measureKeys(ResultTable &table, int rounds)
+{
+    ShownWindow window;
+    window.tap(window.countDown(), window.pages()->widget(BiosInterface::MainSettingsPage));
+    QWidget *page = window.pages()->widget(BiosInterface::EthernetPage);
+    for (SettingsButton *button : window.pageButtons()) {
+        if (window.pageOf(button) == page) {
+            window.tap(button, page);
+        }
+    }
+    auto *field = page->findChild<QLineEdit *>("ip_address_lineEdit");
+    field->setEnabled(true);
+    window.widget().activateWindow(); // nobody else does: there is no window manager
+    if (!QTest::qWaitForWindowActive(&window.widget())) {
+        qFatal("the window gets no keyboard");
+    }
+    window.tap(field, field);
+    QWidget *keypad = shownKeypad();
+    std::vector<double> times;
+    for (int round = 0; round < rounds; ++round) {
+        const QString key = QString("panelButton_%1").arg(round % 10);
+        field->clear();
+        QTest::qWait(restTime);
+        times.push_back(tapTime(keypad, keypad->findChild<QPushButton *>(key), field));
+        if (field->text() != key.right(1)) {
+            qFatal("the key did not arrive");
+        }
+    }
+    table.addSamples("keypad key to its character, " + sizeText(window.widget().size()), times,
+                     "ms", tapTarget, Judged::Worst);
+}
+
+struct Part
+{
+    const char *name;
+    void (*measure)(ResultTable &table, int rounds);
+};
+
+constexpr Part parts[] = {{"pages", measurePages}, {"taps", measureTaps}, {"keys", measureKeys}};
 } // namespace
 
 int main(int argc, char *argv[])
 {
     prepareForWindow();
+    selectInputContextPlugin();
     const QApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    const QStringList arguments = QCoreApplication::arguments();
+    const int rounds = argc > 2 ? arguments.at(2).toInt() : usualRounds;
     ResultTable table;
-    if (arguments == QStringList("pages")) {
-        measurePages(table);
-    } else if (arguments == QStringList("taps")) {
-        measureTaps(table);
-    } else {
-        std::fputs("Usage: painting pages|taps\n", stderr);
-        return 2;
+    for (const Part &part : parts) {
+        if (arguments.value(1) == QLatin1String(part.name) && rounds > 0) {
+            part.measure(table, rounds);
+            return table.exitStatus();
+        }
     }
-    return table.exitStatus();
+    std::fputs("Usage: painting pages|taps|keys [ROUNDS]\n", stderr);
+    return 2;
 }

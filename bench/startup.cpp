@@ -1,5 +1,6 @@
-// Start of the program until its first frame is on the screen, and its memory then, against a
-// bare window of the toolkit. Both are measured from outside, in turn.
+// Start of the program until its first frame is on the screen, its memory then and what it loads,
+// against a bare window of the toolkit and against the settings programs of two desktops. All are
+// measured from outside, in turn.
 
 #include "childprocess.h"
 #include "firstframewatcher.h"
@@ -14,109 +15,183 @@
 #include <vector>
 
 namespace {
-constexpr double wallTimeTarget = 1.5; // times the bare window
-constexpr double memoryTarget = 1.4;   // times the bare window
-constexpr int defaultRuns = 20;
+constexpr double bareTimeTarget = 1.3;   // times the bare window
+constexpr double bareMemoryTarget = 1.3; // times the bare window
+constexpr double lxqtTimeTarget = 0.5;
+constexpr double lxqtMemoryTarget = 0.5;
+constexpr double xfceTimeTarget = 0.8;
+constexpr double moreSizeTarget = 1.5; // MB
+constexpr double moreLibrariesTarget = 2;
+constexpr double bytesPerMegabyte = 1e6;
 // Long enough to come to rest, and well before the countdown ends.
 constexpr std::chrono::seconds restTime(1);
 
-struct Samples
+enum class Seen { FirstFrame, Window };
+
+struct Program
 {
-    std::vector<double> wallTime; // ms
-    std::vector<double> memory;   // MB
+    std::string name;
+    std::filesystem::path path;
+    Seen seen;
+    std::vector<double> wallTime = {}; // ms
+    std::vector<double> memory = {};   // MB
 };
 
-void runOnce(const std::filesystem::path &program, Samples &samples)
+void runOnce(Program &program)
 {
     FirstFrameWatcher watcher;
     const auto begin = now();
     {
-        const ChildProcess process(program);
+        const ChildProcess process(program.path);
         const std::chrono::duration<double, std::milli> wallTime
-            = watcher.waitForFirstFrame() - begin;
+            = (program.seen == Seen::FirstFrame ? watcher.waitForFirstFrame()
+                                                : watcher.waitForWindow())
+            - begin;
         std::this_thread::sleep_for(restTime);
-        samples.wallTime.push_back(wallTime.count());
-        samples.memory.push_back(process.memory() / 1024);
+        program.wallTime.push_back(wallTime.count());
+        program.memory.push_back(process.memory() / 1024);
     }
     watcher.waitForEnd();
 }
 
-double toolTime()
+std::vector<double> toolTimes(int runs)
 {
-    const auto begin = now();
-    ChildProcess(instantToolsFolder() / "sleep").waitForEnd();
-    return millisecondsSince(begin);
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        const auto begin = now();
+        ChildProcess(instantToolsFolder() / "sleep").waitForEnd();
+        times.push_back(millisecondsSince(begin));
+    }
+    return times;
 }
 
-/// Names of the tools that @p program runs until its first frame and shortly after.
-std::vector<std::string> toolsOf(const std::filesystem::path &program)
+/// How many tools @p program runs until its first frame: those before its rescue poll begins.
+size_t toolsBeforeFirstFrame(const std::filesystem::path &program)
 {
     constexpr char logFile[] = "/tmp/panel-bench-tools.log";
     setenv("PANEL_BENCH_TOOL_LOG", logFile, 1);
-    Samples unused;
-    runOnce(program, unused);
+    Program logged{"", program, Seen::FirstFrame};
+    runOnce(logged);
     unsetenv("PANEL_BENCH_TOOL_LOG");
     std::ifstream log(logFile);
-    std::vector<std::string> names;
-    for (std::string name; log >> name;) {
-        names.push_back(name);
+    size_t count = 0;
+    for (std::string name; log >> name && name != "xinput";) {
+        ++count;
     }
-    return names;
+    return count;
 }
 
-void addTools(ResultTable &table, const std::vector<std::string> &names, int runs)
+[[noreturn]] void die(const std::string &command)
 {
-    std::vector<double> times;
-    times.reserve(static_cast<size_t>(runs));
-    for (int run = 0; run < runs; ++run) {
-        times.push_back(toolTime());
-    }
-    std::string list;
-    for (const std::string &name : names) {
-        list += ' ' + name;
-    }
-    table.addSamples("one run of a tool that returns at once", times, "ms");
-    table.addFigure("runs of tools in a start:" + list, static_cast<double>(names.size()), "");
+    std::fprintf(stderr, "fails: %s\n", command.c_str());
+    std::exit(EXIT_FAILURE);
 }
 
-int runsFrom(int argc, char *argv[])
+/// What @p command prints, a number.
+double numberFrom(const std::string &command)
 {
-    const int runs = argc == 2 ? std::atoi(argv[1]) : defaultRuns;
-    if (argc > 2 || runs < 1) {
-        std::fprintf(stderr, "Usage: startup [RUNS]\n");
-        std::exit(2);
+    double number = -1;
+    FILE *output = popen(command.c_str(), "r");
+    if (output == nullptr || std::fscanf(output, "%lf", &number) != 1 || pclose(output) != 0) {
+        die(command);
     }
-    return runs;
+    return number;
+}
+
+double linkedLibraries(const std::filesystem::path &program)
+{
+    return numberFrom("objdump -p " + program.string() + " | grep -c NEEDED");
+}
+
+/// With those that these need in turn.
+double loadedLibraries(const std::filesystem::path &program)
+{
+    return numberFrom("ldd " + program.string() + " | wc -l");
+}
+
+double strippedSize(const std::filesystem::path &program) // MB
+{
+    const std::string stripped = "/tmp/panel-bench-stripped";
+    return numberFrom("strip -o " + stripped + ' ' + program.string() + " && stat -c %s "
+                      + stripped)
+        / bytesPerMegabyte;
+}
+
+std::vector<double> lessened(std::vector<double> values, double by)
+{
+    for (double &value : values) {
+        value -= by;
+    }
+    return values;
+}
+
+void compareFiles(ResultTable &table, const Program &ours, const Program &bare)
+{
+    table.addDifference("size, stripped; bare window", strippedSize(ours.path),
+                        strippedSize(bare.path), "MB", moreSizeTarget);
+    table.addDifference("libraries that it is linked with; bare window", linkedLibraries(ours.path),
+                        linkedLibraries(bare.path), "", moreLibrariesTarget);
+    table.addDifference("  and those that these need; bare window", loadedLibraries(ours.path),
+                        loadedLibraries(bare.path), "");
+}
+
+void comparePrograms(ResultTable &table, const std::vector<Program> &programs, double toolTime)
+{
+    const Program &ours = programs.at(0);
+    const Program &bare = programs.at(1);
+    table.addPair("start to first frame, with its tools; bare", ours.wallTime, bare.wallTime, "ms");
+    // A tool that returned at once would take no time: what these cost as processes is left out.
+    table.addPair("start to first frame; bare window", lessened(ours.wallTime, toolTime),
+                  bare.wallTime, "ms", bareTimeTarget);
+    table.addPair("memory (PSS); bare window", ours.memory, bare.memory, "MB", bareMemoryTarget);
+    for (size_t at = 2; at < programs.size(); ++at) {
+        const Program &peer = programs.at(at);
+        const bool isLxqt = peer.name == "lxqt-config";
+        table.addPair("start; window of " + peer.name, ours.wallTime, peer.wallTime, "ms",
+                      isLxqt ? lxqtTimeTarget : xfceTimeTarget);
+        table.addPair("memory (PSS); " + peer.name, ours.memory, peer.memory, "MB",
+                      isLxqt ? std::optional(lxqtMemoryTarget) : std::nullopt);
+    }
+}
+
+[[noreturn]] void showUsage()
+{
+    std::fprintf(stderr, "Usage: startup RUNS [PEER...]\n");
+    std::exit(2);
 }
 } // namespace
 
 int main(int argc, char *argv[])
 {
     requirePanel();
-    const int runs = runsFrom(argc, argv);
-    useInstantTools();
-    const auto bareWindow = ownFolder() / "barewindow";
-    const auto program = ownFolder().parent_path() / "talmero-bios";
-
-    // These first runs also fill the caches of files and fonts, as a panel's own start does.
-    const auto tools = toolsOf(program);
-    Samples bare;
-    runOnce(bareWindow, bare);
-    bare = {};
-    Samples full;
-    for (int run = 0; run < runs; ++run) {
-        runOnce(bareWindow, bare);
-        runOnce(program, full);
+    const int runs = argc > 1 ? std::atoi(argv[1]) : 0;
+    if (runs < 1) {
+        showUsage();
     }
-
+    useInstantTools();
+    std::vector<Program> programs{
+        {"talmero-bios", ownFolder().parent_path() / "talmero-bios", Seen::FirstFrame},
+        {"bare window", ownFolder() / "barewindow", Seen::FirstFrame}};
+    for (int at = 2; at < argc; ++at) {
+        programs.push_back({argv[at], std::filesystem::path("/usr/bin") / argv[at], Seen::Window});
+    }
+    const size_t tools = toolsBeforeFirstFrame(programs.front().path);
+    for (int run = -1; run < runs; ++run) {
+        for (Program &program : programs) {
+            runOnce(program);
+        }
+        if (run < 0) { // the first runs fill the caches of files and fonts, as a panel's start does
+            for (Program &program : programs) {
+                program.wallTime.clear();
+                program.memory.clear();
+            }
+        }
+    }
     ResultTable table;
-    table.addSamples("start to first frame, bare window", bare.wallTime, "ms");
-    table.addSamples("start to first frame, talmero-bios", full.wallTime, "ms");
-    table.addFigure("  ratio", median(full.wallTime) / median(bare.wallTime), "times",
-                    wallTimeTarget);
-    table.addSamples("memory (PSS), bare window", bare.memory, "MB");
-    table.addSamples("memory (PSS), talmero-bios", full.memory, "MB");
-    table.addFigure("  ratio", median(full.memory) / median(bare.memory), "times", memoryTarget);
-    addTools(table, tools, runs);
+    const std::vector<double> tool = toolTimes(runs);
+    comparePrograms(table, programs, static_cast<double>(tools) * median(tool));
+    table.addFigure("tools that a start runs", static_cast<double>(tools), "");
+    table.addSamples("one run of a tool that returns at once", tool, "ms");
+    compareFiles(table, programs.at(0), programs.at(1));
     return table.exitStatus();
 }

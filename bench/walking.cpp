@@ -40,7 +40,6 @@ void compareWithFind(ResultTable &table)
     const QStringList find{"find", folder, "-type", "f", "-name", QString("*") + sampleExtension};
     std::vector<double> ours;
     std::vector<double> peer;
-    std::vector<double> ratios;
     timeOf(walk); // the first runs bring the programs into memory
     timeOf(find);
     for (int pair = 0; pair < pairs; ++pair) {
@@ -49,12 +48,9 @@ void compareWithFind(ResultTable &table)
         const double second = timeOf(findFirst ? walk : find);
         ours.push_back(findFirst ? second : first);
         peer.push_back(findFirst ? first : second);
-        ratios.push_back(ours.back() / peer.back());
     }
     const std::string files = std::to_string(comparedFiles) + " files";
-    table.addSamples("find over " + files, peer, "ms");
-    table.addSamples("walk over " + files, ours, "ms");
-    table.addSamples("  ratio, pair by pair", ratios, "times", timeTarget);
+    table.addPair("walk over " + files + "; find", ours, peer, "ms", timeTarget);
 }
 
 /// Milliseconds of each walk over @p files files, which are there.

@@ -17,24 +17,38 @@ double millisecondsSince(std::chrono::steady_clock::time_point begin);
 /// 0 if there are no @p values.
 double median(std::vector<double> values);
 
-/// What was measured, one line each, printed at once. Remembers whether a target was missed.
+/// Which of several values a target is for.
+enum class Judged { Median, Worst };
+
+/// What was measured, one line each, printed at once: median of ours and of the peer, their ratio,
+/// the spread (least and most), the target. Remembers whether a target was missed.
 class ResultTable
 {
 public:
-    /// Prints median and worst of @p values. A target is for the median, in the same unit.
+    /// Prints the median of @p values and their spread. A target is in the same unit.
     void addSamples(const std::string &what, const std::vector<double> &values, const char *unit,
-                    std::optional<double> target = {});
+                    std::optional<double> target = {}, Judged judged = Judged::Median);
 
     /// Prints one figure.
     void addFigure(const std::string &what, double value, const char *unit,
                    std::optional<double> target = {});
 
+    /// Prints the medians of @p ours and of @p peer, which were measured in turn, and their ratio
+    /// with the spread of the ratios pair by pair. A target is for the ratio.
+    void addPair(const std::string &what, const std::vector<double> &ours,
+                 const std::vector<double> &peer, const char *unit,
+                 std::optional<double> target = {});
+
+    /// Prints two figures and how much more ours is than the peer's. A target is for that.
+    void addDifference(const std::string &what, double ours, double peer, const char *unit,
+                       std::optional<double> target = {});
+
     /// EXIT_FAILURE if a target was missed.
     int exitStatus() const;
 
 private:
-    void addLine(const std::string &what, double value, const std::string &worst, const char *unit,
-                 std::optional<double> target);
+    struct Line;
+    void print(const Line &line, std::optional<double> judged, std::optional<double> target);
 
     bool m_missed = false;
 };

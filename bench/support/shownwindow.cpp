@@ -101,9 +101,24 @@ QWidget *ShownWindow::cancelButton() const
 
 double ShownWindow::tap(QWidget *target, QWidget *painted)
 {
-    const QPoint at = target->mapTo(&m_window, target->rect().center());
-    return timeUntilPainted(painted, [this, at] {
-        QTest::mousePress(m_window.windowHandle(), Qt::LeftButton, {}, at);
-        QTest::mouseRelease(m_window.windowHandle(), Qt::LeftButton, {}, at);
+    return tapTime(&m_window, target, painted);
+}
+
+double tapTime(QWidget *window, QWidget *target, QWidget *painted)
+{
+    const QPoint at = target->mapTo(window, target->rect().center());
+    return timeUntilPainted(painted, [window, at] {
+        QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, at);
+        QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, at);
     });
+}
+
+QWidget *shownKeypad()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("MyInputPanel") && QTest::qWaitForWindowExposed(widget)) {
+            return widget;
+        }
+    }
+    qFatal("no keypad is shown");
 }

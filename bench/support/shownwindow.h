@@ -19,6 +19,13 @@ void waitForServer();
 /// benchmark if that never comes.
 double timeUntilPainted(QWidget *painted, const std::function<void()> &act);
 
+/// Milliseconds from a tap on the middle of @p target, a part of @p window, until @p painted is
+/// painted and on the screen.
+double tapTime(QWidget *window, QWidget *target, QWidget *painted);
+
+/// The keypad, once it is on the screen. Ends the benchmark if it does not come.
+QWidget *shownKeypad();
+
 /// The settings window as a finger sees it.
 class ShownWindow
 {

@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# Counts the instructions from the start of the program until it hands its first frame to the
+# display: a figure that no other load on the machine changes. Growth of more than 3 percent over
+# the recorded one fails. Runs in the simulated panel: tst_startinstructions.sh PROGRAM
+set -euo pipefail
+program=$1
+data=$(cd "$(dirname "${BASH_SOURCE[0]}")/../data" && pwd)
+recorded=$(<"$data/start-instructions")
+[ -e /run/talmero-panel ]
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# Tools that answer at once, and no other fonts than on each machine: both are part of the count.
+mkdir "$work/tools"
+for tool in beep date du hwclock ifconfig sleep xinput xset; do
+    ln -s /bin/true "$work/tools/$tool"
+done
+printf '#!/bin/sh\necho LVDS1 connected primary\n' >"$work/tools/xrandr"
+chmod +x "$work/tools/xrandr"
+cat >"$work/fonts.conf" <<TEXT
+<fontconfig>
+<dir>/usr/share/fonts/truetype/dejavu</dir>
+<dir>/usr/share/fonts/truetype/open-sans</dir>
+<cachedir>$work/fonts</cachedir>
+</fontconfig>
+TEXT
+export PATH=$work/tools:$PATH FONTCONFIG_FILE=$work/fonts.conf LC_ALL=C.UTF-8
+
+# The first start makes the caches of the fonts.
+timeout 1 "$program" >/dev/null 2>&1 || true
+valgrind --tool=callgrind --callgrind-out-file="$work/profile" \
+    --dump-before=xcb_shm_put_image "$program" >"$work/log" 2>&1 &
+valgrind=$!
+for ((waited = 0; waited < 300; ++waited)); do
+    ! grep -qs '^totals:' "$work/profile.1" || break
+    read -r -t 0.1 <> <(:) || true # "sleep" returns at once here
+done
+kill "$valgrind"
+wait "$valgrind" || true
+[ -e "$work/profile.1" ] || { cat "$work/log" && exit 1; }
+
+counted=$(sed -n 's/^totals: //p' "$work/profile.1")
+echo "instructions until the first frame: $counted, recorded $recorded"
+if [ "$counted" -gt $((recorded * 103 / 100)) ]; then
+    echo "FAIL: more than 3 percent above $data/start-instructions; what is done at start that was not?"
+    exit 1
+fi
+if [ "$counted" -lt $((recorded * 97 / 100)) ]; then
+    echo "It has become less: record the new figure in $data/start-instructions."
+fi
