@@ -5,6 +5,7 @@
 #include "system/commandline.h"
 #include "system/process.h"
 #include "system/screensize.h"
+#include "system/settingskeys.h"
 #include "system/versionfiles.h"
 #include "system/xrandroutput.h"
 #include "widgets/settingsbutton.h"
@@ -92,7 +93,7 @@ void BiosInterface::preAction()
 
 void BiosInterface::readDebugLevel()
 {
-    const QString level = m_settings.value("bios.debug");
+    const QString level = m_settings.value(SettingsKeys::debugLevel);
     if (!level.isEmpty()) {
         m_debugLevel = level.toInt();
     }
@@ -100,7 +101,7 @@ void BiosInterface::readDebugLevel()
 
 void BiosInterface::readScreenSize()
 {
-    if (const auto size = parseScreenSize(m_settings.value("bios.screen.size"))) {
+    if (const auto size = parseScreenSize(m_settings.value(SettingsKeys::screenSize))) {
         m_screenWidth = size->width();
         m_screenHeight = size->height();
     }

@@ -3,6 +3,7 @@
 #include "makepackage.h"
 #include "options.h"
 #include "packageinfo.h"
+#include "system/debugtext.h"
 #include "system/textcodec.h"
 
 #include <QCoreApplication>
