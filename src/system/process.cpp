@@ -21,6 +21,7 @@ void runForwarded(QProcess &process, std::chrono::milliseconds limit)
 }
 
 constexpr int stopInterval = 50;   // ms between two looks whether a tool shall be stopped
+constexpr int killTime = 1000;     // ms until a killed tool is gone, unless it waits for a disk
 constexpr int askInterval = 10;    // ms between two looks at how much a tool wrote
 constexpr qint64 feedSize = 65536; // bytes that a tool is given at once
 
@@ -120,10 +121,12 @@ ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds l
     return result; // leaving kills what still runs
 }
 
-ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most)
+ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most,
+                   const QString &folder)
 {
     QProcess process;
     setUp(process, command);
+    process.setWorkingDirectory(folder);
     process.start();
     const QDeadlineTimer deadline(limit);
     if (!process.waitForStarted(-1)) {
@@ -143,7 +146,7 @@ ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, 
     }
     if (answer.end != ToolAnswer::End::Ended) {
         process.kill();
-        process.waitForFinished(-1);
+        process.waitForFinished(killTime);
     } else if (process.exitStatus() == QProcess::CrashExit) {
         answer.end = ToolAnswer::End::Crashed;
     } else {

@@ -80,8 +80,9 @@ struct ToolAnswer
 };
 
 /// Runs @p command as runLimited() does, but ends it also when it has written more than @p most
-/// bytes: for one who does not trust the tools.
-ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most);
+/// bytes: for one who does not trust the tools. In the folder @p folder, if there is one.
+ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most,
+                   const QString &folder = {});
 
 /// Standard output of @p command as text, up to @p limit as with runLimited(); what was written
 /// until then if the tool did not end, empty if it could not be started.
