@@ -274,9 +274,9 @@ Findings checkSettings(const Facts &facts)
     const QList<Setting> settings = settingsIn(lines, &passedOver);
     for (const Setting &setting : settings) {
         if (auto wrong = judge(facts, setting)) {
-            wrong->found = QString("line %1: %2=%3 %4")
-                               .arg(QString::number(setting.line), shortened(setting.key),
-                                    shortened(setting.value), wrong->found);
+            wrong->found = QString("line %1: %2 %3")
+                               .arg(QString::number(setting.line),
+                                    shortened(setting.key + '=' + setting.value), wrong->found);
             findings += *wrong;
         }
     }
