@@ -48,7 +48,7 @@ const QList<BrokenThing> &brokenThings()
                  answer(f, question, "", "unable to open display", 1);
              }
          },
-         {"error display: :0 does not answer",
+         {"error display: :0 does not answer: \"tool -x\" fails with status 1: unable to open display",
           "warning output: not looked at: no display answers",
           "warning screen: not looked at: no display answers",
           "warning rotation: not looked at: no display answers",
@@ -60,12 +60,26 @@ const QList<BrokenThing> &brokenThings()
                  fail(f, question, End::CutOff);
              }
          },
-         {"error display: :0 does not answer (DISPLAY is not set)",
+         {"error display: :0 does not answer (DISPLAY is not set): \"tool -x\" hangs: no answer within 5 s",
           "error output: \"tool -x\" hangs: no answer within 5 s",
           "error screen: \"tool -x\" hangs: no answer within 5 s",
           "error rotation: \"tool -x\" hangs: no answer within 5 s",
           "error brightness: \"tool -x\" hangs: no answer within 5 s",
           "error touch: \"tool -x\" hangs: no answer within 5 s"}},
+        {"no X tools", [](Facts &f) {
+             for (const auto tool : {Tool::Xset, Tool::Xrandr, Tool::Xinput}) {
+                 removeTool(f, tool);
+             }
+         },
+         {"error tool xinput: not on PATH, or not executable",
+          "error tool xrandr: not on PATH, or not executable",
+          "error tool xset: not on PATH, or not executable",
+          "error display: :0 does not answer",
+          "warning output: not looked at: the tool is missing",
+          "warning screen: not looked at: the tool is missing",
+          "warning rotation: not looked at: the tool is missing",
+          "warning brightness: not looked at: the tool is missing",
+          "warning touch: not looked at: the tool is missing"}},
         {"no output connected", [](Facts &f) { answer(f, Question::Outputs, "Screen 0: current 800 x 600\nVGA1 disconnected\n"); },
          {"error output: \"xrandr -q\" names no connected output"}},
         {"outputs in another format", [](Facts &f) { answer(f, Question::Outputs, "DP-1 \"x\" 800x600\n"); },

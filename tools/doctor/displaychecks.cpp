@@ -43,7 +43,10 @@ Findings checkDisplay(const Facts &facts)
         }
         return {fine(QString("%1 answers%2").arg(facts.display, origin))};
     }
-    return {error(QString("%1 does not answer%2").arg(facts.display, origin),
+    const auto reason = facts.answer(Question::Server) ? badAnswer(facts, Question::Server, {})
+                                                       : std::optional<Finding>();
+    return {error(QString("%1 does not answer%2%3")
+                      .arg(facts.display, origin, reason ? ": " + reason->found : QString()),
                   "run this in the panel's X session, or set DISPLAY and XAUTHORITY as it does")};
 }
 
