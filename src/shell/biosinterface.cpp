@@ -3,6 +3,7 @@
 #include "inputpanel/myinputpanelcontext.h"
 #include "inputpanel/platformbridge.h"
 #include "system/commandline.h"
+#include "system/fontnames.h"
 #include "system/process.h"
 #include "system/screensize.h"
 #include "system/settingskeys.h"
@@ -22,9 +23,6 @@
 namespace {
 constexpr int rescuePollInterval = 200; // ms
 
-constexpr char fontFamily[] = "WeblySleek UI";
-/// Take its place where it is not installed: as narrow as it is, so that the texts fit, first.
-constexpr const char *fontSubstitutes[] = {"Open Sans", "DejaVu Sans"};
 constexpr int fontPixelSize = 28;
 constexpr int smallFontPixelSize = 20;
 /// Models with a screen too small for the usual font.

@@ -24,8 +24,8 @@ constexpr int healthyLimit = 2000; // ms
 constexpr int hangingLimit = 8000; // ms for a run in which every tool is cut off after a second
 
 /// Those that the doctor runs. xCal, hwclock and others it must never run.
-const QStringList askedTools{"xrandr", "xinput",   "xset",  "ifconfig", "du",
-                             "date",   "dhclient", "sleep", "ifquery",  "tar"};
+const QStringList askedTools{"xrandr",   "xinput", "xset",    "ifconfig", "du",     "date",
+                             "dhclient", "sleep",  "ifquery", "tar",      "fc-list"};
 
 /// An ifconfig of today.
 constexpr char todaysIfconfig[]
@@ -357,12 +357,13 @@ void TestDoctor::changesNothing()
         return line.startsWith("tar -zxvf /tmp/talmero-doctor-") && line.endsWith("/sample.tar.gz");
     }),
              1);
-    QCOMPARE(asked,
-             (QByteArrayList{"date +%s", "dhclient --version", "du -h /home/dest/", "ifconfig ",
-                             "ifconfig eth0", "ifconfig eth1", "ifquery --list", "sleep 0.2",
-                             "tar --version", "xinput --list --name-only",
-                             "xinput query-state PenMount USB Touchscreen", "xrandr --verbose",
-                             "xrandr -q", "xset q"}));
+    QCOMPARE(
+        asked,
+        (QByteArrayList{"date +%s", "dhclient --version", "du -h /home/dest/", "fc-list : family",
+                        "ifconfig ", "ifconfig eth0", "ifconfig eth1", "ifquery --list",
+                        "sleep 0.2", "tar --version", "xinput --list --name-only",
+                        "xinput query-state PenMount USB Touchscreen", "xrandr --verbose",
+                        "xrandr -q", "xset q"}));
     QCOMPARE(shellBytes(files), before);
 }
 

@@ -67,6 +67,7 @@ void answerAll(Facts &facts)
     answer(facts, Question::Unpack, "sample\n");
     answer(facts, Question::DhcpVersion, "", "isc-dhclient-4.4.3-P1\n");
     answer(facts, Question::InterfacesFile, "lo\neth0\neth1\n");
+    answer(facts, Question::Fonts, "Helvetica\nWeblySleek UI\n");
     answer(facts, Question::ScriptSyntax, "");
     answer(facts, Question::ShortPause, "");
 }
@@ -81,6 +82,7 @@ Facts healthyFacts()
     facts.tools.fill("/usr/bin/tool");
     facts.gzip = "/usr/bin/gzip";
     facts.ifquery = "/usr/sbin/ifquery";
+    facts.fontList = "/usr/bin/fc-list";
     facts.sample = "sample";
     facts.unpacked = "sample";
     facts.interfaces = {{"eth0", "02:00:00:00:00:01", false},

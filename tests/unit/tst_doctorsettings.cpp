@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace std::chrono_literals;
@@ -117,6 +118,8 @@ class TestDoctorSettings : public QObject
 private slots:
     void settings_data();
     void settings();
+    void everyKeyIsKnown_data();
+    void everyKeyIsKnown();
     void brokenThing_data() { addBrokenThings(brokenThings()); }
     void brokenThing();
     void report();
@@ -140,6 +143,33 @@ void TestDoctorSettings::settings()
     Facts facts = healthyFacts();
     putFile(facts, Paths::settingsFile, settingsRows().at(index).text);
     QCOMPARE(complaints(facts), settingsRows().at(index).complaints);
+}
+
+/// All that the program's own lists of keys spell.
+void TestDoctorSettings::everyKeyIsKnown_data()
+{
+    QTest::addColumn<QString>("key");
+    static const QRegularExpression key("\"([a-z0-9]+\\.[a-z0-9.]+)\"");
+    for (const char *list : {"settingskeys.h", "ethernetkeys.cpp"}) {
+        QFile file(QString(PANEL_SOURCE "/src/system/%1").arg(list));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        for (auto found = key.globalMatch(QString::fromUtf8(file.readAll())); found.hasNext();) {
+            const QString name = found.next().captured(1);
+            if (!name.endsWith(".h")) {
+                QTest::newRow(qPrintable(name)) << name;
+            }
+        }
+    }
+}
+
+void TestDoctorSettings::everyKeyIsKnown()
+{
+    QFETCH(QString, key);
+    Facts facts = healthyFacts();
+    putFile(facts, Paths::settingsFile, key.toUtf8() + "=~\n");
+    const QStringList said = complaints(facts);
+    QCOMPARE(said.size(), 1); // no key takes this value
+    QVERIFY2(!said.first().contains("does not know"), qPrintable(said.first()));
 }
 
 void TestDoctorSettings::brokenThing()

@@ -103,6 +103,10 @@ const QList<BrokenThing> &brokenThings()
          }, {}},
         {"no gamma tables", [](Facts &f) { answer(f, Question::OutputDetails, "A connected x\n"); },
          {"warning brightness: the display has no brightness that xrandr could set"}},
+        {"no font of ours", [](Facts &f) { answer(f, Question::Fonts, "Helvetica\n"); },
+         {"warning fonts: none of the program's fonts is installed: texts may not fit"}},
+        {"substitute font", [](Facts &f) { answer(f, Question::Fonts, "Helvetica\nDejaVu Sans,DejaVu Sans Light\n"); }, {}},
+        {"no list of fonts", [](Facts &f) { f.fontList.clear(); f.answers[size_t(Question::Fonts)].reset(); }, {}},
         {"another touch controller", [](Facts &f) { answer(f, Question::Devices, "penmount\nEloTouch\n"); },
          {"error touch: no input device has \"PenMount\" in its name"}},
         {"controller without buttons", [](Facts &f) { answer(f, Question::DeviceState, "ValuatorClass\n"); },
@@ -141,6 +145,7 @@ const QList<Askers> &allAskers()
         {Question::Unpack,          {"unpacking"}},
         {Question::DhcpVersion,     {"DHCP client"}},
         {Question::InterfacesFile,  {"interfaces file"}},
+        {Question::Fonts,           {"fonts"}},
         {Question::ScriptSyntax,    {"runtime script"}},
         {Question::ShortPause,      {"pause"}},
     };
@@ -225,7 +230,10 @@ void TestDoctorTools::everyFailureIsTold()
             expected += "warning unpacking: tar unpacks a sample package, but is not GNU tar";
         } else {
             expected += QString("%1 %2: \"tool -x\" %3")
-                            .arg(askers.question == Question::ShortPause ? "warning" : "error",
+                            .arg(askers.question == Question::ShortPause
+                                         || askers.question == Question::Fonts
+                                     ? "warning"
+                                     : "error",
                                  subject, fate);
         }
     }

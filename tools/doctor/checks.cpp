@@ -11,6 +11,7 @@ const QList<Check> &allChecks()
         {"screen",          checkScreen},
         {"rotation",        checkRotation},
         {"brightness",      checkBrightness},
+        {"fonts",           checkFonts},
         {"touch",           checkTouch},
         {"LAN ports",       checkPorts},
         {"ifconfig",        checkIfconfig},

@@ -28,6 +28,7 @@ Findings checkSleep(const Facts &facts);
 Findings checkDisplay(const Facts &facts);
 Findings checkOutput(const Facts &facts);
 Findings checkScreen(const Facts &facts);
+Findings checkFonts(const Facts &facts);
 Findings checkRotation(const Facts &facts);
 Findings checkBrightness(const Facts &facts);
 Findings checkTouch(const Facts &facts);

@@ -2,6 +2,7 @@
 #include "checks.h"
 
 #include "system/commandline.h"
+#include "system/fontnames.h"
 #include "system/settingsfile.h"
 #include "system/settingskeys.h"
 #include "system/xinputoutput.h"
@@ -119,6 +120,28 @@ Findings checkBrightness(const Facts &facts)
                         "use a driver with gamma tables")};
     }
     return {fine("the display has a brightness")};
+}
+
+Findings checkFonts(const Facts &facts)
+{
+    if (facts.fontList.isEmpty()) {
+        return {fine("not looked at: fc-list is not there")};
+    }
+    if (const auto bad = badAnswer(facts, Question::Fonts, "texts may not fit")) {
+        return {warning(bad->found, bad->advice)};
+    }
+    const QString families = answerText(facts, Question::Fonts);
+    if (families.contains(QLatin1String(fontFamily))) {
+        return {fine(QLatin1String(fontFamily))};
+    }
+    for (const char *substitute : fontSubstitutes) {
+        if (families.contains(QLatin1String(substitute))) {
+            return {fine(QString("%1 in place of %2")
+                             .arg(QLatin1String(substitute), QLatin1String(fontFamily)))};
+        }
+    }
+    return {warning("none of the program's fonts is installed: texts may not fit",
+                    "install fonts-open-sans or fonts-dejavu-core")};
 }
 
 Findings checkTouch(const Facts &facts)

@@ -28,6 +28,7 @@ enum class Question {
     Unpack,
     DhcpVersion,
     InterfacesFile,
+    Fonts,
     ScriptSyntax,
     ShortPause,
 };
@@ -86,6 +87,7 @@ struct StrayLinks
 /// The tools that the program itself does not run, but its tools or the panel's boot do.
 inline constexpr char gzipName[] = "gzip";
 inline constexpr char ifqueryName[] = "ifquery";
+inline constexpr char fontListName[] = "fc-list";
 
 /// All that the checks decide on. Gathered once, so that a check is a function of values.
 struct Facts
@@ -98,6 +100,7 @@ struct Facts
     std::array<QString, std::size(toolNames)> tools;            ///< paths; empty if not found
     QString gzip;                                               ///< path; empty if not found
     QString ifquery;                                            ///< path; empty if not found
+    QString fontList;                                           ///< path; empty if not found
     std::array<std::optional<Answered>, questionCount> answers; ///< nothing where nobody was asked
     QByteArray unpacked; ///< what came out of the sample archive
     QByteArray sample;   ///< what is in it

@@ -102,6 +102,7 @@ void findTools(Facts &facts)
     }
     facts.gzip = QStandardPaths::findExecutable(gzipName);
     facts.ifquery = QStandardPaths::findExecutable(ifqueryName);
+    facts.fontList = QStandardPaths::findExecutable(fontListName);
 }
 
 void listInterfaces(Facts &facts)

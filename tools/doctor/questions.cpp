@@ -34,6 +34,7 @@ QList<AskedTool> firstQuestions(const Facts &facts, const QString &archive, cons
         ask(Question::DhcpVersion,     Tool::Dhclient, toolCommand(Tool::Dhclient, {"--version"})),
         ask(Question::ShortPause,      Tool::Sleep,    echoPauseCommand()),
         {Question::InterfacesFile,     facts.ifquery,  {ifqueryName, "--list"}},
+        {Question::Fonts,              facts.fontList, {fontListName, ":", "family"}},
     };
     // clang-format on
     if (facts.path(Paths::runtimeScript).kind == PathFacts::Kind::File) {
