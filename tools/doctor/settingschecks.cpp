@@ -36,6 +36,14 @@ struct KnownKey
     Judge judge;
 };
 
+/// As the program reads numbers.
+std::optional<int> numberIn(const QString &text)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
 bool isMask(const QString &text)
 {
     in_addr address;
@@ -66,9 +74,8 @@ Wrong judgeOrientation(const Facts &, const QString &value)
 
 Wrong judgeDelay(const Facts &, const QString &value)
 {
-    bool isNumber = false;
-    const int minutes = value.toInt(&isNumber);
-    if (!isNumber || minutes == 0) {
+    const int minutes = numberIn(value).value_or(0);
+    if (minutes == 0) {
         return warning("switches screen saving off, as no number does",
                        "store a number of minutes, or remove the line for off");
     }
@@ -113,9 +120,7 @@ Wrong judgeBrightness(const Facts &facts, const QString &value)
 
 Wrong judgeDebugLevel(const Facts &, const QString &value)
 {
-    bool isNumber = false;
-    value.toInt(&isNumber);
-    if (isNumber) {
+    if (numberIn(value)) {
         return std::nullopt;
     }
     return warning("counts as 0, as no number does", "store a number, or remove the line");
