@@ -67,6 +67,12 @@ constexpr Break breaks[] = {
     {"folder for fonts elsewhere",
      "echo bios.fontsetting.folder=/srv/no >/opt/talmero/bios/bios.ini", "",
      "warning  settings: line 1: bios.fontsetting.folder=/srv/no is no folder now", 1},
+    {"left archive", ": >/tmp/talmero-bios.aBc123", "rm /tmp/talmero-bios.aBc123",
+     "warning  space: 1 archives of packages are left in /tmp", 1},
+    {"link into the system", "ln -s /etc /home/dest/config", "rm /home/dest/config",
+     "warning  links: 1 links in /home/dest and /opt/talmero/bios lead out of them: "
+     "/home/dest/config",
+     1},
     {"factory stick", "touch /media/usb0/talmero_setup", "rm /media/usb0/talmero_setup",
      "warning  stick: /media/usb0/talmero_setup is there", 1},
     {"no third serial port", "mv /dev/ttyS2 /dev/aside", "mv /dev/aside /dev/ttyS2",

@@ -254,8 +254,7 @@ void TestDoctorSettings::commandLine_data()
 void TestDoctorSettings::commandLine()
 {
     QFETCH(QString, line);
-    const Arguments arguments
-        = parseArguments(("talmero-doctor " + line).split(' ', Qt::SkipEmptyParts));
+    const Arguments arguments = parseArguments(line.split(' ', Qt::SkipEmptyParts));
     QTEST(arguments.task, "task");
     QTEST(arguments.isJson, "isJson");
     QTEST(int(arguments.limit.count()), "limit");

@@ -26,7 +26,7 @@ Arguments parseArguments(const QStringList &arguments)
     const QCommandLineOption limit("limit", QString(), "seconds");
     parser.addOptions({help, version, json, limit});
     Arguments parsed;
-    if (!parser.parse(arguments)) {
+    if (!parser.parse(QStringList{"talmero-doctor"} + arguments)) {
         parsed.error = parser.errorText().section('\n', 0, 0);
     } else if (!parser.positionalArguments().isEmpty()) {
         parsed.error = QString("unknown argument: %1").arg(parser.positionalArguments().first());

@@ -14,5 +14,5 @@ struct Arguments
     QString error;                         ///< what is wrong; empty if nothing is
 };
 
-/// Reads the command line, the tool's own name first.
+/// Reads the command line without the tool's own name.
 Arguments parseArguments(const QStringList &arguments);

@@ -120,13 +120,12 @@ void listInterfaces(Facts &facts)
 
 void ask(Facts &facts, const QList<AskedTool> &questions, std::chrono::milliseconds limit)
 {
-    std::vector<std::future<ToolAnswer>> answers;
+    std::vector<std::future<ToolAnswer>> answers; // one after the other where threads are short
     for (const AskedTool &asked : questions) {
-        answers.push_back(asked.tool.isEmpty()
-                              ? std::future<ToolAnswer>()
-                              : std::async(std::launch::async, [asked, limit] {
-                                    return askTool(asked.command, limit, answerLimit, asked.folder);
-                                }));
+        answers.push_back(
+            asked.tool.isEmpty() ? std::future<ToolAnswer>() : std::async([asked, limit] {
+                return askTool(asked.command, limit, answerLimit, asked.folder);
+            }));
     }
     for (qsizetype index = 0; index < questions.size(); ++index) {
         if (answers[size_t(index)].valid()) {

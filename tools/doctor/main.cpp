@@ -63,11 +63,7 @@ int run(const Arguments &arguments)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    QStringList arguments; // not those of the application, which change bytes that are no text
-    for (int index = 0; index < argc; ++index) {
-        arguments += textFromBytes(argv[index]);
-    }
-    const int status = run(parseArguments(arguments));
+    const int status = run(parseArguments(argumentTexts(argc, argv)));
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fputs("talmero-doctor: cannot write to standard output\n", stderr);
         return OutputLost;
