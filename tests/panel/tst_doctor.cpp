@@ -95,6 +95,7 @@ private slots:
     void healthyPanel();
     void brokenPanel_data();
     void brokenPanel();
+    void foldersOfTheSettings();
     void jsonSaysTheSame();
     void fullTemporaryFolder();
     void display();
@@ -161,6 +162,13 @@ void TestDoctor::brokenPanel()
     QVERIFY(complaints.first().contains(" -> "));
     QCOMPARE(text.status, broken.status);
     QCOMPARE(text.errors, QByteArray());
+}
+
+void TestDoctor::foldersOfTheSettings()
+{
+    writeFile(Paths::settingsFile,
+              "bios.filetransfer.folder=/media/usb0\nbios.fontsetting.folder=/srv\n");
+    QCOMPARE(complaintsIn(runDoctor().output), QByteArrayList());
 }
 
 void TestDoctor::jsonSaysTheSame()
