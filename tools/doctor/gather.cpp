@@ -1,5 +1,6 @@
 #include "gather.h"
 
+#include "facts.h"
 #include "packages/filewalk.h"
 #include "questions.h"
 #include "system/filecopy.h"

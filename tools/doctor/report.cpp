@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include "finding.h"
 #include "system/debugtext.h"
 
 #include <QJsonArray>
