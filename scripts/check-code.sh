@@ -39,6 +39,7 @@ src/factory system
 src/shell system widgets packages inputpanel pages
 src/pages system widgets packages inputpanel shell
 tools/mkpackage packages system
+tools/doctor packages system
 RULES
 
 echo "Hazards"
@@ -77,7 +78,8 @@ shellcheck --external-sources "${scripts[@]}"
 
 echo "Code"
 # Unused is what neither the program nor a tool uses: what only a test uses counts as unused.
-cppcheck --quiet --error-exitcode=1 --std=c++20 --library=qt -I src -I tools/mkpackage \
+cppcheck --quiet --error-exitcode=1 --std=c++20 --library=qt -I src \
+    -I tools/mkpackage -I tools/doctor \
     --enable=warning,style,performance,portability,unusedFunction \
     --suppress-xml=scripts/cppcheck.xml src tools
 

@@ -3,6 +3,7 @@
 #include "factory/linktest.h"
 #include "factory/resultview.h"
 #include "system/factorycommand.h"
+#include "system/paths.h"
 #include "system/process.h"
 
 #include <QDeadlineTimer>
@@ -28,7 +29,7 @@ bool hasMore(QSerialPort *port)
 void SoftwareSetup::slotCOM232Test()
 {
     const int number = tappedLink("comtest");
-    const QString device = QString("/dev/ttyS%1").arg(number - 1);
+    const QString device = QString(Paths::serialPort).arg(number - 1);
     openSerialPort(device);
     qDebug() << Q_FUNC_INFO << device << m_serialPort->isOpen();
     connect(m_serialPort, &QSerialPort::readyRead, this, &SoftwareSetup::slotCOMEcho);

@@ -3,9 +3,6 @@
 #include <QString>
 #include <QStringList>
 
-/// The setting that says below which folder packages are looked for.
-inline constexpr char transferFolderKey[] = "bios.filetransfer.folder";
-
 /// In which letters an extension counts.
 enum class ExtensionCase {
     SmallLetters, ///< only as it is given

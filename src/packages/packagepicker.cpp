@@ -4,6 +4,7 @@
 #include "packages/filewalk.h"
 #include "system/paths.h"
 #include "system/settingsfile.h"
+#include "system/settingskeys.h"
 
 #include <QFile>
 #include <QHBoxLayout>
@@ -38,7 +39,7 @@ PackagePicker::PackagePicker(const QString &title, const QString &extension)
     }
     SettingsMap settings;
     readSettingsFile(Paths::settingsFile, settings);
-    const QString folder = searchFolder(settings.value(transferFolderKey));
+    const QString folder = searchFolder(settings.value(SettingsKeys::transferFolder));
     showFiles(&m_table, folder, findFilesBelow(folder, {extension}, ExtensionCase::AnyCase));
     layOut();
 }

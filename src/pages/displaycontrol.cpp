@@ -2,23 +2,24 @@
 
 #include "system/commandline.h"
 #include "system/process.h"
+#include "system/settingskeys.h"
 
 #include <QDateTimeEdit>
 
 void BiosInterface::setScreenSaving()
 {
-    runAndWait(screenSavingCommand(m_settings.value("app.screensaving")), settingLimit);
+    runAndWait(screenSavingCommand(m_settings.value(SettingsKeys::screenSaving)), settingLimit);
 }
 
 void BiosInterface::setScreenOrientation()
 {
-    runAndWait(orientationCommand(m_displayOutput, m_settings.value("app.orientation")),
+    runAndWait(orientationCommand(m_displayOutput, m_settings.value(SettingsKeys::orientation)),
                settingLimit);
 }
 
 void BiosInterface::setBackLighting()
 {
-    runAndWait(brightnessCommand(m_displayOutput, m_settings.value("bios.brightness")),
+    runAndWait(brightnessCommand(m_displayOutput, m_settings.value(SettingsKeys::brightness)),
                settingLimit);
 }
 

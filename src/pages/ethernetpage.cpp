@@ -1,7 +1,7 @@
 #include "shell/biosinterface.h"
 
-#include "pages/ethernetkeys.h"
 #include "system/commandline.h"
+#include "system/ethernetkeys.h"
 #include "system/ifconfigoutput.h"
 #include "system/process.h"
 #include "widgets/heading.h"
@@ -60,15 +60,6 @@ RadioButton *createMode(const QString &text, const char *name, QButtonGroup *mod
     return mode;
 }
 } // namespace
-
-const EthernetKeys &ethernetKeys(int lan)
-{
-    static const EthernetKeys keys[] = {
-        {"eth0", "ethernet.eth0", "ethernet.eth0.mask"},
-        {"eth1", "ethernet.eth1", "ethernet.eth1.mask"},
-    };
-    return keys[lan == 0 ? 0 : 1];
-}
 
 void BiosInterface::initEthernetPage()
 {

@@ -4,6 +4,7 @@
 #include "packages/filewalk.h"
 #include "packages/packagecheck.h"
 #include "packages/packageinstaller.h"
+#include "system/settingskeys.h"
 #include "widgets/radiobutton.h"
 
 #include <QDir>
@@ -92,7 +93,7 @@ bool BiosInterface::loadFiletransferSettings()
     if (table == nullptr || application == nullptr) {
         return false;
     }
-    const QString folder = searchFolder(m_settings.value(transferFolderKey));
+    const QString folder = searchFolder(m_settings.value(SettingsKeys::transferFolder));
     const QString extension
         = QLatin1String(application->isChecked() ? applicationExtension : firmwareExtension);
     // A file whose whole name is the extension comes first. Such a name is a hidden one, so the

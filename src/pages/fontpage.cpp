@@ -4,6 +4,7 @@
 #include "packages/filewalk.h"
 #include "system/filecopy.h"
 #include "system/paths.h"
+#include "system/settingskeys.h"
 
 #include <QStackedWidget>
 #include <QTableWidget>
@@ -11,7 +12,6 @@
 
 namespace {
 constexpr int contentMargin = 29; // px
-constexpr char fontFolderKey[] = "bios.fontsetting.folder";
 
 void installFont(const QString &path)
 {
@@ -36,7 +36,7 @@ bool BiosInterface::loadFontSettings()
     if (table == nullptr) {
         return false;
     }
-    const QString folder = searchFolder(m_settings.value(fontFolderKey));
+    const QString folder = searchFolder(m_settings.value(SettingsKeys::fontFolder));
     showFiles(table, folder, findFilesBelow(folder, {".ttf", ".ttc"}, ExtensionCase::AnyCase));
     return true;
 }

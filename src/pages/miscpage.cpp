@@ -1,5 +1,7 @@
 #include "shell/biosinterface.h"
 
+#include "system/displaychoices.h"
+#include "system/settingskeys.h"
 #include "widgets/radiobutton.h"
 
 #include <QButtonGroup>
@@ -13,40 +15,6 @@ namespace {
 constexpr int contentMargin = 19;  // px
 constexpr int gridSpacing = 40;    // px
 constexpr int tickInterval = 1000; // ms
-
-struct DelayItem
-{
-    const char *text;
-    int minutes;
-};
-/// "Close" switches screen saving off; it has always been called so.
-constexpr DelayItem delayItems[] = {
-    {QT_TRANSLATE_NOOP("BiosInterface", "Close"), 0},
-    {QT_TRANSLATE_NOOP("BiosInterface", "5 Mins"), 5},
-    {QT_TRANSLATE_NOOP("BiosInterface", "10 Mins"), 10},
-    {QT_TRANSLATE_NOOP("BiosInterface", "20 Mins"), 20},
-    {QT_TRANSLATE_NOOP("BiosInterface", "30 Mins"), 30},
-    {QT_TRANSLATE_NOOP("BiosInterface", "60 Mins"), 60},
-};
-
-struct BrightnessItem
-{
-    const char *text;
-    const char *factor;
-};
-constexpr BrightnessItem brightnessItems[] = {
-    {QT_TRANSLATE_NOOP("BiosInterface", "Full Light"), "1"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "90%"), "0.9"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "80%"), "0.8"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "70%"), "0.7"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "60%"), "0.6"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "50%"), "0.5"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "40%"), "0.4"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "30%"), "0.3"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "20%"), "0.2"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "10%"), "0.1"},
-    {QT_TRANSLATE_NOOP("BiosInterface", "0%"), "0"},
-};
 
 /// A row of two radio buttons of which one is checked, the first one at the start.
 void addChoiceRow(QGridLayout *grid, int row, RadioButton *first, RadioButton *second)
@@ -128,24 +96,24 @@ void BiosInterface::createMiscRows(QGridLayout *grid)
 
 bool BiosInterface::loadMiscSettings()
 {
-    const bool mouse = !m_settings.value("app.mouse").isEmpty();
+    const bool mouse = !m_settings.value(SettingsKeys::mouse).isEmpty();
     (mouse ? m_misc.mouseEnable : m_misc.mouseDisable)->setChecked(true);
-    if (!m_settings.value("app.buzzer").isEmpty()) {
+    if (!m_settings.value(SettingsKeys::buzzer).isEmpty()) {
         m_misc.buzzerEnable->setCheckable(true); // not checked: the pair stays as it is, on purpose
     } else {
         m_misc.buzzerDisable->setChecked(true);
     }
-    const QString orientation = m_settings.value("app.orientation").simplified().toLower();
+    const QString orientation = m_settings.value(SettingsKeys::orientation).simplified().toLower();
     const bool upright = orientation == QLatin1String("vertical");
     (upright ? m_misc.portrait : m_misc.landscape)->setChecked(true);
 
-    const QString delay = m_settings.value("app.screensaving");
+    const QString delay = m_settings.value(SettingsKeys::screenSaving);
     if (delay.isEmpty()) {
         m_misc.screenSaving->setCurrentIndex(0);
     } else {
         selectStored(m_misc.screenSaving, delay.toInt());
     }
-    const QString brightness = m_settings.value("bios.brightness");
+    const QString brightness = m_settings.value(SettingsKeys::brightness);
     if (brightness.isEmpty()) {
         m_misc.brightness->setCurrentIndex(0);
     } else {
@@ -163,13 +131,13 @@ void BiosInterface::slotTimerEdit()
 
 bool BiosInterface::saveMiscSettings()
 {
-    storeFlag("app.mouse", !m_misc.mouseDisable->isChecked());
-    storeFlag("app.buzzer", !m_misc.buzzerDisable->isChecked());
-    m_settings.insert("app.orientation",
+    storeFlag(SettingsKeys::mouse, !m_misc.mouseDisable->isChecked());
+    storeFlag(SettingsKeys::buzzer, !m_misc.buzzerDisable->isChecked());
+    m_settings.insert(SettingsKeys::orientation,
                       QLatin1String(m_misc.landscape->isChecked() ? "horizontal" : "vertical"));
     const int delay = m_misc.screenSaving->currentData().toInt();
-    storeOrRemove("app.screensaving", delay != 0 ? QString::number(delay) : QString());
-    storeOrRemove("bios.brightness", m_misc.brightness->currentData().toString());
+    storeOrRemove(SettingsKeys::screenSaving, delay != 0 ? QString::number(delay) : QString());
+    storeOrRemove(SettingsKeys::brightness, m_misc.brightness->currentData().toString());
     writeINI();
     setScreenSaving();
     setScreenOrientation();

@@ -1,8 +1,8 @@
 #include "shell/biosinterface.h"
 
-#include "pages/ethernetkeys.h"
 #include "system/atomicfile.h"
 #include "system/commandline.h"
+#include "system/ethernetkeys.h"
 #include "system/paths.h"
 #include "system/process.h"
 #include "system/textcodec.h"

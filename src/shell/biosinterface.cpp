@@ -3,8 +3,10 @@
 #include "inputpanel/myinputpanelcontext.h"
 #include "inputpanel/platformbridge.h"
 #include "system/commandline.h"
+#include "system/fontnames.h"
 #include "system/process.h"
 #include "system/screensize.h"
+#include "system/settingskeys.h"
 #include "system/versionfiles.h"
 #include "system/xrandroutput.h"
 #include "widgets/settingsbutton.h"
@@ -21,9 +23,6 @@
 namespace {
 constexpr int rescuePollInterval = 200; // ms
 
-constexpr char fontFamily[] = "WeblySleek UI";
-/// Take its place where it is not installed: as narrow as it is, so that the texts fit, first.
-constexpr const char *fontSubstitutes[] = {"Open Sans", "DejaVu Sans"};
 constexpr int fontPixelSize = 28;
 constexpr int smallFontPixelSize = 20;
 /// Models with a screen too small for the usual font.
@@ -92,7 +91,7 @@ void BiosInterface::preAction()
 
 void BiosInterface::readDebugLevel()
 {
-    const QString level = m_settings.value("bios.debug");
+    const QString level = m_settings.value(SettingsKeys::debugLevel);
     if (!level.isEmpty()) {
         m_debugLevel = level.toInt();
     }
@@ -100,7 +99,7 @@ void BiosInterface::readDebugLevel()
 
 void BiosInterface::readScreenSize()
 {
-    if (const auto size = parseScreenSize(m_settings.value("bios.screen.size"))) {
+    if (const auto size = parseScreenSize(m_settings.value(SettingsKeys::screenSize))) {
         m_screenWidth = size->width();
         m_screenHeight = size->height();
     }

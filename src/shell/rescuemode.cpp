@@ -1,7 +1,9 @@
 #include "shell/biosinterface.h"
 
 #include "system/commandline.h"
+#include "system/displaychoices.h"
 #include "system/process.h"
+#include "system/settingskeys.h"
 #include "system/xinputoutput.h"
 
 #include <QDateTime>
@@ -9,9 +11,6 @@
 
 namespace {
 constexpr QLatin1String unknownDevice("null");
-/// What the settings file receives, on purpose: the character with code 1 and not the digit. The
-/// display tool refuses it at the next start and leaves the light full.
-constexpr QChar rescueBrightness(1);
 } // namespace
 
 void BiosInterface::slotRescueTimesup()
@@ -49,7 +48,7 @@ bool BiosInterface::findTouchDevice()
 void BiosInterface::rescueMode()
 {
     const QStringList fullBrightness = brightnessCommand(m_displayOutput, "1");
-    m_settings.insert("bios.brightness", QString(rescueBrightness));
+    m_settings.insert(SettingsKeys::brightness, QString(QChar(rescueBrightness)));
     writeINI();
     runAndWait(fullBrightness, settingLimit);
     runAndWait(calibrationCommand());

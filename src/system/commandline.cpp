@@ -1,110 +1,114 @@
 #include "system/commandline.h"
 
 #include "system/paths.h"
+#include "system/tools.h"
 
 QStringList startPauseCommand()
 {
-    return {"sleep", "1"};
+    return toolCommand(Tool::Sleep, {"1"});
 }
 
 QStringList outputQueryCommand()
 {
-    return {"xrandr", "-q"};
+    return toolCommand(Tool::Xrandr, {"-q"});
 }
 
 QStringList deviceListCommand()
 {
-    return {"xinput", "--list", "--name-only"};
+    return toolCommand(Tool::Xinput, {"--list", "--name-only"});
 }
 
 QStringList deviceStateCommand(const QString &device)
 {
-    return {"xinput", "query-state", device};
+    return toolCommand(Tool::Xinput, {"query-state", device});
 }
 
 QStringList screenSavingCommand(const QString &minutes)
 {
     const qint64 seconds = qint64(minutes.toInt()) * 60; // no number: 0
     if (seconds == 0) {
-        return {"xset", "-dpms", "s", "noexpose"};
+        return toolCommand(Tool::Xset, {"-dpms", "s", "noexpose"});
     }
-    return {"xset", "s", QString::number(seconds)};
+    return toolCommand(Tool::Xset, {"s", QString::number(seconds)});
 }
 
 QStringList orientationCommand(const QString &output, const QString &orientation)
 {
     const QString stored = orientation.simplified().toLower();
     const bool upright = stored.isEmpty() || stored == QLatin1String("horizontal");
-    return {"xrandr", "--output", output, "--rotate", QLatin1String(upright ? "normal" : "left")};
+    return toolCommand(
+        Tool::Xrandr, {"--output", output, "--rotate", QLatin1String(upright ? "normal" : "left")});
 }
 
 QStringList brightnessCommand(const QString &output, const QString &brightness)
 {
     const QString stored = brightness.simplified().toLower();
-    return {"xrandr", "--output", output, "--brightness", stored.isEmpty() ? QString("1") : stored};
+    return toolCommand(
+        Tool::Xrandr,
+        {"--output", output, "--brightness", stored.isEmpty() ? QString("1") : stored});
 }
 
 QStringList clockCommand(const QDateTime &time)
 {
-    return {"date", time.toString("MMddhhmmyyyy")};
+    return toolCommand(Tool::Date, {time.toString("MMddhhmmyyyy")});
 }
 
 QStringList hardwareClockCommand()
 {
-    return {"hwclock", "-w"};
+    return toolCommand(Tool::Hwclock, {"-w"});
 }
 
 QStringList calibrationCommand()
 {
-    return {"xCal"};
+    return toolCommand(Tool::XCal);
 }
 
 QStringList addressQueryCommand(const QString &interface)
 {
-    return {"ifconfig", interface};
+    return toolCommand(Tool::Ifconfig, {interface});
 }
 
 QStringList setAddressCommand(const QString &interface, const QString &address)
 {
-    return {"ifconfig", interface, address};
+    return toolCommand(Tool::Ifconfig, {interface, address});
 }
 
 QStringList obtainLeaseCommand(const QString &interface)
 {
-    return {"dhclient", interface};
+    return toolCommand(Tool::Dhclient, {interface});
 }
 
 QStringList releaseLeaseCommand()
 {
-    return {"dhclient", "eth0", "-r"};
+    return toolCommand(Tool::Dhclient, {"eth0", "-r"});
 }
 
 QStringList runtimeCommand()
 {
-    return {"/bin/sh", Paths::runtimeScript};
+    return toolCommand(Tool::Shell, {Paths::runtimeScript});
 }
 
 QStringList unpackCommand(const QString &path)
 {
-    return {"tar", "-zxvf", path};
+    return toolCommand(Tool::Tar, {"-zxvf", path});
 }
 
 QStringList removeOldApplicationCommand()
 {
-    return {"rm", "-rf", "/home/dest/compile"};
+    return toolCommand(Tool::Rm, {"-rf", "/home/dest/compile"});
 }
 
 QStringList removeOldFirmwareCommand()
 {
-    return {"rm", "-rf", "/homde/dest"};
+    return toolCommand(Tool::Rm, {"-rf", "/homde/dest"});
 }
 
 QStringList syncCommand()
 {
-    return {"sync"};
+    return toolCommand(Tool::Sync);
 }
 
 QStringList applicationSizeCommand()
 {
-    return {"du", "-h", "/home/dest/"};
+    return toolCommand(Tool::Du, {"-h", "/home/dest/"});
 }

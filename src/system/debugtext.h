@@ -11,3 +11,7 @@ QString quotedText(const QString &text);
 
 /// A list as ("first", "second"), nothing in it escaped; () if it is empty.
 QString quotedList(const QStringList &texts);
+
+/// @p text in printable ASCII, safe for a terminal: other characters as the hexadecimal number of
+/// their bytes.
+QByteArray printable(const QString &text);

@@ -1,42 +1,43 @@
 #include "system/factorycommand.h"
 
 #include "system/paths.h"
+#include "system/tools.h"
 
 #include <QRegularExpression>
 
 QStringList calibrationPauseCommand()
 {
-    return {"sleep", "2"};
+    return toolCommand(Tool::Sleep, {"2"});
 }
 
 QStringList echoPauseCommand()
 {
-    return {"sleep", "0.2"};
+    return toolCommand(Tool::Sleep, {"0.2"});
 }
 
 QStringList sessionAsideCommand()
 {
-    return {"mv", Paths::sessionScript, Paths::sessionScriptAside};
+    return toolCommand(Tool::Mv, {Paths::sessionScript, Paths::sessionScriptAside});
 }
 
 QStringList removeFileCommand(const QString &path)
 {
-    return {"rm", path};
+    return toolCommand(Tool::Rm, {path});
 }
 
 QStringList interfaceListCommand()
 {
-    return {"ifconfig"};
+    return toolCommand(Tool::Ifconfig);
 }
 
 QStringList beepCommand()
 {
-    return {"beep"};
+    return toolCommand(Tool::Beep);
 }
 
 QStringList toneCommand(const QString &frequency, const QString &duration)
 {
-    return {"beep", "-f", frequency, "-l", duration};
+    return toolCommand(Tool::Beep, {"-f", frequency, "-l", duration});
 }
 
 QStringList presetToneCommand(const QString &buttonText)

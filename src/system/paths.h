@@ -20,6 +20,13 @@ inline constexpr char interfacesFile[] = "/etc/network/interfaces";
 /// udev's rules that pin the names of the network interfaces, written whole by the factory window.
 inline constexpr char namingRulesFile[] = "/etc/udev/rules.d/70-persistent-net.rules";
 
+/// The RS-232 ports, numbered from 0 on.
+inline constexpr char serialPort[] = "/dev/ttyS%1";
+inline constexpr int serialPortCount = 3;
+
+/// Each serial port that is open has a lock file here.
+inline constexpr char lockFolder[] = "/var/lock";
+
 /// Starts the session's programs; under its other name it starts none.
 inline constexpr char sessionScript[] = "/root/.xinitrc";
 inline constexpr char sessionScriptAside[] = "/root/xinitrc";

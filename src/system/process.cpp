@@ -1,5 +1,6 @@
 #include "system/process.h"
 
+#include <QDeadlineTimer>
 #include <QProcess>
 
 namespace {
@@ -20,6 +21,8 @@ void runForwarded(QProcess &process, std::chrono::milliseconds limit)
 }
 
 constexpr int stopInterval = 50;   // ms between two looks whether a tool shall be stopped
+constexpr int killTime = 1000;     // ms until a killed tool is gone, unless it waits for a disk
+constexpr int askInterval = 10;    // ms between two looks at how much a tool wrote
 constexpr qint64 feedSize = 65536; // bytes that a tool is given at once
 
 /// For a process that has ended, or never started. Waits that ran out before are errors, too, and
@@ -116,6 +119,40 @@ ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds l
     result.errors = process.readAllStandardError();
     process.terminate();
     return result; // leaving kills what still runs
+}
+
+ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most,
+                   const QString &folder)
+{
+    QProcess process;
+    setUp(process, command);
+    process.setWorkingDirectory(folder);
+    process.start();
+    const QDeadlineTimer deadline(limit);
+    if (!process.waitForStarted(-1)) {
+        return {};
+    }
+    ToolAnswer answer;
+    answer.end = ToolAnswer::End::Ended;
+    while (process.state() != QProcess::NotRunning && answer.end == ToolAnswer::End::Ended) {
+        process.waitForFinished(askInterval);
+        answer.output += process.readAllStandardOutput();
+        answer.errors += process.readAllStandardError();
+        if (answer.output.size() + answer.errors.size() > most) {
+            answer.end = ToolAnswer::End::TooMuch;
+        } else if (deadline.hasExpired() && process.state() != QProcess::NotRunning) {
+            answer.end = ToolAnswer::End::CutOff;
+        }
+    }
+    if (answer.end != ToolAnswer::End::Ended) {
+        process.kill();
+        process.waitForFinished(killTime);
+    } else if (process.exitStatus() == QProcess::CrashExit) {
+        answer.end = ToolAnswer::End::Crashed;
+    } else {
+        answer.status = process.exitCode();
+    }
+    return answer;
 }
 
 QString readOutput(const QStringList &command, std::chrono::milliseconds limit)

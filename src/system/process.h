@@ -63,6 +63,27 @@ bool startDetached(const QStringList &command);
 /// much that is. A tool that is still running then is asked to end, and killed.
 ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds limit);
 
+/// What a tool answered that was only asked.
+struct ToolAnswer
+{
+    enum class End {
+        NotStarted, ///< there is no such tool, or it is no program
+        CutOff,     ///< still running at the limit
+        TooMuch,    ///< was writing without end
+        Crashed,
+        Ended,
+    };
+    End end = End::NotStarted;
+    int status = -1;   ///< exit status, if it ended
+    QByteArray output; ///< standard output
+    QByteArray errors; ///< standard error
+};
+
+/// Runs @p command as runLimited() does, but ends it also when it has written more than @p most
+/// bytes: for one who does not trust the tools. In the folder @p folder, if there is one.
+ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most,
+                   const QString &folder = {});
+
 /// Standard output of @p command as text, up to @p limit as with runLimited(); what was written
 /// until then if the tool did not end, empty if it could not be started.
 QString readOutput(const QStringList &command, std::chrono::milliseconds limit);

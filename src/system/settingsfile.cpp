@@ -37,13 +37,14 @@ std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line)
     return SettingsEntry{textFromBytes(text.first(equals)), textFromBytes(text.sliced(equals + 1))};
 }
 
+QByteArrayList settingsLines(const QByteArray &text)
+{
+    return (text.startsWith(byteOrderMark) ? text.mid(byteOrderMark.size()) : text).split('\n');
+}
+
 void applySettingsText(const QByteArray &text, SettingsMap &settings)
 {
-    qsizetype start = text.startsWith(byteOrderMark) ? byteOrderMark.size() : 0;
-    while (start < text.size()) {
-        const qsizetype found = text.indexOf('\n', start);
-        const qsizetype end = found < 0 ? text.size() : found;
-        const QByteArray line = QByteArray::fromRawData(text.constData() + start, end - start);
+    for (const QByteArray &line : settingsLines(text)) {
         if (const auto entry = parseSettingsLine(line)) {
             if (entry->value.isEmpty()) {
                 settings.remove(entry->key);
@@ -52,7 +53,6 @@ void applySettingsText(const QByteArray &text, SettingsMap &settings)
                 settings.insert(settings.cend(), entry->key, entry->value);
             }
         }
-        start = end + 1;
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QMap>
 #include <QString>
 
@@ -23,8 +24,12 @@ struct SettingsEntry
 /// and a line without "=".
 std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line);
 
+/// The lines of the settings text @p text. A UTF-8 byte order mark at its start, as editors leave
+/// it, is passed over.
+QByteArrayList settingsLines(const QByteArray &text);
+
 /// Applies every line of @p text to @p settings: a value inserts or replaces its key, an empty
-/// value removes it. A UTF-8 byte order mark at the start, as editors leave it, is passed over.
+/// value removes it.
 void applySettingsText(const QByteArray &text, SettingsMap &settings);
 
 /// The whole settings file: "key=value\n" for each key in ascending order. Applied to an empty map

@@ -80,3 +80,12 @@ QByteArray bytesFromText(const QString &text)
     bytes += text.mid(start).toUtf8();
     return bytes;
 }
+
+QStringList argumentTexts(int count, const char *const *arguments)
+{
+    QStringList texts;
+    for (int index = 1; index < count; ++index) {
+        texts += textFromBytes(arguments[index]);
+    }
+    return texts;
+}

@@ -64,12 +64,15 @@ QString firstLineOfFile(const QString &path)
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }
-    QByteArray line = file.readLine();
-    if (line.endsWith('\n')) {
+    return firstLineOf(file.readLine());
+}
+
+QString firstLineOf(const QByteArray &text)
+{
+    const qsizetype end = text.indexOf('\n');
+    QByteArray line = end < 0 ? text : text.left(end);
+    if (end >= 0 && line.endsWith('\r')) {
         line.chop(1);
-        if (line.endsWith('\r')) {
-            line.chop(1);
-        }
     }
     return textFromBytes(line);
 }

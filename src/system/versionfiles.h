@@ -28,6 +28,9 @@ void setCurrentRuntimeOEM(const QString &oem);
 /// First line of the file at @p path without its line end; empty if it cannot be read.
 QString firstLineOfFile(const QString &path);
 
+/// First line of @p text without its line end.
+QString firstLineOf(const QByteArray &text);
+
 /// Makes @p text the whole content of the file at @p path. Does nothing if it cannot be opened.
 void writeTextFile(const QString &path, const QString &text);
 

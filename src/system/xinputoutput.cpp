@@ -4,7 +4,6 @@
 #include <QStringView>
 
 namespace {
-constexpr QLatin1String controllerName("PenMount");
 constexpr QLatin1String firstButton("button[1]=");
 
 /// The first line of @p text that holds @p part, without its line end. Null if there is none.
@@ -21,7 +20,7 @@ QStringView firstLineWith(const QString &text, QLatin1String part)
 
 QString touchDeviceName(const QString &deviceList)
 {
-    return firstLineWith(deviceList, controllerName).toString();
+    return firstLineWith(deviceList, touchControllerName).toString();
 }
 
 TouchState firstButtonState(const QString &deviceState)

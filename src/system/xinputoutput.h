@@ -2,6 +2,9 @@
 
 #include <QString>
 
+/// Part of the names of all touch controllers that panels have.
+inline constexpr QLatin1String touchControllerName("PenMount");
+
 /// What the touch controller's first button does, as "xinput query-state" says.
 enum class TouchState {
     Unknown, ///< the tool did not say

@@ -2,6 +2,8 @@
 
 #include "pages/rowfont.h"
 
+#include <QDirIterator>
+#include <QRegularExpression>
 #include <QTest>
 
 class TestCommandLine : public QObject
@@ -9,6 +11,7 @@ class TestCommandLine : public QObject
     Q_OBJECT
 private slots:
     void fixedCommands();
+    void toolsAreNamedInOnePlace();
     void screenSaving_data();
     void screenSaving();
     void orientation_data();
@@ -30,6 +33,23 @@ void TestCommandLine::fixedCommands()
     QCOMPARE(deviceStateCommand("a \"b\""), (QStringList{"xinput", "query-state", "a \"b\""}));
     QCOMPARE(hardwareClockCommand(), (QStringList{"hwclock", "-w"}));
     QCOMPARE(calibrationCommand(), QStringList{"xCal"});
+}
+
+/// A name anywhere else would be a tool of which the list of tools does not know.
+void TestCommandLine::toolsAreNamedInOnePlace()
+{
+    static const QRegularExpression command(
+        "(return|runAndWait\\(|runInFolder\\(|runLimited\\(|readOutput\\(|startDetached\\(|"
+        "doProcess\\()\\s*\\{?\\s*\"[a-zA-Z/]+\"\\s*[,}]");
+    int files = 0;
+    QDirIterator sources(PANEL_SOURCE "/src", {"*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
+    for (; sources.hasNext(); ++files) {
+        QFile file(sources.next());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const auto found = command.match(QString::fromUtf8(file.readAll()));
+        QVERIFY2(!found.hasMatch(), qPrintable(file.fileName() + ": " + found.captured()));
+    }
+    QVERIFY(files > 50);
 }
 
 void TestCommandLine::screenSaving_data()

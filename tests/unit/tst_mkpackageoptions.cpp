@@ -1,5 +1,6 @@
 #include "options.h"
 #include "packageinfo.h"
+#include "system/debugtext.h"
 
 #include <QTest>
 

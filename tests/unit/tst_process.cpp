@@ -34,6 +34,8 @@ private slots:
     void missingProgramAnswersAtOnce();
     void cutsOffAtTheLimit();
     void killsWhatIgnoresThePoliteEnd();
+    void asksTools_data();
+    void asksTools();
     void inputIsEmpty();
     void doesNotWaitForABackgroundChild();
     void readsOutputAsText();
@@ -112,6 +114,40 @@ void TestProcess::killsWhatIgnoresThePoliteEnd()
         = runLimited(shell("trap '' TERM; echo $$; while :; do :; done"), 500ms);
     QVERIFY(!result.finished);
     QVERIFY(!isRunning(QString::fromLatin1(result.output).trimmed()));
+}
+
+void TestProcess::asksTools_data()
+{
+    using End = ToolAnswer::End;
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<ToolAnswer>("answer");
+    QTest::newRow("ends") << shell("echo a; echo b >&2; exit 3")
+                          << ToolAnswer{End::Ended, 3, "a\n", "b\n"};
+    QTest::newRow("not there") << QStringList{"no-such-tool"} << ToolAnswer{};
+    QTest::newRow("no program") << QStringList{"/etc/passwd"} << ToolAnswer{};
+    QTest::newRow("empty") << QStringList{} << ToolAnswer{};
+    QTest::newRow("crashes") << shell("echo a; kill -9 $$")
+                             << ToolAnswer{End::Crashed, -1, "a\n", ""};
+    QTest::newRow("hangs") << shell("echo a; trap '' TERM; exec sleep 60")
+                           << ToolAnswer{End::CutOff, -1, "a\n", ""};
+    QTest::newRow("just not too much")
+        << shell("printf 1234; printf 56 >&2") << ToolAnswer{End::Ended, 0, "1234", "56"};
+    QTest::newRow("too much") << shell("printf 1234; printf 567 >&2; exec sleep 60")
+                              << ToolAnswer{End::TooMuch, -1, "1234", "567"};
+}
+
+void TestProcess::asksTools()
+{
+    QFETCH(QStringList, command);
+    QFETCH(ToolAnswer, answer);
+    QElapsedTimer timer;
+    timer.start();
+    const ToolAnswer given = askTool(command, 700ms, 6);
+    QVERIFY(timer.elapsed() < 5000);
+    QCOMPARE(given.end, answer.end);
+    QCOMPARE(given.status, answer.status);
+    QCOMPARE(given.output, answer.output);
+    QCOMPARE(given.errors, answer.errors);
 }
 
 void TestProcess::inputIsEmpty()

@@ -10,6 +10,7 @@ private slots:
     void survivesBothWays();
     void everyPairOfBytesSurvives();
     void encodesOtherTextAsUtf8();
+    void argumentsKeepTheirBytes();
 };
 
 void TestTextCodec::survivesBothWays_data()
@@ -68,6 +69,14 @@ void TestTextCodec::everyPairOfBytesSurvives()
 void TestTextCodec::encodesOtherTextAsUtf8()
 {
     QCOMPARE(bytesFromText(QString::fromUtf8("größe 🔆")), QByteArray("größe 🔆"));
+}
+
+void TestTextCodec::argumentsKeepTheirBytes()
+{
+    const char *const arguments[] = {"name", "-x", "caf\xE9"};
+    QCOMPARE(argumentTexts(3, arguments),
+             (QStringList{"-x", QString("caf") + QChar(char16_t(0xDCE9))}));
+    QCOMPARE(argumentTexts(0, arguments), QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestTextCodec)

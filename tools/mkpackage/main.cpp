@@ -3,6 +3,7 @@
 #include "makepackage.h"
 #include "options.h"
 #include "packageinfo.h"
+#include "system/debugtext.h"
 #include "system/textcodec.h"
 
 #include <QCoreApplication>
@@ -136,10 +137,6 @@ int run(const Options &options)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    QStringList arguments; // not those of the application, which change bytes that are no text
-    for (int index = 1; index < argc; ++index) {
-        arguments += textFromBytes(argv[index]);
-    }
     shieldTools();
-    return endOfOutput(run(parseOptions(arguments)));
+    return endOfOutput(run(parseOptions(argumentTexts(argc, argv))));
 }

@@ -1,6 +1,7 @@
 #include "packageinfo.h"
 
 #include "options.h"
+#include "system/debugtext.h"
 #include "system/filecopy.h"
 #include "system/process.h"
 #include "system/textcodec.h"
@@ -123,15 +124,4 @@ int showPackage(const QString &path, QIODevice &out, QIODevice &errors)
     out.write(headerText(*header) + archiveText(state, file.size() - packageHeaderSize));
     const bool whole = state.gzipWhole && state.tarWhole;
     return whole && !kindName(header->kind).isEmpty() ? Done : Failed;
-}
-
-QByteArray printable(const QString &text)
-{
-    QByteArray shown;
-    const QByteArray bytes = bytesFromText(text);
-    for (const char c : bytes) {
-        const bool plain = c >= ' ' && c <= '~' && c != '\\';
-        shown += plain ? QByteArray(1, c) : "\\x" + QByteArray(1, c).toHex();
-    }
-    return shown;
 }

@@ -29,6 +29,3 @@ TarListing parseTarListing(const QByteArray &output);
 /// Writes what is in the package file at @p path to @p out, and what is wrong with it to
 /// @p errors. Result: an ExitStatus: Done if it is whole and of a known kind.
 int showPackage(const QString &path, QIODevice &out, QIODevice &errors);
-
-/// @p text in printable ASCII: other characters as the hexadecimal number of their bytes.
-QByteArray printable(const QString &text);

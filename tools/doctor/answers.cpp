@@ -1,0 +1,99 @@
+#include "answers.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <arpa/inet.h>
+
+namespace {
+constexpr qsizetype longestExcerpt = 60; // characters
+
+bool endedWell(const Facts &facts, Question question)
+{
+    const auto &answered = facts.answer(question);
+    return answered && answered->answer.end == ToolAnswer::End::Ended
+        && answered->answer.status == 0;
+}
+
+/// What became of a tool that did not end well.
+QString fateOf(const ToolAnswer &answer, qint64 limit)
+{
+    switch (answer.end) {
+    case ToolAnswer::End::NotStarted:
+        return "cannot be started";
+    case ToolAnswer::End::CutOff:
+        return QString("hangs: no answer within %1 s").arg(double(limit) / 1000);
+    case ToolAnswer::End::TooMuch:
+        return "writes without end";
+    case ToolAnswer::End::Crashed:
+        return "crashes";
+    case ToolAnswer::End::Ended:
+        break;
+    }
+    const QString said = shortened(QString::fromLocal8Bit(answer.errors));
+    return QString("fails with status %1%2")
+        .arg(QString::number(answer.status), said.isEmpty() ? QString() : ": " + said);
+}
+} // namespace
+
+std::optional<Finding> badAnswer(const Facts &facts, Question question, const QString &loss)
+{
+    if (endedWell(facts, question)) {
+        return std::nullopt;
+    }
+    const auto &answered = facts.answer(question);
+    if (!answered) {
+        return warning("not looked at: the tool is missing", "see the line of the tool");
+    }
+    return error(QString("\"%1\" %2")
+                     .arg(answered->command.join(' '), fateOf(answered->answer, facts.limit)),
+                 QString("run it by hand and repair it; until then %1").arg(loss));
+}
+
+std::optional<Finding> badDisplayAnswer(const Facts &facts, Question question, const QString &loss)
+{
+    const auto &answered = facts.answer(question);
+    const bool ended = answered && answered->answer.end == ToolAnswer::End::Ended;
+    if (ended && !displayAnswers(facts)) { // it failed for want of a display, which is told once
+        return warning("not looked at: no display answers", "see the line of the display");
+    }
+    return badAnswer(facts, question, loss);
+}
+
+bool displayAnswers(const Facts &facts)
+{
+    return endedWell(facts, Question::Server) || endedWell(facts, Question::Outputs)
+        || endedWell(facts, Question::Devices);
+}
+
+QString answerText(const Facts &facts, Question question)
+{
+    const auto &answered = facts.answer(question);
+    return answered ? QString::fromLocal8Bit(answered->answer.output) : QString();
+}
+
+std::optional<QSize> screenSize(const Facts &facts)
+{
+    static const QRegularExpression current("current ([0-9]{1,6}) x ([0-9]{1,6})");
+    const auto found = current.match(answerText(facts, Question::Outputs));
+    return found.hasMatch()
+        ? std::optional(QSize(found.captured(1).toInt(), found.captured(2).toInt()))
+        : std::nullopt;
+}
+
+bool isAddress(const QString &text)
+{
+    in_addr address;
+    return inet_pton(AF_INET, text.toLatin1().constData(), &address) == 1;
+}
+
+QString folderOf(const char *path)
+{
+    return QFileInfo(QLatin1String(path)).path();
+}
+
+QString shortened(const QString &text)
+{
+    const QString line = text.left(10 * longestExcerpt).simplified();
+    return line.size() <= longestExcerpt ? line : line.left(longestExcerpt - 3) + "...";
+}

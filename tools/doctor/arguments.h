@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QStringList>
+
+#include <chrono>
+
+/// What the command line asks for.
+struct Arguments
+{
+    enum class Task { Check, Help, Version };
+    Task task = Task::Check;
+    bool isJson = false;
+    std::chrono::milliseconds limit{5000}; ///< for each tool
+    QString error;                         ///< what is wrong; empty if nothing is
+};
+
+/// Reads the command line without the tool's own name.
+Arguments parseArguments(const QStringList &arguments);

@@ -1,0 +1,120 @@
+#pragma once
+
+#include "system/paths.h"
+#include "system/process.h"
+#include "system/tools.h"
+
+#include <QMap>
+#include <QSize>
+#include <QStringList>
+
+#include <array>
+#include <iterator>
+#include <optional>
+
+/// What tools are asked. None of these changes anything.
+enum class Question {
+    Outputs,
+    OutputDetails,
+    Devices,
+    DeviceState,
+    Server,
+    FirstPort,
+    SecondPort,
+    Interfaces,
+    ApplicationSize,
+    Time,
+    TarVersion,
+    Unpack,
+    DhcpVersion,
+    InterfacesFile,
+    Fonts,
+    ScriptSyntax,
+    ShortPause,
+};
+inline constexpr size_t questionCount = size_t(Question::ShortPause) + 1;
+
+/// A question and what was answered.
+struct Answered
+{
+    QStringList command;
+    ToolAnswer answer;
+};
+
+/// What is at a path.
+struct PathFacts
+{
+    enum class Kind { Missing, File, Folder, Other };
+    Kind kind = Kind::Missing;
+    bool isLink = false;
+    bool isReadable = false;
+    bool isWritable = false;    ///< by root, as far as can be seen
+    bool isForeign = false;     ///< another user than root owns it, or anyone may write it
+    QByteArray content = {};    ///< of a plain file, up to contentLimit
+    qint64 size = 0;            ///< of a plain file, in bytes
+    qint64 freeSpace = -1;      ///< of its file system, in bytes; negative if not known
+    QByteArray fileSystem = {}; ///< its type
+};
+
+/// The folder in which @p path lies.
+QString folderOf(const char *path);
+
+/// How much of a file is looked at, in bytes. No file of a panel is nearly as large.
+inline constexpr qint64 contentLimit = 1 << 20;
+
+/// How much a tool may write, in bytes.
+inline constexpr qsizetype answerLimit = 16 << 20;
+
+/// A network interface of the kernel.
+struct Interface
+{
+    QString name;
+    QString address; ///< hardware address
+    bool isLoopback = false;
+};
+
+/// A serial port.
+enum class SerialPort { Missing, NoDevice, Refused, Ready };
+
+/// Links below a folder that lead out of it.
+struct StrayLinks
+{
+    QStringList paths; ///< the first ones
+    qsizetype count = 0;
+    bool isWhole = true; ///< false if there were too many entries to look at all
+};
+
+/// The tools that the program itself does not run, but its tools or the panel's boot do.
+inline constexpr char gzipName[] = "gzip";
+inline constexpr char ifqueryName[] = "ifquery";
+inline constexpr char fontListName[] = "fc-list";
+
+/// All that the checks decide on. Gathered once, so that a check is a function of values.
+struct Facts
+{
+    uint user = 0;
+    QString display; ///< the display that was asked
+    bool displayIsGuessed = false;
+    qint64 time = 0;  ///< of the system's clock when the tool was asked, in s since 1970
+    qint64 limit = 0; ///< how long a tool was waited for, in ms
+    std::array<QString, std::size(toolNames)> tools;            ///< paths; empty if not found
+    QString gzip;                                               ///< path; empty if not found
+    QString ifquery;                                            ///< path; empty if not found
+    QString fontList;                                           ///< path; empty if not found
+    std::array<std::optional<Answered>, questionCount> answers; ///< nothing where nobody was asked
+    QByteArray unpacked; ///< what came out of the sample archive
+    QByteArray sample;   ///< what is in it
+    QMap<QString, PathFacts> paths;
+    QString temporaryFolder;
+    qsizetype leftArchives = 0; ///< in the folder for temporary files
+    QList<Interface> interfaces;
+    std::array<SerialPort, Paths::serialPortCount> serialPorts{};
+    StrayLinks strayLinks;
+
+    const QString &tool(Tool which) const { return tools[size_t(which)]; }
+    const std::optional<Answered> &answer(Question question) const
+    {
+        return answers[size_t(question)];
+    }
+    PathFacts path(const QString &name) const { return paths.value(name); }
+};

@@ -1,0 +1,72 @@
+// Checks whether a panel has all that the settings program counts on.
+
+#include "arguments.h"
+#include "checks.h"
+#include "gather.h"
+#include "report.h"
+#include "system/debugtext.h"
+#include "system/textcodec.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace {
+constexpr char usage[] =
+    R"(Usage: talmero-doctor [--json] [--limit SECONDS]
+       talmero-doctor --help | --version
+
+Checks whether this panel has all that the settings program counts on, and
+prints one line for each thing: "ok", "warning" or "error", what was found, and
+what to do about it. Run it as root in the panel's X session, or over ssh.
+It changes nothing.
+
+  --json           Prints one JSON object instead.
+  --limit SECONDS  How long a tool may take to answer, 5 if not given.
+  --help           Shows this text.
+  --version        Shows the version.
+
+Exit status: 0 all is ok; 1 there are warnings; 2 there are errors; 64 wrong
+usage; 74 standard output takes no more.
+)";
+constexpr char version[] = "talmero-doctor " PANEL_VERSION "\n";
+
+int check(const Arguments &arguments)
+{
+    const Findings findings = runChecks(gatherFacts(arguments.limit));
+    const QByteArray report = arguments.isJson ? jsonReport(findings) : textReport(findings);
+    std::fwrite(report.constData(), 1, size_t(report.size()), stdout);
+    return statusOf(findings);
+}
+
+int run(const Arguments &arguments)
+{
+    if (!arguments.error.isEmpty()) {
+        std::fprintf(stderr, "talmero-doctor: %s; see talmero-doctor --help\n",
+                     printable(arguments.error).constData());
+        return WrongUsage;
+    }
+    switch (arguments.task) {
+    case Arguments::Task::Help:
+        std::fputs(usage, stdout);
+        return 0;
+    case Arguments::Task::Version:
+        std::fputs(version, stdout);
+        return 0;
+    case Arguments::Task::Check:
+        break;
+    }
+    return check(arguments);
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const int status = run(parseArguments(argumentTexts(argc, argv)));
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fputs("talmero-doctor: cannot write to standard output\n", stderr);
+        return OutputLost;
+    }
+    return status;
+}
