@@ -61,7 +61,7 @@ void measurePages(ResultTable &table, int rounds)
         QTest::qWait(restTime);
         measurePage(table, window.widget(), "page " + labelOf(button).toStdString(), rounds);
     }
-    window.pages()->setCurrentIndex(BiosInterface::SparePage1);
+    window.pages()->setCurrentIndex(BiosInterface::TimeSettingPage);
     QTest::qWait(restTime);
     measurePage(table, window.widget(), "empty page", rounds);
 }

@@ -15,7 +15,9 @@ coverage_packages=(gcovr)
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14 python3)
 # shellcheck disable=SC2034
 bench_packages=(libxcb1-dev libxcb-damage0-dev)
-peer_packages=(binutils dbus lxqt-config xfce4-settings) # what the benchmarks measure against
+# What the benchmarks measure against.
+# shellcheck disable=SC2034
+peer_packages=(binutils dbus lxqt-config xfce4-settings)
 # shellcheck disable=SC2034
 valgrind_packages=(valgrind)
 # shellcheck disable=SC2034
