@@ -7,9 +7,8 @@
 
 namespace {
 constexpr int indicatorSize = 25;   // px; leaves an even size to the dot, as its gloss wants it
-constexpr int rowHeight = 44;       // px of a list's row: a finger hits it
-constexpr int controlHeight = 40;   // px
-constexpr int choiceHeight = 36;    // px
+constexpr int rowHeight = 44;       // px; a finger hits it
+constexpr int fieldHeight = 40;     // px; more has no room on the factory's test page
 constexpr int arrowPlaceWidth = 44; // px; at the right end of a list box, and of each spin button
 constexpr int usualArrowPlaceWidth = 20;    // px that the toolkit's own size of a list box counts
 constexpr QSize smallestButton(120, 48);    // px
@@ -153,18 +152,16 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option
     switch (type) {
     case CT_ItemViewItem:
     case CT_MenuItem: // the rows of a combo box
-        return usual.expandedTo({0, rowHeight});
     case CT_RadioButton:
-        return usual.expandedTo({0, choiceHeight});
+    case CT_ToolButton:
+        return usual.expandedTo({0, rowHeight});
     case CT_ComboBox:
-        return usual.expandedTo({0, controlHeight})
+        return usual.expandedTo({0, fieldHeight})
             + QSize(arrowPlaceWidth - usualArrowPlaceWidth, 0);
     case CT_PushButton:
         return usual.expandedTo(smallestButton);
-    case CT_ToolButton:
-        return usual.expandedTo({0, controlHeight});
     case CT_SpinBox:
-        return usual.expandedTo({0, controlHeight}) + QSize(2 * arrowPlaceWidth, 0);
+        return usual.expandedTo({0, fieldHeight}) + QSize(2 * arrowPlaceWidth, 0);
     default:
         return usual;
     }

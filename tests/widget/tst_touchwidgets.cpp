@@ -245,7 +245,7 @@ void TestTouchWidgets::toolButtonsAreHighEnough()
 {
     QToolButton button;
     button.setText("x");
-    QCOMPARE(button.sizeHint().height(), 40);
+    QCOMPARE(button.sizeHint().height(), 44);
     QVERIFY(button.sizeHint().width() < 60); // as wide as its text wants it
     QFont font = button.font();
     font.setPixelSize(60);
