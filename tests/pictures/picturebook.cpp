@@ -14,8 +14,17 @@
 
 namespace {
 constexpr int restTime = 20;    // ms without a change
+constexpr int passes = 10;      // of the event loop: a change can take several until it is painted
 constexpr int restLimit = 5000; // ms
 constexpr int quickly = 90;     // the compression; what is kept is compressed again
+
+void letTimePass()
+{
+    QTest::qWait(restTime);
+    for (int pass = 0; pass < passes; ++pass) { // however late the machine is
+        QCoreApplication::processEvents();
+    }
+}
 
 /// The screen once all windows are there and nothing changes any more.
 QImage restingScreen()
@@ -27,9 +36,10 @@ QImage restingScreen()
     }
     QElapsedTimer timer;
     timer.start();
+    letTimePass();
     QImage shown = screenImage();
     while (timer.elapsed() < restLimit) {
-        QTest::qWait(restTime);
+        letTimePass();
         const QImage next = screenImage();
         if (next == shown) {
             return shown;
