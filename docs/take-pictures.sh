@@ -1,60 +1,107 @@
 #!/usr/bin/env bash
-# Takes the pictures of the documents from the real program on the simulated panel.
-# Usage: docs/take-pictures.sh (after a build of the preset release)
+# Takes the pictures of the picture book from the real windows on the simulated panel.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/common.sh
+. scripts/common.sh
 
-# What the panel's shell runs: touches and pictures, with time for the program in between.
-# shellcheck disable=SC2016 # the panel's shell expands it
-steps='
-    tap() { simulator/finger send "tap $1 $2" >/dev/null; sleep 0.7; }
-    picture() { simulator/panel-screenshot "docs/pictures/$1.png"; }
-    build/talmero-bios 2>/dev/null &
-    program=$!
-    sleep 2.5
-    picture countdown
-    tap 400 450
-    picture main-page
-    tap 400 415 # Ethernet
-    tap 400 514 # the second address
-    picture ethernet
-    tap 50 16
-    tap 400 522
-    picture miscellaneous
-    tap 50 16
-    tap 650 415
-    tap 400 181 # a package for the next runtime version
-    picture file-transfer
-    tap 750 16
-    picture warning
-    tap 520 300
-    tap 150 415
-    tap 400 136 # two rows
-    tap 400 226
-    picture install-fonts
-    tap 50 16
-    tap 150 522
-    picture system-status
-    tap 700 517
-    tap 300 165 # a row of the picker
-    picture bios-picker
-    kill $program'
-simulator/panel --display xorg --share docs/pictures -- bash -c "$steps"
+usage() {
+    cat <<'TEXT'
+Usage: docs/take-pictures.sh [OPTION]...
 
-# Both pages of the factory window, without the calibration that comes before it.
-# shellcheck disable=SC2016 # the panel's shell expands it
-steps='
-    mkdir /tmp/tools
-    printf "#!/bin/sh\n" >/tmp/tools/xCal
-    chmod +x /tmp/tools/xCal
-    PATH=/tmp/tools:$PATH build/talmero-bios 2>/dev/null &
-    program=$!
-    sleep 5
-    simulator/panel-screenshot docs/pictures/factory-setup.png
-    simulator/finger send "tap 755 26"
-    sleep 0.5
-    simulator/finger send "tap 268 367"
-    sleep 1
-    simulator/panel-screenshot docs/pictures/factory-test.png
-    kill $program'
-simulator/panel --display xorg --factory --share docs/pictures -- bash -c "$steps"
+Takes a picture of all that the program shows, on screens of six sizes, and
+compares them with those in docs/pictures. A picture in which a user sees a
+difference takes the place of the stored one, and docs/picture-book.md is written
+anew. Needs the program that takes them: cmake --build --preset release.
+
+  --check        Changes nothing in docs: says what differs, leaves the new
+                 pictures in the build folder and ends with status 1.
+  --build DIR    Folder with the built programs, "build" if not given.
+  --help         Shows this text.
+TEXT
+}
+
+check=no
+build=build
+while [ $# -gt 0 ]; do
+    case $1 in
+        --check) check=yes ;;
+        --build) build=${2:?folder} && shift ;;
+        --help) usage && exit 0 ;;
+        *) usage >&2 && exit 2 ;;
+    esac
+    shift
+done
+
+# The smallest panel first: its pictures are those in the text of the documents.
+sizes=(800x600 600x800 1024x768 768x1024 1280x800 800x1280)
+stored=docs/pictures
+taken=$build/pictures
+captions=$stored/captions.txt
+
+# take SIZE: takes the pictures on a screen of this size and keeps those that differ.
+take() {
+    local status=0
+    mkdir -p "$taken/$1"
+    simulator/panel --build "$build" --display xvfb --size "$1" --share "$taken" -- \
+        "$build/tests/takepictures" "$stored/$1" "$taken/$1" || status=$?
+    [ "$status" -le 1 ] || echo "the pictures of $1 could not be taken"
+    return "$status"
+}
+
+# Three screens at a time: a window waits for its tools more than it works.
+take_all() {
+    rm -rf "$taken"
+    export -f take
+    export taken stored build
+    # shellcheck disable=SC2016 # the inner shell expands it
+    printf '%s\n' "${sizes[@]}" | xargs -P 3 -I '{}' bash -c 'take "$1"' take '{}' >"$build/pictures.log"
+}
+
+# A palette takes a third of the place; of its colours no eye misses one.
+compress() {
+    find "$taken" -name '*.png' -print0 |
+        xargs -0 -r -n 16 -P 2 pngquant --force --ext .png --nofs --strip --speed 3 256
+}
+
+write_book() {
+    local name caption size
+    cat <<'TEXT'
+# Picture book
+
+All that the program shows, on the smallest panel, 800x600. The links lead to the same
+on other screens. `docs/take-pictures.sh` takes the pictures and writes this page; the
+captions are in [captions.txt](pictures/captions.txt).
+TEXT
+    while IFS=: read -r name caption; do
+        case $name in
+            "") ;;
+            "##"*) printf '\n%s\n' "$name" ;;
+            *)
+                printf '\n%s.\n\n![%s](pictures/%s/%s.png)\n\n' "${caption# }" "${caption# }" \
+                    "${sizes[0]}" "$name"
+                for size in "${sizes[@]:1}"; do
+                    printf '[%s](pictures/%s/%s.png)\n' "$size" "$size" "$name"
+                done
+                ;;
+        esac
+    done <"$captions"
+}
+
+[ -x "$build/tests/takepictures" ] || die "no $build/tests/takepictures: build it first, see --help"
+status=0
+take_all || status=1
+cat "$build/pictures.log"
+! grep -q 'could not be taken' "$build/pictures.log" || exit 1
+if [ "$check" = yes ]; then
+    [ "$status" -eq 0 ] ||
+        echo "If the new pictures are right, take them over: docs/take-pictures.sh --build $build"
+    exit "$status"
+fi
+
+install_packages "${picture_packages[@]}"
+compress
+sed -n 's/^not taken any more: //p' "$build/pictures.log" | xargs -r rm --
+cp -r "$taken/." "$stored"
+write_book >docs/picture-book.md
+du -cb "$stored"/*/*.png | awk 'END { printf "%.1f MB of pictures\n", $1 / 1e6 }'

@@ -51,6 +51,9 @@ while IFS=: read -r file _ function; do
     }
 done < <(grep -oE 'tst_[a-z]+::[A-Za-z]+' docs/hazards.md | sort -u)
 
+echo "Links"
+scripts/check-links.sh
+
 echo "Headers" # each compiles by itself
 # What compiles a source file, up to the name of the output.
 compiler_of() {

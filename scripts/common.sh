@@ -21,6 +21,8 @@ peer_packages=(binutils dbus lxqt-config xfce4-settings)
 # shellcheck disable=SC2034
 valgrind_packages=(valgrind)
 # shellcheck disable=SC2034
+picture_packages=(pngquant)
+# shellcheck disable=SC2034
 panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-dhcp-client dnsmasq-base
     xserver-xorg-core xserver-xorg-video-dummy xserver-xephyr xvfb x11-utils
     x11-xserver-utils xdotool xinput xinput-calibrator imagemagick

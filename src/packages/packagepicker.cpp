@@ -65,6 +65,8 @@ void PackagePicker::layOut()
     m_table.resizeColumnsToContents();
     setMinimumWidth(smallestWidth);
     resize(smallestWidth, dialogHeight(screen()));
+    // The toolkit leaves room for the frame of a window manager, and would cover the title bar.
+    move(screen()->availableGeometry().center() - rect().center());
 }
 
 BIOSUpdateDialog::BIOSUpdateDialog(const QString &)

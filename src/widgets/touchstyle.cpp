@@ -7,40 +7,67 @@
 
 namespace {
 constexpr int indicatorSize = 25;   // px; leaves an even size to the dot, as its gloss wants it
-constexpr int rowHeight = 44;       // px of a list's row: a finger hits it
-constexpr int controlHeight = 40;   // px
-constexpr int choiceHeight = 36;    // px
-constexpr int spinButtonWidth = 44; // px
-constexpr QSize smallestButton(120, 48);         // px
-constexpr int scrollBarWidth = 28;               // px
-constexpr QMargins dialogFrame(3, 3, 3, 3);      // px
+constexpr int rowHeight = 44;       // px; a finger hits it
+constexpr int fieldHeight = 40;     // px; more has no room on the factory's test page
+constexpr int arrowPlaceWidth = 44; // px; at the right end of a list box, and of each spin button
+constexpr int usualArrowPlaceWidth = 20;    // px that the toolkit's own size of a list box counts
+constexpr QSize smallestButton(120, 48);    // px
+constexpr int scrollBarWidth = 28;          // px
+constexpr QMargins dialogFrame(3, 3, 3, 3); // px
 constexpr QColor dialogFrameColor(192, 104, 31); // that of the headings
 constexpr int arrowSize = 10;                    // px from the centre to the corners
+constexpr QColor chosenColor(28, 100, 175);      // dark enough for white text on it
 
 /// The two buttons of a spin box lie side by side, each as high as the box.
 QRect spinBoxRect(const QRect &box, QStyle::SubControl subControl)
 {
     switch (subControl) {
     case QStyle::SC_SpinBoxUp:
-        return {box.right() - spinButtonWidth + 1, box.top(), spinButtonWidth, box.height()};
+        return {box.right() - arrowPlaceWidth + 1, box.top(), arrowPlaceWidth, box.height()};
     case QStyle::SC_SpinBoxDown:
-        return {box.right() - 2 * spinButtonWidth + 1, box.top(), spinButtonWidth, box.height()};
+        return {box.right() - 2 * arrowPlaceWidth + 1, box.top(), arrowPlaceWidth, box.height()};
     case QStyle::SC_SpinBoxEditField:
-        return box.adjusted(3, 3, -2 * spinButtonWidth - 3, -3);
+        return box.adjusted(3, 3, -2 * arrowPlaceWidth - 3, -3);
     default:
         return box;
     }
 }
 
+QRect listBoxRect(const QRect &box, QStyle::SubControl subControl, const QRect &usual)
+{
+    switch (subControl) {
+    case QStyle::SC_ComboBoxArrow:
+        return {box.right() - arrowPlaceWidth + 1, box.top(), arrowPlaceWidth, box.height()};
+    case QStyle::SC_ComboBoxEditField:
+        return {usual.left(), usual.top(), box.right() - arrowPlaceWidth - usual.left() + 1,
+                usual.height()};
+    default:
+        return usual;
+    }
+}
+
 /// A triangle around @p centre that points up or down.
-QPolygon arrow(QPoint centre, bool up)
+void drawArrow(QPainter *painter, QPoint centre, bool up, const QBrush &brush)
 {
     const int side = up ? 1 : -1;
-    return QPolygon({centre + QPoint(-arrowSize, side * arrowSize / 2),
-                     centre + QPoint(arrowSize, side * arrowSize / 2),
-                     centre + QPoint(0, -side * arrowSize / 2)});
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(brush);
+    painter->drawPolygon(QPolygon({centre + QPoint(-arrowSize, side * arrowSize / 2),
+                                   centre + QPoint(arrowSize, side * arrowSize / 2),
+                                   centre + QPoint(0, -side * arrowSize / 2)}));
+    painter->restore();
 }
 } // namespace
+
+void TouchStyle::polish(QPalette &palette)
+{
+    QProxyStyle::polish(palette);
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setColor(group, QPalette::Highlight, chosenColor);
+    }
+}
 
 void TouchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
                                QPainter *painter, const QWidget *widget) const
@@ -75,18 +102,32 @@ int TouchStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
 void TouchStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
                                     QPainter *painter, const QWidget *widget) const
 {
-    const auto *spinBox = qstyleoption_cast<const QStyleOptionSpinBox *>(option);
-    if (control != CC_SpinBox || spinBox == nullptr) {
+    if (const auto *box = qstyleoption_cast<const QStyleOptionSpinBox *>(option);
+        box != nullptr && control == CC_SpinBox) {
+        drawSpinBox(*box, painter, widget);
+    } else if (const auto *list = qstyleoption_cast<const QStyleOptionComboBox *>(option);
+               list != nullptr && control == CC_ComboBox) {
+        QStyleOptionComboBox plain = *list;
+        plain.subControls &= ~SC_ComboBoxArrow; // too small to be seen at arm's length
+        QProxyStyle::drawComplexControl(control, &plain, painter, widget);
+        drawArrow(painter,
+                  proxy()->subControlRect(control, option, SC_ComboBoxArrow, widget).center(),
+                  false, option->palette.buttonText());
+    } else {
         QProxyStyle::drawComplexControl(control, option, painter, widget);
-        return;
     }
+}
+
+void TouchStyle::drawSpinBox(const QStyleOptionSpinBox &box, QPainter *painter,
+                             const QWidget *widget) const
+{
     QStyleOptionFrame frame;
-    static_cast<QStyleOption &>(frame) = *option;
+    static_cast<QStyleOption &>(frame) = box;
     frame.lineWidth = 1;
-    frame.rect.setRight(frame.rect.right() - 2 * spinButtonWidth);
+    frame.rect.setRight(frame.rect.right() - 2 * arrowPlaceWidth);
     proxy()->drawPrimitive(PE_PanelLineEdit, &frame, painter, widget);
-    drawSpinButton(*spinBox, SC_SpinBoxDown, painter, widget);
-    drawSpinButton(*spinBox, SC_SpinBoxUp, painter, widget);
+    drawSpinButton(box, SC_SpinBoxDown, painter, widget);
+    drawSpinButton(box, SC_SpinBoxUp, painter, widget);
 }
 
 void TouchStyle::drawSpinButton(const QStyleOptionSpinBox &box, SubControl button,
@@ -101,12 +142,7 @@ void TouchStyle::drawSpinButton(const QStyleOptionSpinBox &box, SubControl butto
         bevel.state |= State_Sunken;
     }
     proxy()->drawControl(CE_PushButtonBevel, &bevel, painter, widget);
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(box.palette.buttonText());
-    painter->drawPolygon(arrow(bevel.rect.center(), button == SC_SpinBoxUp));
-    painter->restore();
+    drawArrow(painter, bevel.rect.center(), button == SC_SpinBoxUp, box.palette.buttonText());
 }
 
 QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
@@ -116,17 +152,16 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option
     switch (type) {
     case CT_ItemViewItem:
     case CT_MenuItem: // the rows of a combo box
-        return usual.expandedTo({0, rowHeight});
     case CT_RadioButton:
-        return usual.expandedTo({0, choiceHeight});
+    case CT_ToolButton:
+        return usual.expandedTo({0, rowHeight});
     case CT_ComboBox:
-        return usual.expandedTo({0, controlHeight});
+        return usual.expandedTo({0, fieldHeight})
+            + QSize(arrowPlaceWidth - usualArrowPlaceWidth, 0);
     case CT_PushButton:
         return usual.expandedTo(smallestButton);
-    case CT_ToolButton:
-        return usual.expandedTo({0, controlHeight});
     case CT_SpinBox:
-        return usual.expandedTo({0, controlHeight}) + QSize(2 * spinButtonWidth, 0);
+        return usual.expandedTo({0, fieldHeight}) + QSize(2 * arrowPlaceWidth, 0);
     default:
         return usual;
     }
@@ -150,7 +185,11 @@ QRect TouchStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     if (control == CC_SpinBox) {
         return visualRect(option->direction, option->rect, spinBoxRect(option->rect, subControl));
     }
-    return QProxyStyle::subControlRect(control, option, subControl, widget);
+    const QRect usual = QProxyStyle::subControlRect(control, option, subControl, widget);
+    if (control == CC_ComboBox) {
+        return listBoxRect(option->rect, subControl, usual);
+    }
+    return usual;
 }
 
 QRect TouchStyle::subElementRect(SubElement element, const QStyleOption *option,

@@ -6,7 +6,8 @@ class QStyleOptionSpinBox;
 
 /// The toolkit's style, made for a finger: large indicators, buttons and list rows, whole rows
 /// that react, and one tap on a line edit that is enough to ask for the on-screen keypad. Dialogs
-/// have a frame, because a panel has no window manager that would give them one.
+/// have a frame, because a panel has no window manager that would give them one. Text that is
+/// chosen has enough contrast to be read at arm's length.
 class TouchStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -19,6 +20,7 @@ public:
                     const QWidget *widget) const override;
     using QProxyStyle::polish;
     void polish(QWidget *widget) override;
+    void polish(QPalette &palette) override;
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                            const QWidget *widget) const override;
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
@@ -29,6 +31,8 @@ public:
                          const QWidget *widget) const override;
 
 private:
+    void drawSpinBox(const QStyleOptionSpinBox &box, QPainter *painter,
+                     const QWidget *widget) const;
     void drawSpinButton(const QStyleOptionSpinBox &box, SubControl button, QPainter *painter,
                         const QWidget *widget) const;
 };

@@ -15,13 +15,13 @@
 namespace {
 // On a screen of 800x600.
 constexpr QPoint miscButton = pageButtons[4].place;
-constexpr QPoint mouseEnable(380, 75);
-constexpr QPoint screenSavingBox(560, 315);
-constexpr QPoint brightnessBox(560, 396);
-constexpr QPoint yearSection(460, 478);
-constexpr QRect secondsArea(550, 465, 40, 26);
-constexpr QPoint downButton(714, 478);
-constexpr QPoint upButton(758, 478);
+constexpr QPoint mouseEnable(380, 79);
+constexpr QPoint screenSavingBox(560, 331);
+constexpr QPoint brightnessBox(560, 415);
+constexpr QPoint yearSection(460, 499);
+constexpr QRect secondsArea(550, 486, 40, 26);
+constexpr QPoint downButton(714, 499);
+constexpr QPoint upButton(758, 499);
 constexpr int screenSavingRows = 6;
 constexpr int brightnessRows = 11;
 

@@ -6,7 +6,7 @@
 
 namespace {
 constexpr int rowHeight = 45;
-constexpr int firstRow = 135;
+constexpr int firstRow = 143;
 
 /// The bar of a chosen row is a gradient of blues; nothing else on the pages is blue.
 bool isBlue(const QColor &color)

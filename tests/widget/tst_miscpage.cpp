@@ -197,14 +197,18 @@ void TestMiscPage::listRowsAreTallEnough()
         QVERIFY(QTest::qWaitForWindowExposed(list->window()));
         const QRect first = list->visualRect(list->model()->index(0, 0));
         const QRect last = list->visualRect(list->model()->index(box->count() - 1, 0));
-        QVERIFY2(first.height() >= 40, qPrintable(QString::number(first.height())));
+        QVERIFY(box->height() >= 44);
+        QVERIFY2(first.height() >= 44, qPrintable(QString::number(first.height())));
         QVERIFY(first.top() >= 0); // none has to be scrolled to
         QVERIFY2(last.bottom() < list->viewport()->height(),
                  qPrintable(QString("%1, %2").arg(last.bottom()).arg(list->viewport()->height())));
         QVERIFY(QRect(0, 0, 800, 600).contains(list->window()->geometry()));
         box->hidePopup();
     }
-    QVERIFY(page.time()->height() >= 40);
+    QVERIFY(page.time()->height() >= 44);
+    for (const RadioButton *choice : page.page()->findChildren<RadioButton *>()) {
+        QVERIFY(choice->height() >= 44);
+    }
 }
 
 void TestMiscPage::shows_data()

@@ -14,6 +14,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QScrollBar>
 
 #include <functional>
@@ -131,6 +132,7 @@ void TestPackagePicker::builtDialogs()
          std::initializer_list<const PackagePicker *>{&images, &addOns}) {
         QCOMPARE(dialog->font().pointSize(), 24);
         QCOMPARE(dialog->minimumWidth(), 600);
+        QCOMPARE(dialog->geometry().center(), dialog->screen()->availableGeometry().center());
         const QTableWidget *table = tableOf(*dialog);
         QCOMPARE(table->font().pointSize(), 24);
         QCOMPARE(table->rowCount(), 2);

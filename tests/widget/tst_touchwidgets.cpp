@@ -5,6 +5,7 @@
 #include "layermodel.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
@@ -14,6 +15,9 @@
 #include <QStyleOptionButton>
 #include <QTest>
 #include <QToolButton>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 constexpr QSize buttonSize(200, 40);
@@ -40,6 +44,16 @@ double glossAlpha(int x, int y, int side)
     const double distance = std::hypot(x + 0.5 - radius, y + 0.5 - radius);
     return 170 * std::max(0.0, 1 - distance / radius);
 }
+
+/// Brightness of a colour to the eye, from 0 to 1.
+double luminance(const QColor &color)
+{
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
+        + 0.0722 * linear(color.blueF());
+}
 } // namespace
 
 class TestTouchWidgets : public QObject
@@ -62,6 +76,9 @@ private slots:
     void otherWindowsHaveNoFrame();
     void boxButtonsHaveNoIcons();
     void spinButtonsShowThatTheyArePressed();
+    void listBoxesShowALargeArrow();
+    void textHasContrast_data();
+    void textHasContrast();
 };
 
 void TestTouchWidgets::initTestCase()
@@ -228,7 +245,7 @@ void TestTouchWidgets::toolButtonsAreHighEnough()
 {
     QToolButton button;
     button.setText("x");
-    QCOMPARE(button.sizeHint().height(), 40);
+    QCOMPARE(button.sizeHint().height(), 44);
     QVERIFY(button.sizeHint().width() < 60); // as wide as its text wants it
     QFont font = button.font();
     font.setPixelSize(60);
@@ -299,6 +316,53 @@ void TestTouchWidgets::spinButtonsShowThatTheyArePressed()
     QVERIFY(pressed.copy(up) != before.copy(up));
     QVERIFY(pressed.copy(down) == before.copy(down));
     QVERIFY(after.copy(up) == before.copy(up));
+}
+
+void TestTouchWidgets::listBoxesShowALargeArrow()
+{
+    QComboBox box;
+    box.addItem("60 Mins");
+    box.resize(box.sizeHint());
+    QStyleOptionComboBox option;
+    option.initFrom(&box);
+    const QRect place
+        = box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, &box);
+    const QRect text = box.style()->subControlRect(QStyle::CC_ComboBox, &option,
+                                                   QStyle::SC_ComboBoxEditField, &box);
+    QCOMPARE(place.width(), 44);
+    QVERIFY(box.rect().contains(place));
+    QVERIFY(!text.intersects(place));
+    QVERIFY(text.width() >= box.fontMetrics().horizontalAdvance("60 Mins"));
+    const QImage image = box.grab().toImage();
+    const QPoint middle = place.center();
+    const QColor brush = box.palette().color(QPalette::ButtonText);
+    QCOMPARE(image.pixelColor(middle), brush);
+    QCOMPARE(image.pixelColor(middle + QPoint(-6, -4)), brush); // it points down
+    QCOMPARE(image.pixelColor(middle + QPoint(6, -4)), brush);
+    QVERIFY(image.pixelColor(middle + QPoint(-6, 3)) != brush);
+}
+
+void TestTouchWidgets::textHasContrast_data()
+{
+    QTest::addColumn<QPalette::ColorRole>("text");
+    QTest::addColumn<QPalette::ColorRole>("background");
+    QTest::newRow("window") << QPalette::WindowText << QPalette::Window;
+    QTest::newRow("field") << QPalette::Text << QPalette::Base;
+    QTest::newRow("button") << QPalette::ButtonText << QPalette::Button;
+    QTest::newRow("chosen") << QPalette::HighlightedText << QPalette::Highlight;
+}
+
+/// As the web's guidelines measure it: 4.5 is enough for text of any size.
+void TestTouchWidgets::textHasContrast()
+{
+    QFETCH(const QPalette::ColorRole, text);
+    QFETCH(const QPalette::ColorRole, background);
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        const QPalette palette = QApplication::palette();
+        const double one = luminance(palette.color(group, text));
+        const double other = luminance(palette.color(group, background));
+        QVERIFY((std::max(one, other) + 0.05) / (std::min(one, other) + 0.05) >= 4.5);
+    }
 }
 
 QTEST_MAIN(TestTouchWidgets)
