@@ -173,6 +173,7 @@ void TestMkpackageOptions::warnings_data()
         << QStringList{"a panel looks for packages of this kind by the extension .kpc"};
     QTest::newRow("bios image") << bios << "a.mo" << none;
     QTest::newRow("add-on") << bios << "a.pkg" << none;
+    QTest::newRow("add-on in capitals") << bios << "A.PKG" << none; // its picker takes any letters
     QTest::newRow("bios of another extension")
         << bios << "a.kpc"
         << QStringList{"a panel looks for packages of this kind by the extension .mo or .pkg"};

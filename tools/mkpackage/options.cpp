@@ -20,15 +20,16 @@ struct Kind
     const char *name;
     const char *target; ///< what its target names; null if it is not used
     QStringList extensions;
+    Qt::CaseSensitivity extensionCase;
 };
 
 const Kind *findKind(PackageKind kind)
 {
     // clang-format off
     static const Kind kinds[] = {
-        {PackageKind::Application, "application", "panel model", {".kpc"}},
-        {PackageKind::Firmware,    "firmware",    "OEM name",    {".fmw"}},
-        {PackageKind::BiosImage,   "bios",        nullptr,       {".mo", ".pkg"}},
+        {PackageKind::Application, "application", "panel model", {".kpc"},         Qt::CaseSensitive},
+        {PackageKind::Firmware,    "firmware",    "OEM name",    {".fmw"},         Qt::CaseSensitive},
+        {PackageKind::BiosImage,   "bios",        nullptr,       {".mo", ".pkg"},  Qt::CaseInsensitive},
     };
     // clang-format on
     const auto *found = std::find_if(std::begin(kinds), std::end(kinds),
@@ -180,13 +181,14 @@ Options parseOptions(const QStringList &arguments)
 QStringList warningsFor(const PackageHeader &header, const QString &output)
 {
     QStringList warnings;
-    const QStringList extensions = findKind(header.kind)->extensions;
-    const bool found
-        = std::any_of(extensions.begin(), extensions.end(),
-                      [&output](const QString &extension) { return output.endsWith(extension); });
+    const Kind *kind = findKind(header.kind);
+    const bool found = std::any_of(kind->extensions.begin(), kind->extensions.end(),
+                                   [kind, &output](const QString &extension) {
+                                       return output.endsWith(extension, kind->extensionCase);
+                                   });
     if (!found) {
         warnings += QString("a panel looks for packages of this kind by the extension %1")
-                        .arg(extensions.join(" or "));
+                        .arg(kind->extensions.join(" or "));
     }
     if (header.kind == PackageKind::Firmware
         && header.version > quint32(std::numeric_limits<qint32>::max())) {
