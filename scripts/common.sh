@@ -6,7 +6,8 @@ export project_root
 
 # Debian package names, by what needs them. Read by run.sh and test.sh.
 # shellcheck disable=SC2034
-build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev)
+build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
+    libarchive-dev zlib1g-dev)
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy cppcheck shellcheck)
 # shellcheck disable=SC2034
