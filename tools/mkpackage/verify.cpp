@@ -76,7 +76,8 @@ Verification Verifier::run()
         checkPanel(*m_result.header, m_task.name, m_task.panel, m_result.findings);
         readArchive(*m_result.header);
     } else {
-        m_result.readable = m_file.atEnd();
+        char more = 0;
+        m_result.readable = m_file.read(&more, 1) == 0;
         checkShortFile(bytes.size(), m_task.name, m_result.findings);
     }
     return m_result;
