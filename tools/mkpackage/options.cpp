@@ -168,7 +168,7 @@ QString readVersion(const QCommandLineParser &parser, const QString &name,
     if (!parser.isSet(name)) {
         return {};
     }
-    if (!number || parser.value(name).isEmpty() || *number > std::numeric_limits<quint32>::max()) {
+    if (!number || *number > std::numeric_limits<quint32>::max()) {
         return QString("--%1 must be a number from 0 to 4294967295").arg(name);
     }
     version = quint32(*number);
