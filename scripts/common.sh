@@ -9,7 +9,7 @@ export project_root
 build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
     libarchive-dev zlib1g-dev)
 # shellcheck disable=SC2034
-check_packages=(clang-format clang-tidy cppcheck shellcheck)
+check_packages=(clang-format clang-tidy cppcheck mandoc shellcheck)
 # shellcheck disable=SC2034
 coverage_packages=(gcovr)
 # shellcheck disable=SC2034

@@ -568,13 +568,13 @@ void TestMkpackage::documentedExample()
     const QByteArray dump
         = shellBytes(QString("od -A x -t x1z -v '%1'").arg(path("line1.kpc"))).trimmed();
     const QByteArray document = readFile(PANEL_SOURCE "/docs/package-format.md");
-    QByteArray indented = "    " + dump;
-    indented.replace("\n", "\n    ");
-    QVERIFY2(document.contains(indented), indented.constData());
     const QByteArray info = mkpackage({"info", path("line1.kpc")}).output.trimmed();
-    indented = "    " + info;
-    indented.replace("\n", "\n    ");
-    QVERIFY2(document.contains(indented), indented.constData());
+    const QByteArray verdict = mkpackage({"verify", path("line1.kpc")}).output.trimmed();
+    for (const QByteArray &text : {dump, info, verdict}) {
+        QByteArray indented = "    " + text;
+        indented.replace("\n", "\n    ");
+        QVERIFY2(document.contains(indented), indented);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestMkpackage)

@@ -23,6 +23,18 @@ ToolRun verify(const QStringList &arguments)
     return runTool(MKPACKAGE, QStringList("verify") + arguments);
 }
 
+/// The examples in the manual page @p page, as a reader types them.
+QByteArray examplesOf(const QByteArray &page)
+{
+    QByteArray examples;
+    for (qsizetype end = 0, start = 0; (start = page.indexOf(".EX\n", end)) >= 0;) {
+        start += 4;
+        end = page.indexOf(".EE\n", start);
+        examples += page.mid(start, end - start);
+    }
+    return examples.replace("\\-", "-").replace("\\e", "\\");
+}
+
 /// The largest memory, in KiB, of the tools that have run so far.
 long largestMemory()
 {
@@ -48,6 +60,8 @@ private slots:
     void ordinaryUser();
     void outputIsSafeForATerminal();
     void memoryStaysFlat();
+    void examplesOfTheManualPages_data();
+    void examplesOfTheManualPages();
 
 private:
     QString path(const QString &name) const { return m_folder->filePath(name); }
@@ -203,6 +217,32 @@ sys.stdout.buffer.write(packer.flush())' >>large.kpc; rm zeros)sh")
     const long beforeLarge = largestMemory();
     QCOMPARE(verify({path("large.kpc"), "--rate", "100"}).status, 0);
     QVERIFY2(largestMemory() <= std::max(beforeLarge, before + 1024), "KiB");
+}
+
+void TestMkpackageVerify::examplesOfTheManualPages_data()
+{
+    QTest::addColumn<QString>("page");
+    QTest::addColumn<QStringList>("files");
+    QTest::newRow("of the tool") << "talmero-mkpackage.1"
+                                 << QStringList{"line1.kpc", "line1.json", "stick/line1.kpc"};
+    QTest::newRow("of the format") << "talmero-package.5" << QStringList{"line2.kpc"};
+}
+
+void TestMkpackageVerify::examplesOfTheManualPages()
+{
+    QFETCH(QString, page);
+    QFETCH(QStringList, files);
+    const QByteArray examples
+        = examplesOf(readFile(PANEL_SOURCE "/tools/mkpackage/" + page.toUtf8()));
+    QVERIFY(examples.contains("talmero-mkpackage verify "));
+    writeFile(path("examples").toUtf8(), examples);
+    shellBytes(QString("cd '%1'; rm %2; mkdir -p project/compile; echo hello >project/compile/main;"
+                       "chmod 755 project/compile; chmod 644 project/compile/main;"
+                       "PATH=$(dirname '%3'):$PATH sh -e examples")
+                   .arg(m_folder->path(), file, MKPACKAGE));
+    for (const QString &made : files) {
+        QVERIFY2(fileExists(path(made)), qPrintable(made));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestMkpackageVerify)
