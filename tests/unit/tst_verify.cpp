@@ -4,13 +4,8 @@
 #include "memberpath.h"
 #include "packagefiles.h"
 #include "panelguard.h"
-#include "report.h"
 
 #include <QBuffer>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTest>
 
 namespace {
@@ -92,9 +87,6 @@ private slots:
     void paths();
     void timeDependsOnTheRate();
     void unreadable();
-    void manyFindings();
-    void textForAPerson();
-    void jsonForAProgram();
 };
 
 void TestVerify::archives_data()
@@ -375,66 +367,6 @@ void TestVerify::unreadable()
         FailingDevice device(package.left(size));
         QVERIFY(!verifyPackage(device, {"a.kpc", {}}).readable);
     }
-}
-
-void TestVerify::manyFindings()
-{
-    Findings findings;
-    for (int number = 0; number < 1000; ++number) {
-        findings.add(Check::Names, Level::Warning, QString::number(number));
-    }
-    findings.add(Check::Names, Level::Ok, "fine");
-    findings.add(Check::Header, Level::Ok, "first");
-    QStringList texts;
-    for (const Finding &finding : findings.list()) {
-        texts += finding.text;
-    }
-    QCOMPARE(texts, (QStringList{"first", "0", "1", "2", "and 997 more"}));
-    QCOMPARE(findings.count(Level::Warning), 1000);
-    QCOMPARE(shownName(QByteArray(61, 'n')), QString(60, 'n') + "...");
-    QCOMPARE(shownName("\n"), QString("\\x0a"));
-}
-
-void TestVerify::textForAPerson()
-{
-    const QByteArray archive = packed("mkdir d; echo a >d/a; ln -s a d/l; ln -s /etc d/m");
-    const QByteArray expected = R"(ok       header  application for K21T with runtime version 12
-ok       gzip    whole, %1 bytes
-ok       tar     whole, files and folders: 4
-ok       names   all lie in the panel's folder
-warning  links   d/l -> a: is a link within the folder
-error    links   d/m -> /etc: leads out of the panel's folder
-ok       rights  no special bits, no devices, and all of root
-ok       size    10240 bytes unpacked
-ok       time    up to 0.1 s of the 30 s that a panel gives it, at 10 MB/s
-ok       panel   unpacks it in /home/dest
-bad: do not put it on a stick (1 error, 1 warning)
-)";
-    QCOMPARE(QString::fromUtf8(textReport(verifiedArchive(archive))),
-             QString::fromUtf8(expected).arg(archive.size()));
-}
-
-void TestVerify::jsonForAProgram()
-{
-    const Verification found = verifiedArchive(packed("echo a >a"));
-    const QByteArray json = jsonReport(found, {"a.kpc", {}}, "gr\u00fcn.kpc");
-    QCOMPARE(json.count('\n'), 1);
-    const QJsonObject report = QJsonDocument::fromJson(json).object();
-    QCOMPARE(report.value("file").toString(), QString("gr\\xc3\\xbcn.kpc"));
-    QVERIFY(report.value("good").toBool());
-    QCOMPARE(report.value("errors").toInt(-1), 0);
-    QCOMPARE(report.value("header").toObject(),
-             (QJsonObject{
-                 {"kind", "application"}, {"kindNumber", 0}, {"version", 12}, {"target", "K21T"}}));
-    QCOMPARE(report.value("unpackedBytes").toInt(), 10240);
-    QCOMPARE(report.value("entries").toInt(), 1);
-    QCOMPARE(report.value("findings").toArray().first().toObject(),
-             (QJsonObject{{"level", "ok"},
-                          {"check", "header"},
-                          {"text", "application for K21T with runtime version 12"}}));
-    const QByteArray none = jsonReport(verified("", {"a.kpc", {}}), {"a.kpc", {}}, "a.kpc");
-    QVERIFY(QJsonDocument::fromJson(none).object().value("header").isNull());
-    QVERIFY(!QJsonDocument::fromJson(none).object().value("good").toBool(true));
 }
 
 QTEST_GUILESS_MAIN(TestVerify)

@@ -5,9 +5,9 @@
 #include <algorithm>
 
 namespace {
-constexpr qsizetype pieceSize = 64 * 1024; // bytes
-constexpr int gzipWindow = 15 + 16;        // the largest one, and gzip's header and trailer
-constexpr char firstByte = '\x1f';         // of each stream
+constexpr qsizetype pieceSize = 65536; // bytes
+constexpr int gzipWindow = 15 + 16;    // the largest one, and gzip's header and trailer
+constexpr char firstByte = '\x1f';     // of each stream
 
 Bytef *bytesOf(QByteArray &array)
 {

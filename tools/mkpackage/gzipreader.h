@@ -23,7 +23,7 @@ public:
 
     GzipReader(QIODevice &device, qint64 limit);
     ~GzipReader();
-    Q_DISABLE_COPY_MOVE(GzipReader)
+    Q_DISABLE_COPY(GzipReader)
 
     /// The next piece, valid until the next call; empty if there are no more. Each but the last
     /// one is of the same size, a multiple of a tar block's.

@@ -14,7 +14,7 @@ constexpr QLatin1String targetOption("target");
 constexpr QLatin1String verifyOptions[]
     = {QLatin1String("for"), QLatin1String("runtime"), QLatin1String("oem"), QLatin1String("bios"),
        QLatin1String("rate")};
-constexpr int highestRate = 1000 * 1000; // MB/s
+constexpr int highestRate = 1'000'000; // MB/s
 constexpr QLatin1String makeOptions[]
     = {QLatin1String("kind"), QLatin1String("version"), targetOption, QLatin1String("output")};
 

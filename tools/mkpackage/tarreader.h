@@ -30,7 +30,7 @@ public:
 
     explicit TarReader(GzipReader &gzip);
     ~TarReader();
-    Q_DISABLE_COPY_MOVE(TarReader)
+    Q_DISABLE_COPY(TarReader)
 
     /// Goes on to the next member and describes it in @p member.
     Step next(TarMember &member);

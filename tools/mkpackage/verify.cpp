@@ -13,14 +13,14 @@
 #include <cmath>
 
 namespace {
-constexpr qint64 megabyte = 1000 * 1000;
+constexpr qint64 megabyte = 1'000'000;
 constexpr qint64 endOfArchiveSize = 1024; // bytes: two blocks of zeros
 constexpr qint64 memberCost = 2000;       // bytes that are written while a file is made
 constexpr double slowShare = 0.5;         // of the time limit, from which on a warning is due
 
 // No panel unpacks as much in the time that it has; more is not even looked at.
 constexpr qint64 largestSize = 4096 * megabyte;
-constexpr qint64 highestCount = 1000 * 1000;
+constexpr qint64 highestCount = 1'000'000;
 
 // Real projects shrink to a tenth, many empty files to a hundredth; gzip can do a thousandth.
 constexpr qint64 highestRatio = 200;
