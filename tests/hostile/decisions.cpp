@@ -62,7 +62,7 @@ constexpr Decision decisions[] = {
     {"tar-wrong-checksum", "tar", "damaged"},
     {"tar-8-gigabytes-claimed", "size", "claims more than there is"},
     {"tar-pax-size", "size", "the same"},
-    {"tar-sparse-terabyte", "size", "slows down all that reads the folder"},
+    {"tar-sparse-terabyte", "tar", "slows down all that reads the folder"},
     {"tar-negative-size", "tar", "damaged"},
     {"tar-size-of-all-bits", "tar", "damaged"},
     {"tar-endless-long-name", "tar", "damaged"},
@@ -74,7 +74,7 @@ constexpr Decision decisions[] = {
     {"tar-folder-with-contents", "tar", "each tar goes on at another place"},
     {"tar-far-future", good, "an odd time harms nobody"},
     {"tar-before-all-time", good, "the same"},
-    {"tar-owner-out-of-range", good, "a warning: an odd owner"},
+    {"tar-owner-out-of-range", "tar", "an owner that no system has"},
     {"tar-same-member-1000-times", good, "a warning: the last one stays"},
     {"tar-100000-members", good, "a warning: it takes nearly all the time that there is"},
 

@@ -8,11 +8,7 @@
 #include <algorithm>
 
 namespace {
-constexpr qsizetype blockSize = 512; // bytes, of a tar archive
-constexpr qsizetype sizeOffset = 124;
-constexpr qsizetype sizeLength = 12;
-constexpr qsizetype typeOffset = 156;
-constexpr QByteArrayView usualTypes("01234567S\0", 10); // S is a file with holes
+constexpr qint64 highestOwner = 4294967295;
 
 TarMember::Type typeOf(archive_entry *entry)
 {
@@ -50,11 +46,9 @@ TarMember describe(archive_entry *entry)
     return member;
 }
 
-/// Of digits that are all zero, or a number of another form that is.
-bool isZero(QByteArrayView field)
+bool isOwner(qint64 number)
 {
-    return std::all_of(field.begin(), field.end(),
-                       [](char c) { return c == '0' || c == ' ' || c == '\0'; });
+    return number >= 0 && number <= highestOwner;
 }
 } // namespace
 
@@ -76,8 +70,9 @@ ssize_t TarReader::readPiece(archive *, void *reader, const void **buffer)
     auto *self = static_cast<TarReader *>(reader);
     self->m_pieceStart += self->m_piece.size();
     self->m_piece = self->m_gzip.read();
+    self->m_walk.feed(self->m_piece, self->m_pieceStart);
     *buffer = self->m_piece.data();
-    return self->m_piece.size();
+    return self->m_walk.error() == nullptr ? self->m_piece.size() : 0; // it shall look no further
 }
 
 TarReader::Step TarReader::next(TarMember &member)
@@ -86,19 +81,26 @@ TarReader::Step TarReader::next(TarMember &member)
     int result = m_hasMember ? archive_read_data_skip(m_handle) : ARCHIVE_OK;
     m_hasMember = true;
     m_membersEnd = archive_filter_bytes(m_handle, 0);
+    m_walk = HeaderWalk(m_membersEnd);
+    m_walk.feed(m_piece, m_pieceStart);
     archive_entry *entry = nullptr;
-    if (result == ARCHIVE_OK) {
+    if (result == ARCHIVE_OK && m_walk.error() == nullptr) {
         result = archive_read_next_header(m_handle, &entry);
+    }
+    if (m_walk.error() != nullptr) {
+        m_error = QLatin1String(m_walk.error());
+        return Step::Damaged;
     }
     if (result == ARCHIVE_EOF) {
         return Step::End;
     }
-    if (result != ARCHIVE_OK) { // a mere warning too: other readers may see something else then
+    if (result != ARCHIVE_OK) { // a mere warning too: tar may see something else then
         m_error = QString::fromLatin1(archive_error_string(m_handle));
         return Step::Damaged;
     }
     member = describe(entry);
-    return findHeaderError(entry, member) ? Step::Damaged : Step::Member;
+    m_error = headerError(entry, member);
+    return m_error.isEmpty() ? Step::Member : Step::Damaged;
 }
 
 QByteArray TarReader::content(qsizetype size)
@@ -109,27 +111,18 @@ QByteArray TarReader::content(qsizetype size)
 }
 
 /// What tar and the library that reads here could take for different things.
-bool TarReader::findHeaderError(archive_entry *entry, const TarMember &member)
+QString TarReader::headerError(archive_entry *entry, const TarMember &member) const
 {
-    if (archive_entry_sparse_count(entry) > 0) { // its header is not the last block
-        return false;
+    if (archive_entry_sparse_count(entry) > 0) {
+        return "a file with holes";
     }
-    const QByteArrayView block = lastBlock();
-    if (block.isEmpty()) {
-        m_error = "a header in no place of its own";
-    } else if (!usualTypes.contains(block.at(typeOffset))) {
-        m_error = "a member of an unusual type";
-    } else if (member.type != TarMember::Type::File
-               && !isZero(block.sliced(sizeOffset, sizeLength))) {
-        m_error = "contents of a member that can have none";
+    if (!m_walk.isDone() || m_walk.end() != archive_filter_bytes(m_handle, 0)) {
+        return "a header that is not where it should be";
     }
-    return !m_error.isEmpty();
-}
-
-/// The block that was read last; empty if it is not at hand.
-QByteArrayView TarReader::lastBlock() const
-{
-    const qint64 start = archive_filter_bytes(m_handle, 0) - blockSize - m_pieceStart;
-    return start >= 0 && start + blockSize <= m_piece.size() ? m_piece.sliced(start, blockSize)
-                                                             : QByteArrayView();
+    if (!isOwner(member.user) || !isOwner(member.group)) {
+        return "an owner that cannot be";
+    }
+    const bool mayHaveContents = member.type == TarMember::Type::File;
+    return mayHaveContents || !m_walk.hasContents() ? QString()
+                                                    : "contents of a member that can have none";
 }

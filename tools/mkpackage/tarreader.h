@@ -1,5 +1,7 @@
 #pragma once
 
+#include "headerwalk.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
@@ -46,14 +48,14 @@ public:
 
 private:
     static ssize_t readPiece(archive *handle, void *reader, const void **buffer);
-    bool findHeaderError(archive_entry *entry, const TarMember &member);
-    QByteArrayView lastBlock() const;
+    QString headerError(archive_entry *entry, const TarMember &member) const;
 
     GzipReader &m_gzip;
     archive *m_handle;
     bool m_hasMember = false;
     QByteArrayView m_piece;
     qint64 m_pieceStart = 0; ///< in the unpacked data
+    HeaderWalk m_walk;
     qint64 m_membersEnd = 0;
     QString m_error;
 };
