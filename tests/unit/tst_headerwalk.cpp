@@ -19,6 +19,7 @@ QByteArray header(char type, const QByteArray &size = "00000000000")
     block.replace(124, size.size(), size);
     block.replace(136, 12, QByteArray("07040000000\0", 12));
     block[156] = type;
+    block.replace(257, 8, QByteArray("ustar  \0", 8));
     return block;
 }
 
@@ -83,6 +84,11 @@ void TestHeaderWalk::walks_data()
         QTest::addRow("type %c", type)
             << header(type) << -1 << QByteArray("a member of an unusual type");
     }
+
+    const QByteArray format = "a header of an unusual format";
+    QTest::newRow("of POSIX") << with(file, 257, QByteArray("ustar\00000", 8)) << 512 << none;
+    QTest::newRow("of old times") << with(file, 257, QByteArray(8, '\0')) << -1 << format;
+    QTest::newRow("of two formats") << with(file, 263, "0") << -1 << format;
 
     QTest::newRow("blanks around a number") << header('0', "    1234   ") << 512 << none;
     QTest::newRow("twelve digits") << header('0', "000000001234") << 512 << none;

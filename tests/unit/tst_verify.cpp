@@ -117,6 +117,14 @@ void TestVerify::archives_data()
     QTest::newRow("half an end") << packed("echo a >a", "tar -c a | head -c 1536 | gzip")
                                  << QByteArrayList{
                                         "error tar its end is missing: two blocks of zeros"};
+    const QByteArray longEnd = packed("echo a >a; head -c 200000 /dev/zero >z",
+                                      "(tar -c --owner=0 --group=0 a; cat z) | gzip");
+    QTest::newRow("a long end") << longEnd << QByteArrayList();
+    QTest::newRow("a wrong checksum behind a long end") << longEnd.chopped(8) + QByteArray(4, '\1')
+            + longEnd.right(4) << QByteArrayList{gzipError + "incorrect data check" + ending};
+    QTest::newRow("something behind a long end")
+        << packed("echo a >a; head -c 200000 /dev/zero >z", "(tar -c a; cat z a) | gzip")
+        << QByteArrayList{"error tar something stands behind its end"};
     QTest::newRow("no members") << packed("echo a >a", "tar -cz --files-from=/dev/null")
                                 << QByteArrayList{
                                        "error tar nothing is in it that a panel could unpack"};
@@ -161,6 +169,9 @@ void TestVerify::archives_data()
     QTest::newRow("below a file") << packed("mkdir a b; echo x >a/x; echo x >b/a",
                                             QString(asRoot) + "--transform=s,b/a,a, b/a a/x")
                                   << QByteArrayList{"error names a/x: lies in what is no folder"};
+    QTest::newRow("in place of a folder")
+        << packed("mkdir a; echo x >a/x; echo y >y", QString(asRoot) + "--transform=s,y,a, a/x y")
+        << QByteArrayList{"error names a: is a folder before"};
     QTest::newRow("a link twice") << packed("mkdir d; ln -s a l; ln -s a d/l",
                                             QString(asRoot) + "--transform=s,d/,, l d/l")
                                   << QByteArrayList{

@@ -7,6 +7,9 @@
 namespace {
 constexpr qsizetype blockSize = 512; // bytes
 constexpr qsizetype typeOffset = 156;
+constexpr qsizetype magicOffset = 257;
+constexpr QByteArrayView posixMagic("ustar\00000", 8);
+constexpr QByteArrayView gnuMagic("ustar  \0", 8); // has no folder in a field of its own
 constexpr QByteArrayView describingTypes("gxKL", 4);
 constexpr QByteArrayView usualTypes("01234567\0", 9);
 
@@ -101,8 +104,11 @@ void HeaderWalk::takeBlock(QByteArrayView block)
 
 void HeaderWalk::takeHeader(QByteArrayView header)
 {
+    const QByteArrayView magic = header.sliced(magicOffset, posixMagic.size());
     const char type = header.at(typeOffset);
-    if (usualTypes.contains(type)) {
+    if (magic != posixMagic && magic != gnuMagic) {
+        m_error = "a header of an unusual format";
+    } else if (usualTypes.contains(type)) {
         m_header = header.toByteArray();
     } else if (describingTypes.contains(type)) {
         startDescription(header);

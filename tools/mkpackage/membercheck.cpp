@@ -127,8 +127,7 @@ void MemberCheck::checkHardLink(const TarMember &member)
 {
     const MemberPath target(member.target);
     const bool isKnown = !target.leaves() && !target.isTop()
-        && m_known.value(target.numbers.last(), Type::Other) == Type::File
-        && target.numbers != MemberPath(member.name).numbers;
+        && m_known.value(target.numbers.last(), Type::Other) == Type::File;
     say(Check::Links, isKnown ? Level::Warning : Level::Error, member,
         isKnown ? "is a hard link" : "is a hard link to what is no file before it");
 }
