@@ -18,7 +18,7 @@
 // What is said of each hostile package before it is carried to the panel for which it was made.
 
 namespace {
-constexpr qint64 timeLimit = 2000; // ms a package, the largest of which come to 400 MB
+constexpr qint64 timeLimit = 10000; // ms a package, the largest of which come to 400 MB
 
 Verification verifyFile(const QByteArray &path)
 {
