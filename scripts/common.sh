@@ -30,6 +30,21 @@ die() {
     exit 1
 }
 
+# Reads the command line of a script that takes nothing but seeds into the array seeds: 1 and 2 if
+# it is empty. The script's own usage() tells the rest.
+read_seeds() {
+    local argument
+    seeds=()
+    for argument in "$@"; do
+        case $argument in
+        --help) usage && exit 0 ;;
+        *[!0-9]* | "") usage >&2 && exit 2 ;;
+        *) seeds+=("$argument") ;;
+        esac
+    done
+    [ "${#seeds[@]}" -gt 0 ] || seeds=(1 2)
+}
+
 # Runs a command as root: directly, or through sudo where the user is not root.
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then

@@ -19,15 +19,7 @@ Takes some four minutes a seed. Needs root or sudo.
 TEXT
 }
 
-seeds=()
-for argument in "$@"; do
-    case $argument in
-    --help) usage && exit 0 ;;
-    *[!0-9]* | "") usage >&2 && exit 2 ;;
-    *) seeds+=("$argument") ;;
-    esac
-done
-[ "${#seeds[@]}" -gt 0 ] || seeds=(1 2)
+read_seeds "$@"
 
 need_root
 install_packages "${build_packages[@]}" "${panel_packages[@]}"

@@ -169,6 +169,13 @@ void TestVerify::archives_data()
     QTest::newRow("below a file") << packed("mkdir a b; echo x >a/x; echo x >b/a",
                                             QString(asRoot) + "--transform=s,b/a,a, b/a a/x")
                                   << QByteArrayList{"error names a/x: lies in what is no folder"};
+    QTest::newRow("hard link to a folder that is a file")
+        << packed("echo a >a; ln a b", QString(asRoot) + "--transform=s,^a,a/,hRS a b")
+        << QByteArrayList{"error links b: is a hard link to what is no file before it"};
+    QTest::newRow("link named as a folder")
+        << packed("echo a >a; ln -s a l", QString(asRoot) + "--transform=s,l,l/,S a l")
+        << QByteArrayList{"error names l/: is the name of a folder, and is none",
+                          "warning links l/ -> a: is a link within the folder"};
     QTest::newRow("in place of a folder")
         << packed("mkdir a; echo x >a/x; echo y >y", QString(asRoot) + "--transform=s,y,a, a/x y")
         << QByteArrayList{"error names a: is a folder before"};

@@ -80,6 +80,8 @@ void MemberCheck::checkPlace(const TarMember &member)
         say(Check::Names, Level::Error, member, "is a path of more than 4095 bytes");
     } else if (path.isTop()) {
         checkTopFolder(member);
+    } else if (path.asksForFolder && member.type != Type::Folder) {
+        say(Check::Names, Level::Error, member, "is the name of a folder, and is none");
     } else {
         for (const quint64 parent : path.numbers.first(path.numbers.size() - 1)) {
             checkParent(member, parent);
@@ -126,7 +128,7 @@ void MemberCheck::checkSymLink(const TarMember &member)
 void MemberCheck::checkHardLink(const TarMember &member)
 {
     const MemberPath target(member.target);
-    const bool isKnown = !target.leaves() && !target.isTop()
+    const bool isKnown = !target.leaves() && !target.isTop() && !target.asksForFolder
         && m_known.value(target.numbers.last(), Type::Other) == Type::File;
     say(Check::Links, isKnown ? Level::Warning : Level::Error, member,
         isKnown ? "is a hard link" : "is a hard link to what is no file before it");

@@ -21,6 +21,8 @@ quint64 numberBelow(quint64 folder, QByteArrayView name)
 
 MemberPath::MemberPath(QByteArrayView path)
     : isAbsolute(path.startsWith('/'))
+    , asksForFolder(path.endsWith('/') || path.endsWith(QByteArrayView("/."))
+                    || path == QByteArrayView("."))
 {
     quint64 number = firstNumber ^ quint64(QHashSeed::globalSeed());
     while (!path.isEmpty()) {

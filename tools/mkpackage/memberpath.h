@@ -16,6 +16,7 @@ struct MemberPath
     qsizetype ups = 0;         ///< ".." in front of all names
     bool turnsBack = false;    ///< ".." behind a name
     qsizetype longestName = 0; ///< bytes
+    bool asksForFolder;        ///< ends as only the path of a folder may, in a slash or a dot
 
     bool isTop() const { return numbers.isEmpty() && ups == 0; }
     bool leaves() const { return isAbsolute || ups > 0 || turnsBack; }
