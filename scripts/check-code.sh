@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Checks format and code: clang-format, cppcheck, clang-tidy, shellcheck, and who includes whom.
+# Checks format and code: clang-format, cppcheck, clang-tidy, shellcheck, mandoc, and who includes
+# whom.
 # Usage: scripts/check-code.sh BUILD_FOLDER (configured, for its compile_commands.json)
 # A file that was found clean is not looked at again until it or a header changes.
 set -euo pipefail
@@ -78,6 +79,9 @@ done
 
 echo "Scripts"
 shellcheck --external-sources "${scripts[@]}"
+
+echo "Manual pages"
+sources '*.[1-8]' | xargs mandoc -T lint -W warning
 
 echo "Code"
 # Unused is what neither the program nor a tool uses: what only a test uses counts as unused.

@@ -6,9 +6,10 @@ export project_root
 
 # Debian package names, by what needs them. Read by run.sh and test.sh.
 # shellcheck disable=SC2034
-build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev)
+build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
+    libarchive-dev zlib1g-dev)
 # shellcheck disable=SC2034
-check_packages=(clang-format clang-tidy cppcheck shellcheck)
+check_packages=(clang-format clang-tidy cppcheck mandoc shellcheck)
 # shellcheck disable=SC2034
 coverage_packages=(gcovr)
 # shellcheck disable=SC2034
@@ -32,6 +33,21 @@ panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-
 die() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
     exit 1
+}
+
+# Reads the command line of a script that takes nothing but seeds into the array seeds: 1 and 2 if
+# it is empty. The script's own usage() tells the rest.
+read_seeds() {
+    local argument
+    seeds=()
+    for argument in "$@"; do
+        case $argument in
+        --help) usage && exit 0 ;;
+        *[!0-9]* | "") usage >&2 && exit 2 ;;
+        *) seeds+=("$argument") ;;
+        esac
+    done
+    [ "${#seeds[@]}" -gt 0 ] || seeds=(1 2)
 }
 
 # Runs a command as root: directly, or through sudo where the user is not root.

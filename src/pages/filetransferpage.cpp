@@ -2,8 +2,8 @@
 
 #include "packages/filetable.h"
 #include "packages/filewalk.h"
-#include "packages/packagecheck.h"
 #include "packages/packageinstaller.h"
+#include "packages/packagerefusal.h"
 #include "system/settingskeys.h"
 #include "widgets/radiobutton.h"
 
@@ -21,28 +21,6 @@ constexpr char applicationName[] = "application_radioButton";
 constexpr char firmwareName[] = "firmware_radioButton";
 constexpr char applicationExtension[] = ".kpc";
 constexpr char firmwareExtension[] = ".fmw";
-
-/// What the user is told of a package that was not installed.
-struct Refusal
-{
-    InstallResult result;
-    const char *title;
-    const char *text;
-};
-
-// clang-format off
-constexpr Refusal refusals[] = {
-    // The title is misspelt for good.
-    {OpenFileError,    QT_TRANSLATE_NOOP("BiosInterface", "File Transter"),
-                       QT_TRANSLATE_NOOP("BiosInterface", "Open File Error")},
-    {WrongVersion,     QT_TRANSLATE_NOOP("BiosInterface", "File Transfer"),
-                       QT_TRANSLATE_NOOP("BiosInterface", "Error Firmware Version while Install KPC")},
-    {WrongModel,       QT_TRANSLATE_NOOP("BiosInterface", "File Transfer"),
-                       QT_TRANSLATE_NOOP("BiosInterface", "Error Panel Model while Install KPC")},
-    {WrongFirmwareOem, QT_TRANSLATE_NOOP("BiosInterface", "File Transfer"),
-                       QT_TRANSLATE_NOOP("BiosInterface", "Error Panel Model while Install Firmware")},
-};
-// clang-format on
 
 void warn(const QString &title, const QString &text)
 {
@@ -116,11 +94,9 @@ bool BiosInterface::saveFiletransferSettings()
     if (path.isEmpty()) {
         return false;
     }
-    const int result = installPackage(path);
-    for (const Refusal &refusal : refusals) {
-        if (refusal.result == result) {
-            warn(tr(refusal.title), tr(refusal.text));
-        }
+    const PackageRefusal *refusal = findPackageRefusal(installPackage(path));
+    if (refusal != nullptr) {
+        warn(tr(refusal->title), tr(refusal->text));
     }
     return true;
 }

@@ -12,26 +12,18 @@ Usage: tests/long/hostile.sh [SEED...]
 Builds the program as released and tries the packages and sticks that
 tests/hostile/make-sticks makes of each seed, 1 and 2 if none is given: all of them,
 the 1,000 with a flipped bit too, with the program's own code and by taps on the
-running program. One more package keeps tar busy until it is cut off. Prints a table
-a seed. Takes some five minutes a seed. Needs root or sudo.
+running program. One more package keeps tar busy until it is cut off. The tool that
+verifies packages looks at all of them, too. Prints a table a seed. Takes some five minutes a seed. Needs root or sudo.
 
   --help   Shows this text.
 TEXT
 }
 
-seeds=()
-for argument in "$@"; do
-    case $argument in
-    --help) usage && exit 0 ;;
-    *[!0-9]* | "") usage >&2 && exit 2 ;;
-    *) seeds+=("$argument") ;;
-    esac
-done
-[ "${#seeds[@]}" -gt 0 ] || seeds=(1 2)
+read_seeds "$@"
 
 need_root
 install_packages "${build_packages[@]}" "${panel_packages[@]}"
-build_preset release talmero-bios tst_hostilepackages tst_hostilesticks
+build_preset release talmero-bios tst_hostilepackages tst_hostilesticks tst_hostileverify
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 status=0
@@ -48,6 +40,7 @@ run() {
 for seed in "${seeds[@]}"; do
     echo "Seed $seed, the program's own code: package, result, changes, time"
     run none tst_hostilepackages
+    run none tst_hostileverify
     echo "Seed $seed, the program by taps: package, what is shown, changes, time"
     run xorg tst_hostilesticks
 done

@@ -2,6 +2,7 @@
 #include "faketools.h"
 #include "packagefiles.h"
 #include "panelguard.h"
+#include "toolrun.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -17,22 +18,9 @@
 #include <unistd.h>
 
 namespace {
-/// One run of the tool.
-struct Run
+ToolRun mkpackage(const QStringList &arguments)
 {
-    int status;
-    QByteArray output;
-    QByteArray errors;
-};
-
-Run mkpackage(const QStringList &arguments)
-{
-    QProcess process;
-    process.start(MKPACKAGE, arguments);
-    if (!process.waitForFinished(20000) || process.exitStatus() != QProcess::NormalExit) {
-        qFatal("talmero-mkpackage crashes or hangs");
-    }
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return runTool(MKPACKAGE, arguments);
 }
 
 QByteArray lineOf(const QByteArray &text, const QByteArray &start)
@@ -83,7 +71,7 @@ private slots:
 
 private:
     QString path(const QString &name) const { return m_folder->filePath(name); }
-    Run make(const QString &output, const QString &folder) const
+    ToolRun make(const QString &output, const QString &folder) const
     {
         return mkpackage({"make", "--kind", "application", "--version", "12", "--target", "RV-K21T",
                           "--output", path(output), path(folder)});
@@ -112,7 +100,7 @@ void TestMkpackage::init()
 
 void TestMkpackage::makesWhatAPanelUnpacks()
 {
-    const Run run = make("line.kpc", "in");
+    const ToolRun run = make("line.kpc", "in");
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.status, 0);
     const QByteArray package = readFile(path("line.kpc").toUtf8());
@@ -127,6 +115,7 @@ void TestMkpackage::makesWhatAPanelUnpacks()
                 "[ -d empty ]; [ $(readlink link) = a ]")
             .arg(m_folder->path()));
     QCOMPARE(shellBytes(QString("stat -c %a '%1'").arg(path("line.kpc"))), QByteArray("644\n"));
+    QCOMPARE(mkpackage({"verify", path("line.kpc")}).status, 0);
     QCOMPARE(files(), QStringList{"line.kpc"});
 }
 
@@ -159,8 +148,8 @@ void TestMkpackage::otherReadersSeeTheSame()
         done
         ln -s "$long" ./-link; ln -s ../a deep/up; chmod 4711 @at)sh";
     shellBytes(fill.arg(m_folder->path()));
-    const Run run = mkpackage({"make", "--kind", kind, "--version", "1", "--target", "T",
-                               "--output", path(name), path("in")});
+    const ToolRun run = mkpackage({"make", "--kind", kind, "--version", "1", "--target", "T",
+                                   "--output", path(name), path("in")});
     QCOMPARE(run.status, 0);
     const QString readTwice = R"sh(
         cd '%1'; mkdir gnu libarchive; tail -c +37 '%2' >archive.tgz
@@ -194,8 +183,8 @@ void TestMkpackage::sameContentsGiveTheSameBytes()
     qputenv("TAR_OPTIONS", "--verbose --exclude=a");
     qputenv("TAPE", path("tape").toLocal8Bit()); // where tar writes unless told
     qputenv("LC_ALL", "de_DE.UTF-8");
-    const Run run = make("second.kpc", "other");
-    const Run seen = mkpackage({"info", path("second.kpc")});
+    const ToolRun run = make("second.kpc", "other");
+    const ToolRun seen = mkpackage({"info", path("second.kpc")});
     qunsetenv("TAR_OPTIONS");
     qunsetenv("TAPE");
     qputenv("LC_ALL", "C.UTF-8");
@@ -211,9 +200,9 @@ void TestMkpackage::sameContentsGiveTheSameBytes()
 void TestMkpackage::timeOfTheFiles()
 {
     qputenv("SOURCE_DATE_EPOCH", "1441036800");
-    const Run run = make("line.kpc", "in");
+    const ToolRun run = make("line.kpc", "in");
     qputenv("SOURCE_DATE_EPOCH", "yesterday");
-    const Run refused = make("other.kpc", "in");
+    const ToolRun refused = make("other.kpc", "in");
     qunsetenv("SOURCE_DATE_EPOCH");
     QCOMPARE(run.status, 0);
     const QByteArray listing = mkpackage({"info", path("line.kpc")}).output;
@@ -261,7 +250,7 @@ void TestMkpackage::refused()
     QFETCH(QString, folder);
     QFETCH(QString, error);
     const QByteArray before = shellBytes(QString("find '%1'").arg(m_folder->path()));
-    const Run run = make(output, folder);
+    const ToolRun run = make(output, folder);
     QCOMPARE(run.status, 1);
     error.replace("%1", m_folder->path());
     QCOMPARE(run.errors, "talmero-mkpackage: " + error.toUtf8() + '\n');
@@ -273,7 +262,7 @@ void TestMkpackage::outputThatIsNoPlainFile()
 {
     shellBytes(QString("cd '%1'; mkfifo pipe.kpc; ln -s pipe.kpc link.kpc").arg(m_folder->path()));
     for (const char *name : {"pipe.kpc", "link.kpc"}) {
-        const Run run = make(name, "in");
+        const ToolRun run = make(name, "in");
         QCOMPARE(run.status, 1);
         QCOMPARE(run.errors, "talmero-mkpackage: " + path(name).toUtf8() + " is no plain file\n");
     }
@@ -298,7 +287,7 @@ void TestMkpackage::toolsMissingOrFailing()
     writeFile(path("old.kpc").toUtf8(), "old");
     const QByteArray searchPath = qgetenv("PATH");
     qputenv("PATH", "/no/such/folder");
-    const Run missing = make("old.kpc", "in");
+    const ToolRun missing = make("old.kpc", "in");
     qputenv("PATH", searchPath);
     QCOMPARE(missing.status, 1);
     QCOMPARE(missing.errors, QByteArray("talmero-mkpackage: tar cannot be run\n"));
@@ -307,7 +296,7 @@ void TestMkpackage::toolsMissingOrFailing()
     for (const char *body : {"echo part; echo it fails >&2; exit 2", "echo part; kill -9 $$",
                              "exit 3", "echo >&2; exit 1"}) {
         tools.setBody("tar", body);
-        const Run run = make("old.kpc", "in");
+        const ToolRun run = make("old.kpc", "in");
         QCOMPARE(run.status, 1);
         QCOMPARE(run.errors.count('\n'), 1);
     }
@@ -322,7 +311,7 @@ void TestMkpackage::noRoomForTemporaryFiles()
     QCOMPARE(mount("test", full.constData(), "tmpfs", 0, "size=4k"), 0);
     shellBytes(QString("head -c 4096 /dev/zero >'%1'").arg(path("full/fill")));
     const TemporaryFolder temporary(full.constData());
-    const Run run = make("line.kpc", "in");
+    const ToolRun run = make("line.kpc", "in");
     QCOMPARE(umount(full.constData()), 0);
     QCOMPARE(run.status, 1);
     QCOMPARE(run.errors, QByteArray("talmero-mkpackage: there is no room for temporary files\n"));
@@ -331,7 +320,7 @@ void TestMkpackage::noRoomForTemporaryFiles()
 
 void TestMkpackage::wrongExtension()
 {
-    const Run run = make("line.fmw", "in");
+    const ToolRun run = make("line.fmw", "in");
     QCOMPARE(run.status, 0);
     QVERIFY2(run.errors.startsWith("talmero-mkpackage: note: "), run.errors.constData());
     QCOMPARE(run.errors.count('\n'), 1);
@@ -344,7 +333,7 @@ void TestMkpackage::fullDisk()
                    .arg(m_folder->path()));
     const QByteArray small = path("small").toUtf8();
     QCOMPARE(mount("test", small.constData(), "tmpfs", 0, "size=64k"), 0);
-    const Run run = make("small/line.kpc", "in");
+    const ToolRun run = make("small/line.kpc", "in");
     const QByteArray left = shellBytes(QString("ls -A '%1'").arg(path("small")));
     QCOMPARE(umount(small.constData()), 0);
     QCOMPARE(run.status, 1);
@@ -371,7 +360,7 @@ void TestMkpackage::socketInTheFolder()
     shellBytes(QString("cd '%1/in'; python3 -c 'import socket;"
                        "socket.socket(socket.AF_UNIX).bind(\"s\")'")
                    .arg(m_folder->path()));
-    const Run run = make("o.kpc", "in");
+    const ToolRun run = make("o.kpc", "in");
     QCOMPARE(run.status, 1);
     QVERIFY(run.errors.endsWith(": s: socket ignored\n"));
     QCOMPARE(files(), QStringList());
@@ -423,7 +412,7 @@ void TestMkpackage::ignoredSignalStaysIgnored()
 void TestMkpackage::infoOfAWholePackage()
 {
     QCOMPARE(make("line.kpc", "in").status, 0);
-    const Run run = mkpackage({"info", path("line.kpc")});
+    const ToolRun run = mkpackage({"info", path("line.kpc")});
     QCOMPARE(run.status, 0);
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(lineOf(run.output, "kind:"), QByteArray("0 (application)"));
@@ -444,7 +433,7 @@ void TestMkpackage::infoOfALongTarget()
     QByteArray package = formatPackageHeader({PackageKind::Application, 1, "K"}) + smallArchive();
     package.replace(20, 16, "0123456789ABCDEF");
     writeFile(path("long.kpc").toUtf8(), package);
-    const Run run = mkpackage({"info", path("long.kpc")});
+    const ToolRun run = mkpackage({"info", path("long.kpc")});
     QCOMPARE(lineOf(run.output, "target:"),
              QByteArray("0123456789ABCDEF (not ended by a NUL byte)"));
 }
@@ -491,16 +480,17 @@ void TestMkpackage::infoOfDamage()
 {
     QFETCH(QByteArray, package);
     writeFile(path("package").toUtf8(), package);
-    const Run run = mkpackage({"info", path("package")});
+    const ToolRun run = mkpackage({"info", path("package")});
     QCOMPARE(run.status, 1);
     QTEST(lineOf(run.output, "gzip:"), "gzip");
     QTEST(lineOf(run.output, "tar:"), "tar");
+    QCOMPARE(mkpackage({"verify", path("package")}).status, 1);
 }
 
 void TestMkpackage::infoOfUnreadableFiles()
 {
     for (const char *name : {"missing", "in", "in/link/x"}) {
-        const Run run = mkpackage({"info", path(name)});
+        const ToolRun run = mkpackage({"info", path(name)});
         QCOMPARE(run.status, 2);
         QCOMPARE(run.errors, "talmero-mkpackage: cannot read " + path(name).toUtf8() + '\n');
         QCOMPARE(run.output, QByteArray());
@@ -513,7 +503,7 @@ void TestMkpackage::infoWithoutTools()
     QCOMPARE(make("line.kpc", "in").status, 0);
     const QByteArray searchPath = qgetenv("PATH");
     qputenv("PATH", "/no/such/folder");
-    const Run run = mkpackage({"info", path("line.kpc")});
+    const ToolRun run = mkpackage({"info", path("line.kpc")});
     qputenv("PATH", searchPath);
     QCOMPARE(run.status, 2);
     QCOMPARE(run.errors, QByteArray("talmero-mkpackage: gzip or tar cannot be run\n"));
@@ -544,7 +534,7 @@ void TestMkpackage::infoIsSafeForATerminal()
     const QByteArray package
         = formatPackageHeader({PackageKind::Application, 1, "\x1b]0;21T"}) + archive;
     writeFile(path("bad.kpc").toUtf8(), package);
-    const Run run = mkpackage({"info", path("bad.kpc")});
+    const ToolRun run = mkpackage({"info", path("bad.kpc")});
     QCOMPARE(run.status, 0);
     for (const char c : run.output) {
         QVERIFY(c == '\n' || (c >= ' ' && c <= '~'));
@@ -554,13 +544,13 @@ void TestMkpackage::infoIsSafeForATerminal()
 
 void TestMkpackage::helpAndVersion()
 {
-    const Run help = mkpackage({"--help"});
+    const ToolRun help = mkpackage({"--help"});
     QCOMPARE(help.status, 0);
     QVERIFY(help.output.startsWith("Usage: talmero-mkpackage make "));
-    const Run version = mkpackage({"--version"});
+    const ToolRun version = mkpackage({"--version"});
     QCOMPARE(version.status, 0);
     QVERIFY(version.output.startsWith("talmero-mkpackage 1"));
-    const Run nothing = mkpackage({});
+    const ToolRun nothing = mkpackage({});
     QCOMPARE(nothing.status, 2);
     QCOMPARE(nothing.output, QByteArray());
     QCOMPARE(nothing.errors,
@@ -578,13 +568,13 @@ void TestMkpackage::documentedExample()
     const QByteArray dump
         = shellBytes(QString("od -A x -t x1z -v '%1'").arg(path("line1.kpc"))).trimmed();
     const QByteArray document = readFile(PANEL_SOURCE "/docs/package-format.md");
-    QByteArray indented = "    " + dump;
-    indented.replace("\n", "\n    ");
-    QVERIFY2(document.contains(indented), indented.constData());
     const QByteArray info = mkpackage({"info", path("line1.kpc")}).output.trimmed();
-    indented = "    " + info;
-    indented.replace("\n", "\n    ");
-    QVERIFY2(document.contains(indented), indented.constData());
+    const QByteArray verdict = mkpackage({"verify", path("line1.kpc")}).output.trimmed();
+    for (const QByteArray &text : {dump, info, verdict}) {
+        QByteArray indented = "    " + text;
+        indented.replace("\n", "\n    ");
+        QVERIFY2(document.contains(indented), indented);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestMkpackage)

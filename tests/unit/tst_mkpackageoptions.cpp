@@ -22,6 +22,7 @@ private slots:
     void refused();
     void accepted_data();
     void accepted();
+    void verify();
     void warnings_data();
     void warnings();
     void fileTimes_data();
@@ -125,6 +126,24 @@ void TestMkpackageOptions::refused_data()
                                          << "info takes one file";
     QTest::newRow("info with an option") << "info --kind a"
                                          << "Unknown option 'kind'.";
+    QTest::newRow("verify without file") << "verify --json"
+                                         << "verify takes one file";
+    QTest::newRow("verify with two files") << "verify a b"
+                                           << "verify takes one file";
+    QTest::newRow("verify with an option of make") << "verify a --kind bios"
+                                                   << "Unknown option 'kind'.";
+    QTest::newRow("verify for two models") << "verify a --for K --for L"
+                                           << "--for is given twice";
+    QTest::newRow("no runtime version") << "verify a --runtime 12a"
+                                        << "--runtime must be a number from 0 to 4294967295";
+    QTest::newRow("empty runtime version") << "verify a --runtime="
+                                           << "--runtime must be a number from 0 to 4294967295";
+    QTest::newRow("bios version too large") << "verify a --bios 4294967296"
+                                            << "--bios must be a number from 0 to 4294967295";
+    for (const char *rate : {"0", "-1", "", "fast", "1000001"}) {
+        QTest::addRow("rate %s", rate) << QString("verify a --rate=") + rate
+                                       << "--rate must be a number of megabytes a second";
+    }
 }
 
 void TestMkpackageOptions::refused()
@@ -160,6 +179,30 @@ void TestMkpackageOptions::accepted()
     QTEST(options.header.target, "target");
 }
 
+void TestMkpackageOptions::verify()
+{
+    const Options options
+        = parseOptions({"verify", "a file.kpc", "--for", "RV-K21T", "--runtime", "12",
+                        "--oem=", "--bios", "4294967295", "--rate", "7", "--json"});
+    QCOMPARE(options.error, QString());
+    QVERIFY(options.task == Options::Task::Verify);
+    QCOMPARE(options.file, QString("a file.kpc"));
+    QCOMPARE(options.verify.name, options.file);
+    QVERIFY(options.verify.panel.model == QString("RV-K21T"));
+    QVERIFY(options.verify.panel.runtimeVersion == 12U);
+    QVERIFY(options.verify.panel.oem == QString("")); // of a panel that was never set up
+    QVERIFY(options.verify.panel.biosVersion == 4294967295U);
+    QCOMPARE(options.verify.rate, 7);
+    QVERIFY(options.json);
+
+    const Options plain = parseOptions({"verify", "a.kpc"});
+    QCOMPARE(plain.error, QString());
+    QVERIFY(!plain.verify.panel.model && !plain.verify.panel.runtimeVersion);
+    QVERIFY(!plain.verify.panel.oem && !plain.verify.panel.biosVersion);
+    QCOMPARE(plain.verify.rate, defaultRate);
+    QVERIFY(!plain.json);
+}
+
 void TestMkpackageOptions::warnings_data()
 {
     QTest::addColumn<PackageHeader>("header");
@@ -174,6 +217,7 @@ void TestMkpackageOptions::warnings_data()
         << QStringList{"a panel looks for packages of this kind by the extension .kpc"};
     QTest::newRow("bios image") << bios << "a.mo" << none;
     QTest::newRow("add-on") << bios << "a.pkg" << none;
+    QTest::newRow("add-on in capitals") << bios << "A.PKG" << none; // its picker takes any letters
     QTest::newRow("bios of another extension")
         << bios << "a.kpc"
         << QStringList{"a panel looks for packages of this kind by the extension .mo or .pkg"};

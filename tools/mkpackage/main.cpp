@@ -3,7 +3,9 @@
 #include "makepackage.h"
 #include "options.h"
 #include "packageinfo.h"
+#include "report.h"
 #include "system/debugtext.h"
+#include "system/filecopy.h"
 #include "system/textcodec.h"
 
 #include <QCoreApplication>
@@ -16,9 +18,11 @@ namespace {
 constexpr char usage[] =
     R"(Usage: talmero-mkpackage make --kind KIND --version N --target TEXT --output FILE FOLDER
        talmero-mkpackage info FILE
+       talmero-mkpackage verify FILE [--for MODEL] [--runtime N] [--oem NAME] [--bios N]
+                                [--rate MB] [--json]
        talmero-mkpackage --help | --version
 
-Makes and inspects packages for the panel's USB stick.
+Makes, inspects and checks packages for the panel's USB stick.
 
 make   Packs what is in FOLDER. The same contents give the same bytes.
   --kind KIND      application (.kpc), firmware (.fmw) or bios (.mo, add-ons .pkg)
@@ -30,11 +34,19 @@ make   Packs what is in FOLDER. The same contents give the same bytes.
 
 info   Shows the header and the contents of a package, and whether it is whole.
 
+verify Tells what a panel will say of a package, and whether it would do harm there.
+  --for MODEL      Asks for a panel of that model, and so do the next three:
+  --runtime N      with the runtime of that version
+  --oem NAME       with the OEM name
+  --bios N         with the settings program of that version
+  --rate MB        Megabytes a second that the panel unpacks; 10 if it is not given
+  --json           Prints one JSON object for programs.
+
 SOURCE_DATE_EPOCH is the time that the packed files get, in seconds since 1970;
 2000-01-01 if it is not set.
 
-Exit status: 0 done; 1 not made, or damaged; 2 wrong usage, or not readable, or
-standard output takes no more.
+Exit status: 0 done, or good; 1 not made, damaged, refused or dangerous; 2 wrong
+usage, or not readable, or standard output takes no more.
 )";
 constexpr char version[] = "talmero-mkpackage " PANEL_VERSION "\n";
 
@@ -112,6 +124,21 @@ int info(const Options &options)
     return open ? showPackage(options.file, out, errors) : int(WrongUsage);
 }
 
+int verify(const Options &options)
+{
+    QFile file;
+    const bool open = openPlainFile(file, options.file);
+    const Verification found = open ? verifyPackage(file, options.verify) : Verification();
+    if (!found.readable) {
+        say(stderr, "cannot read " + options.file);
+        return WrongUsage;
+    }
+    const QByteArray report
+        = options.json ? jsonReport(found, options.verify, options.file) : textReport(found);
+    std::fputs(report.constData(), stdout);
+    return isGood(found) ? Done : Failed;
+}
+
 int run(const Options &options)
 {
     if (!options.error.isEmpty()) {
@@ -123,6 +150,8 @@ int run(const Options &options)
         return make(options);
     case Options::Task::Info:
         return info(options);
+    case Options::Task::Verify:
+        return verify(options);
     case Options::Task::Version:
         std::fputs(version, stdout);
         return Done;

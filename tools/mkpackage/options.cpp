@@ -11,6 +11,10 @@ namespace {
 constexpr qint64 defaultFileTime = 946684800;            // 2000-01-01 00:00:00 UTC
 constexpr qint64 latestFileTime = (qint64(1) << 33) - 1; // eleven octal digits of a tar header
 constexpr QLatin1String targetOption("target");
+constexpr QLatin1String verifyOptions[]
+    = {QLatin1String("for"), QLatin1String("runtime"), QLatin1String("oem"), QLatin1String("bios"),
+       QLatin1String("rate")};
+constexpr int highestRate = 1'000'000; // MB/s
 constexpr QLatin1String makeOptions[]
     = {QLatin1String("kind"), QLatin1String("version"), targetOption, QLatin1String("output")};
 
@@ -20,15 +24,16 @@ struct Kind
     const char *name;
     const char *target; ///< what its target names; null if it is not used
     QStringList extensions;
+    Qt::CaseSensitivity extensionCase;
 };
 
 const Kind *findKind(PackageKind kind)
 {
     // clang-format off
     static const Kind kinds[] = {
-        {PackageKind::Application, "application", "panel model", {".kpc"}},
-        {PackageKind::Firmware,    "firmware",    "OEM name",    {".fmw"}},
-        {PackageKind::BiosImage,   "bios",        nullptr,       {".mo", ".pkg"}},
+        {PackageKind::Application, "application", "panel model", {".kpc"},         Qt::CaseSensitive},
+        {PackageKind::Firmware,    "firmware",    "OEM name",    {".fmw"},         Qt::CaseSensitive},
+        {PackageKind::BiosImage,   "bios",        nullptr,       {".mo", ".pkg"},  Qt::CaseInsensitive},
     };
     // clang-format on
     const auto *found = std::find_if(std::begin(kinds), std::end(kinds),
@@ -54,11 +59,6 @@ std::optional<qint64> parseNumber(const QString &text)
     bool fits = false;
     const qint64 number = text.toLongLong(&fits);
     return digits && fits ? std::optional(number) : std::nullopt;
-}
-
-bool isPrintableAscii(const QString &text)
-{
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u' ' && c <= u'~'; });
 }
 
 QString targetError(const Kind &kind, const QString &target)
@@ -96,14 +96,26 @@ QString readHeader(const QCommandLineParser &parser, PackageHeader &header)
     return targetError(*findKind(*kind), header.target);
 }
 
-QString readMakeOptions(const QCommandLineParser &parser, Options &options)
+/// Result: what is wrong if an option is there twice; empty if none is.
+QString findTwice(const QCommandLineParser &parser)
 {
-    for (const QLatin1String name : makeOptions) {
-        const qsizetype count = parser.values(name).size();
-        if (count > 1) {
+    const QStringList given = parser.optionNames();
+    for (const QString &name : given) {
+        if (given.count(name) > 1) {
             return QString("--%1 is given twice").arg(name);
         }
-        if (count == 0 && name != targetOption) {
+    }
+    return {};
+}
+
+QString readMakeOptions(const QCommandLineParser &parser, Options &options)
+{
+    QString twice = findTwice(parser);
+    if (!twice.isEmpty()) {
+        return twice;
+    }
+    for (const QLatin1String name : makeOptions) {
+        if (!parser.isSet(name) && name != targetOption) {
             return QString("--%1 is missing").arg(name);
         }
     }
@@ -148,6 +160,65 @@ Options parseInfo(const QStringList &arguments)
     return options;
 }
 
+/// Reads the option @p name into @p version. Result: what is wrong; empty if nothing is.
+QString readVersion(const QCommandLineParser &parser, const QString &name,
+                    std::optional<quint32> &version)
+{
+    const auto number = parseNumber(parser.value(name));
+    if (!parser.isSet(name)) {
+        return {};
+    }
+    if (!number || *number > std::numeric_limits<quint32>::max()) {
+        return QString("--%1 must be a number from 0 to 4294967295").arg(name);
+    }
+    version = quint32(*number);
+    return {};
+}
+
+std::optional<QString> readText(const QCommandLineParser &parser, const QString &name)
+{
+    return parser.isSet(name) ? std::optional(parser.value(name)) : std::nullopt;
+}
+
+QString readVerifyOptions(const QCommandLineParser &parser, Options &options)
+{
+    PanelFacts &panel = options.verify.panel;
+    for (const QString &wrong :
+         {findTwice(parser), readVersion(parser, "runtime", panel.runtimeVersion),
+          readVersion(parser, "bios", panel.biosVersion)}) {
+        if (!wrong.isEmpty()) {
+            return wrong;
+        }
+    }
+    panel.model = readText(parser, "for");
+    panel.oem = readText(parser, "oem");
+    options.json = parser.isSet("json");
+    if (parser.isSet("rate")) {
+        const auto rate = parseNumber(parser.value("rate"));
+        if (!rate || *rate < 1 || *rate > highestRate) {
+            return "--rate must be a number of megabytes a second";
+        }
+        options.verify.rate = int(*rate);
+    }
+    options.file = parser.positionalArguments().value(0);
+    options.verify.name = options.file;
+    return parser.positionalArguments().size() == 1 ? QString() : QString("verify takes one file");
+}
+
+Options parseVerify(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.addOption(QCommandLineOption("json"));
+    for (const QLatin1String name : verifyOptions) {
+        parser.addOption(QCommandLineOption(QString(name), QString(), "value"));
+    }
+    Options options;
+    options.task = Options::Task::Verify;
+    options.error = parser.parse(arguments) ? readVerifyOptions(parser, options)
+                                            : parser.errorText().section('\n', 0, 0);
+    return options;
+}
+
 Options withoutCommand(Options::Task task, const QString &error = {})
 {
     Options options;
@@ -169,6 +240,9 @@ Options parseOptions(const QStringList &arguments)
     if (command == QLatin1String("info")) {
         return parseInfo(arguments);
     }
+    if (command == QLatin1String("verify")) {
+        return parseVerify(arguments);
+    }
     if (command == QLatin1String("--version") && arguments.size() == 1) {
         return withoutCommand(Options::Task::Version);
     }
@@ -180,19 +254,25 @@ Options parseOptions(const QStringList &arguments)
 QStringList warningsFor(const PackageHeader &header, const QString &output)
 {
     QStringList warnings;
-    const QStringList extensions = findKind(header.kind)->extensions;
-    const bool found
-        = std::any_of(extensions.begin(), extensions.end(),
-                      [&output](const QString &extension) { return output.endsWith(extension); });
+    const Kind *kind = findKind(header.kind);
+    const bool found = std::any_of(kind->extensions.begin(), kind->extensions.end(),
+                                   [kind, &output](const QString &extension) {
+                                       return output.endsWith(extension, kind->extensionCase);
+                                   });
     if (!found) {
         warnings += QString("a panel looks for packages of this kind by the extension %1")
-                        .arg(extensions.join(" or "));
+                        .arg(kind->extensions.join(" or "));
     }
     if (header.kind == PackageKind::Firmware
         && header.version > quint32(std::numeric_limits<qint32>::max())) {
         warnings += QString("a panel shows this version as %1").arg(qint32(header.version));
     }
     return warnings;
+}
+
+bool isPrintableAscii(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u' ' && c <= u'~'; });
 }
 
 QString kindName(PackageKind kind)

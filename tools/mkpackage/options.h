@@ -1,6 +1,7 @@
 #pragma once
 
 #include "packages/packageheader.h"
+#include "verify.h"
 
 #include <QByteArray>
 #include <QString>
@@ -9,20 +10,22 @@
 /// Exit status of the program.
 enum ExitStatus : int {
     Done = 0,
-    Failed = 1,     ///< nothing was made, or the package is damaged
+    Failed = 1,     ///< nothing was made, or the package is damaged, refused or dangerous
     WrongUsage = 2, ///< the command line is wrong, or nothing can be said of the file to look at
 };
 
 /// What the command line asks for.
 struct Options
 {
-    enum class Task { Help, Version, Make, Info };
+    enum class Task { Help, Version, Make, Info, Verify };
 
     Task task = Task::Help;
     PackageHeader header; ///< of the package to make
     QString output;       ///< file to make
     QString folder;       ///< its contents go into the package
     QString file;         ///< package to look at
+    VerifyTask verify;    ///< what to ask of it
+    bool json = false;    ///< tell a program, not a person
     QString error;        ///< why the command line cannot be followed; empty if it can
 };
 
@@ -35,6 +38,8 @@ Options parseOptions(const QStringList &arguments);
 /// extension by which no page finds a package of this kind, a version that is shown as a negative
 /// number.
 QStringList warningsFor(const PackageHeader &header, const QString &output);
+
+bool isPrintableAscii(const QString &text);
 
 /// The name of a kind as the command line has it; empty for an unknown kind.
 QString kindName(PackageKind kind);

@@ -1,0 +1,184 @@
+#include "headerwalk.h"
+#include "paxrecords.h"
+
+#include <QTest>
+
+namespace {
+constexpr qsizetype blockSize = 512;
+
+QByteArray padded(QByteArray bytes)
+{
+    return bytes.append((blockSize - bytes.size() % blockSize) % blockSize, '\0');
+}
+
+/// A tar header of the type @p type. The walk looks neither at its name nor at its checksum.
+QByteArray header(char type, const QByteArray &size = "00000000000")
+{
+    QByteArray block = padded("name");
+    block.replace(100, 24, "0000644 0000000 0000000 ");
+    block.replace(124, size.size(), size);
+    block.replace(136, 12, QByteArray("07040000000\0", 12));
+    block[156] = type;
+    block.replace(257, 8, QByteArray("ustar  \0", 8));
+    return block;
+}
+
+/// One that describes the next member by @p content.
+QByteArray describing(char type, const QByteArray &content)
+{
+    return header(type, QByteArray::number(content.size(), 8).rightJustified(11, '0'))
+        + padded(content);
+}
+
+QByteArray with(QByteArray block, qsizetype offset, const QByteArray &field)
+{
+    return block.replace(offset, field.size(), field);
+}
+} // namespace
+
+class TestHeaderWalk : public QObject
+{
+    Q_OBJECT
+private slots:
+    void walks_data();
+    void walks();
+    void contents();
+    void paxRecords_data();
+    void paxRecords();
+};
+
+void TestHeaderWalk::walks_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("end"); // -1: no member
+    QTest::addColumn<QByteArray>("error");
+    const QByteArray file = header('0');
+    const QByteArray none;
+    const QByteArray number = "a number in a header that is none";
+    const QByteArray tooMuch = "too much that describes a member";
+
+    QTest::newRow("nothing") << none << -1 << none;
+    QTest::newRow("half a block") << file.left(511) << -1 << none;
+    QTest::newRow("end of the archive") << QByteArray(1024, '\0') << -1 << none;
+    QTest::newRow("file") << file << 512 << none;
+    QTest::newRow("old file") << header('\0') << 512 << none;
+    QTest::newRow("stops at the member") << file + header('Z') << 512 << none;
+    QTest::newRow("long name") << describing('L', QByteArray(513, 'n')) + file << 2048 << none;
+    QTest::newRow("empty description") << describing('x', "") + file << 1024 << none;
+    QTest::newRow("long name and long link")
+        << describing('K', "target") + describing('L', "name") + file << 2560 << none;
+    QTest::newRow("extended") << describing('x', "10 path=x\n") + file << 1536 << none;
+    QTest::newRow("extended by zeros")
+        << describing('L', QByteArray(512, '\0')) + file << 1536 << none;
+    QTest::newRow("extended, malformed") << describing('x', "11 path=x\n") + file << -1
+                                         << QByteArray("an extended header that is malformed");
+    QTest::newRow("of git") << describing('g', "13 comment=x\n") + file << 1536 << none;
+    QTest::newRow("a name for all") << describing('g', "10 path=x\n") + file << -1
+                                    << QByteArray("an extended header for all members");
+    QTest::newRow("eight descriptions") << describing('L', "n").repeated(8) + file << 8704 << none;
+    QTest::newRow("nine descriptions") << describing('L', "n").repeated(9) + file << -1 << tooMuch;
+    QTest::newRow("large description") << header('L', "00004000001") << -1 << tooMuch;
+    QTest::newRow("binary size of a description")
+        << header('L', QByteArray("\x80\0\0\0\0\0\0\0\0\0\0\1", 12)) << -1 << tooMuch;
+    for (const char type : {'8', 'M', 'N', 'S', 'V', 'X', 'Z', ' '}) {
+        QTest::addRow("type %c", type)
+            << header(type) << -1 << QByteArray("a member of an unusual type");
+    }
+
+    const QByteArray format = "a header of an unusual format";
+    QTest::newRow("of POSIX") << with(file, 257, QByteArray("ustar\00000", 8)) << 512 << none;
+    QTest::newRow("of old times") << with(file, 257, QByteArray(8, '\0')) << -1 << format;
+    QTest::newRow("of two formats") << with(file, 263, "0") << -1 << format;
+
+    QTest::newRow("blanks around a number") << header('0', "    1234   ") << 512 << none;
+    QTest::newRow("twelve digits") << header('0', "000000001234") << 512 << none;
+    QTest::newRow("binary size") << header('0', QByteArray("\x80\0\0\0\0\0\0\1\0\0\0\0", 12)) << 512
+                                 << none;
+    QTest::newRow("negative time")
+        << with(file, 136, QByteArray("\xff\xff\xff\xff\0\0\0\0\0\0\0\0", 12)) << 512 << none;
+    QTest::newRow("size of too many bytes")
+        << header('0', QByteArray("\x80\0\0\1\0\0\0\0\0\0\0\0", 12)) << -1 << number;
+    QTest::newRow("size of another sign") << header('0', QByteArray("\x81", 1)) << -1 << number;
+    QTest::newRow("no digits") << with(file, 100, "       ") << -1 << number;
+    QTest::newRow("letters in a mode") << with(file, 100, "0K") << -1 << number;
+    QTest::newRow("an eight in a user") << with(file, 114, "8") << -1 << number;
+    QTest::newRow("more behind a group")
+        << with(file, 116, QByteArray("0\0001", 3)) << -1 << number;
+    QTest::newRow("minus in a size") << with(file, 124, "-") << -1 << number;
+    QTest::newRow("letters in a time") << with(file, 140, "x") << -1 << number;
+    QTest::newRow("letters in a description's size")
+        << with(describing('x', "10 path=x\n"), 125, "K") << -1 << number;
+}
+
+void TestHeaderWalk::walks()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, end);
+    for (const qsizetype pieceSize : {blockSize, 3 * blockSize, qsizetype(65536)}) {
+        HeaderWalk walk(1024);
+        for (qsizetype at = 0; at < bytes.size(); at += pieceSize) {
+            walk.feed(QByteArrayView(bytes).sliced(at, std::min(pieceSize, bytes.size() - at)),
+                      1024 + at);
+        }
+        QTEST(QByteArray(walk.error()), "error");
+        QCOMPARE(walk.isDone(), end >= 0);
+        if (end >= 0) {
+            QCOMPARE(walk.end(), 1024 + end);
+        }
+    }
+}
+
+void TestHeaderWalk::contents()
+{
+    const auto hasContents = [](const QByteArray &size) {
+        HeaderWalk walk(0);
+        walk.feed(header('0', size), 0);
+        return walk.hasContents();
+    };
+    QVERIFY(!hasContents("00000000000"));
+    QVERIFY(!hasContents("      0    "));
+    QVERIFY(hasContents("00000000001"));
+    QVERIFY(hasContents(QByteArray("\x80\0\0\0\0\0\0\0\0\0\0\1", 12)));
+}
+
+void TestHeaderWalk::paxRecords_data()
+{
+    QTest::addColumn<QByteArray>("records");
+    QTest::addColumn<QByteArray>("error");
+    const QByteArray none;
+    const QByteArray malformed = "an extended header that is malformed";
+    QTest::newRow("none") << none << none;
+    QTest::newRow("two") << QByteArray("10 path=x\n10 size=3\n") << none;
+    QTest::newRow("value with a line feed") << QByteArray("12 path=x\ny\n") << none;
+    QTest::newRow("value with an equals sign") << QByteArray("12 path=x=y\n") << none;
+    QTest::newRow("no value") << QByteArray("8 path=\n") << none;
+    QTest::newRow("another key") << QByteArray("11 other=x\n") << none;
+    QTest::newRow("time") << QByteArray("17 mtime=-12.345\n") << none;
+    QTest::newRow("no length") << QByteArray("path=x\n") << malformed;
+    QTest::newRow("length alone") << QByteArray("3 \n") << malformed;
+    QTest::newRow("length of nothing") << QByteArray("0 path=x\n") << malformed;
+    QTest::newRow("length with a sign") << QByteArray("+10 path=x\n") << malformed;
+    QTest::newRow("length beyond the end") << QByteArray("11 path=x\n") << malformed;
+    QTest::newRow("length before the line feed") << QByteArray("8 path=x\n") << malformed;
+    QTest::newRow("length of many digits")
+        << QByteArray("99999999999999999999 path=x\n") << malformed;
+    QTest::newRow("no line feed") << QByteArray("10 path=xy") << malformed;
+    QTest::newRow("no equals sign") << QByteArray("10 path x\n") << malformed;
+    QTest::newRow("no key") << QByteArray("5 =x\n") << malformed;
+    QTest::newRow("zero byte") << QByteArray("11 path=x\0\n", 11) << malformed;
+    QTest::newRow("size that is none") << QByteArray("11 size=3x\n") << malformed;
+    QTest::newRow("negative user") << QByteArray("10 uid=-1\n") << malformed;
+    QTest::newRow("time that is none") << QByteArray("11 mtime=-\n") << malformed;
+    QTest::newRow("time with two points") << QByteArray("15 mtime=1.2.3\n") << malformed;
+    QTest::newRow("holes") << QByteArray("22 GNU.sparse.major=1\n")
+                           << QByteArray("a file with holes");
+}
+
+void TestHeaderWalk::paxRecords()
+{
+    QFETCH(QByteArray, records);
+    QTEST(QByteArray(findPaxError(records, false)), "error");
+}
+
+QTEST_GUILESS_MAIN(TestHeaderWalk)
+#include "tst_headerwalk.moc"

@@ -1,0 +1,100 @@
+#include "gzipreader.h"
+
+#include <QIODevice>
+
+#include <algorithm>
+
+namespace {
+constexpr qsizetype pieceSize = 65536; // bytes
+constexpr int gzipWindow = 15 + 16;    // the largest one, and gzip's header and trailer
+constexpr char firstByte = '\x1f';     // of each stream
+
+Bytef *bytesOf(QByteArray &array)
+{
+    return reinterpret_cast<Bytef *>(array.data()); // the library's name for the same bytes
+}
+
+/// By comparing each byte with its neighbour, at the speed of memory: bombs are of zeros.
+bool isZero(QByteArrayView piece)
+{
+    return piece.isEmpty() || (piece.front() == '\0' && piece.sliced(1) == piece.chopped(1));
+}
+} // namespace
+
+GzipReader::GzipReader(QIODevice &device, qint64 limit)
+    : m_device(device)
+    , m_limit(limit)
+    , m_input(pieceSize, '\0')
+    , m_output(pieceSize, '\0')
+{
+    if (inflateInit2(&m_stream, gzipWindow) != Z_OK) {
+        fail("there is no memory to unpack it");
+    }
+}
+
+GzipReader::~GzipReader()
+{
+    inflateEnd(&m_stream);
+}
+
+QByteArrayView GzipReader::read()
+{
+    m_stream.next_out = bytesOf(m_output);
+    m_stream.avail_out = uInt(m_output.size());
+    while (m_state == State::Reading && m_stream.avail_out > 0) {
+        if (m_stream.avail_in > 0 || refill()) {
+            unpack();
+        }
+    }
+    const QByteArrayView piece(m_output.constData(), m_output.size() - m_stream.avail_out);
+    if (!isZero(piece)) {
+        const auto last = std::find_if(piece.rbegin(), piece.rend(), [](char c) { return c != 0; });
+        m_contentEnd = m_unpackedSize + (piece.rend() - last);
+    }
+    m_unpackedSize += piece.size();
+    if (m_state == State::Reading && m_unpackedSize > m_limit) {
+        m_state = State::TooLarge;
+    }
+    return piece;
+}
+
+/// Result: false if there is no more input, which decides how the data ends.
+bool GzipReader::refill()
+{
+    const qint64 size = m_device.read(m_input.data(), m_input.size());
+    if (size < 0) {
+        m_state = State::Unreadable;
+    } else if (size == 0 && m_betweenStreams && m_hasStream) {
+        m_state = State::Whole;
+    } else if (size == 0) {
+        fail(QLatin1String(m_packedSize == 0 ? "there is no archive behind the header"
+                                             : "cut off at the end"));
+    }
+    m_packedSize += std::max<qint64>(size, 0);
+    m_stream.next_in = bytesOf(m_input);
+    m_stream.avail_in = uInt(std::max<qint64>(size, 0));
+    return size > 0;
+}
+
+void GzipReader::unpack()
+{
+    if (m_betweenStreams && m_hasStream && char(*m_stream.next_in) != firstByte) {
+        fail("something else stands behind it");
+        return;
+    }
+    m_betweenStreams = false;
+    const int result = inflate(&m_stream, Z_NO_FLUSH);
+    if (result == Z_STREAM_END) {
+        m_betweenStreams = true;
+        m_hasStream = true;
+        inflateReset(&m_stream);
+    } else if (result != Z_OK && result != Z_BUF_ERROR) {
+        fail(m_stream.msg != nullptr ? QString::fromLatin1(m_stream.msg) : QString("no gzip data"));
+    }
+}
+
+void GzipReader::fail(const QString &error)
+{
+    m_state = State::Damaged;
+    m_error = error;
+}

@@ -1,0 +1,99 @@
+#include "report.h"
+
+#include "options.h"
+#include "packageinfo.h"
+#include "system/commandline.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+constexpr qsizetype levelWidth = 9; // characters, with blanks behind
+constexpr qsizetype checkWidth = 8;
+
+QByteArray counted(int count, const char *what)
+{
+    return QByteArray::number(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
+QByteArray verdictText(const Findings &findings)
+{
+    const int errors = findings.count(Level::Error);
+    const int warnings = findings.count(Level::Warning);
+    QByteArrayList counts;
+    if (errors > 0) {
+        counts += counted(errors, "error");
+    }
+    if (warnings > 0) {
+        counts += counted(warnings, "warning");
+    }
+    const QByteArray verdict
+        = errors > 0 ? "bad: do not put it on a stick" : "good: it may go on a stick";
+    return verdict + (counts.isEmpty() ? QByteArray() : " (" + counts.join(", ") + ')') + '\n';
+}
+
+QString json(const QByteArray &text)
+{
+    return QString::fromLatin1(text);
+}
+
+QJsonValue headerObject(const std::optional<PackageHeader> &header)
+{
+    if (!header) {
+        return QJsonValue::Null;
+    }
+    const QString kind = kindName(header->kind);
+    return QJsonObject{
+        {"kind", kind.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(kind)},
+        {"kindNumber", qint64(header->kind)},
+        {"version", qint64(header->version)},
+        {"target", json(printable(header->target))},
+    };
+}
+
+QJsonArray findingArray(const Findings &findings)
+{
+    QJsonArray array;
+    for (const Finding &finding : findings.list()) {
+        array += QJsonObject{{"level", json(levelName(finding.level))},
+                             {"check", json(checkName(finding.check))},
+                             {"text", finding.text}};
+    }
+    return array;
+}
+} // namespace
+
+bool isGood(const Verification &verification)
+{
+    return verification.findings.count(Level::Error) == 0;
+}
+
+QByteArray textReport(const Verification &verification)
+{
+    QByteArray text;
+    for (const Finding &finding : verification.findings.list()) {
+        text += levelName(finding.level).leftJustified(levelWidth)
+            + checkName(finding.check).leftJustified(checkWidth) + finding.text.toLatin1() + '\n';
+    }
+    return text + verdictText(verification.findings);
+}
+
+QByteArray jsonReport(const Verification &verification, const VerifyTask &task, const QString &path)
+{
+    const QJsonObject report{
+        {"file", json(printable(path))},
+        {"good", isGood(verification)},
+        {"errors", verification.findings.count(Level::Error)},
+        {"warnings", verification.findings.count(Level::Warning)},
+        {"header", headerObject(verification.header)},
+        {"packedBytes", verification.packedSize},
+        {"unpackedBytes", verification.unpackedSize},
+        {"entries", verification.count},
+        {"seconds", verification.seconds},
+        {"limitSeconds", std::chrono::duration<double>(unpackLimit).count()},
+        {"megabytesPerSecond", task.rate},
+        {"findings", findingArray(verification.findings)},
+    };
+    return QJsonDocument(report).toJson(QJsonDocument::Compact) + '\n';
+}

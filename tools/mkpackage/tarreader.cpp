@@ -1,0 +1,128 @@
+#include "tarreader.h"
+
+#include "gzipreader.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <algorithm>
+
+namespace {
+constexpr qint64 highestOwner = 4294967295;
+
+TarMember::Type typeOf(archive_entry *entry)
+{
+    if (archive_entry_hardlink(entry) != nullptr) {
+        return TarMember::Type::HardLink;
+    }
+    switch (archive_entry_filetype(entry)) {
+    case AE_IFREG:
+        return TarMember::Type::File;
+    case AE_IFDIR:
+        return TarMember::Type::Folder;
+    case AE_IFLNK:
+        return TarMember::Type::SymLink;
+    case AE_IFCHR:
+    case AE_IFBLK:
+        return TarMember::Type::Device;
+    case AE_IFIFO:
+        return TarMember::Type::Pipe;
+    default:
+        return TarMember::Type::Other;
+    }
+}
+
+TarMember describe(archive_entry *entry)
+{
+    TarMember member;
+    member.type = typeOf(entry);
+    member.name = archive_entry_pathname(entry);
+    member.target = member.type == TarMember::Type::HardLink ? archive_entry_hardlink(entry)
+                                                             : archive_entry_symlink(entry);
+    member.mode = quint32(archive_entry_perm(entry));
+    member.user = archive_entry_uid(entry);
+    member.group = archive_entry_gid(entry);
+    member.size = archive_entry_size(entry);
+    return member;
+}
+
+bool isOwner(qint64 number)
+{
+    return number >= 0 && number <= highestOwner;
+}
+} // namespace
+
+TarReader::TarReader(GzipReader &gzip)
+    : m_gzip(gzip)
+    , m_handle(archive_read_new())
+{
+    archive_read_support_format_tar(m_handle);
+    archive_read_open(m_handle, this, nullptr, readPiece, nullptr); // next() tells if it fails
+}
+
+TarReader::~TarReader()
+{
+    archive_read_free(m_handle);
+}
+
+ssize_t TarReader::readPiece(archive *, void *reader, const void **buffer)
+{
+    auto *self = static_cast<TarReader *>(reader);
+    self->m_pieceStart += self->m_piece.size();
+    self->m_piece = self->m_gzip.read();
+    self->m_walk.feed(self->m_piece, self->m_pieceStart);
+    *buffer = self->m_piece.data();
+    return self->m_walk.error() == nullptr ? self->m_piece.size() : 0; // it shall look no further
+}
+
+TarReader::Step TarReader::next(TarMember &member)
+{
+    // By itself, so that it is known where a member ends.
+    int result = m_hasMember ? archive_read_data_skip(m_handle) : ARCHIVE_OK;
+    m_hasMember = true;
+    m_membersEnd = archive_filter_bytes(m_handle, 0);
+    m_walk = HeaderWalk(m_membersEnd);
+    m_walk.feed(m_piece, m_pieceStart);
+    archive_entry *entry = nullptr;
+    if (result == ARCHIVE_OK && m_walk.error() == nullptr) {
+        result = archive_read_next_header(m_handle, &entry);
+    }
+    if (m_walk.error() != nullptr) {
+        m_error = QLatin1String(m_walk.error());
+        return Step::Damaged;
+    }
+    if (result == ARCHIVE_EOF) {
+        return Step::End;
+    }
+    if (result != ARCHIVE_OK) { // a mere warning too: tar may see something else then
+        m_error = QString::fromLatin1(archive_error_string(m_handle));
+        return Step::Damaged;
+    }
+    member = describe(entry);
+    m_error = headerError(entry, member);
+    return m_error.isEmpty() ? Step::Member : Step::Damaged;
+}
+
+QByteArray TarReader::content(qsizetype size)
+{
+    QByteArray bytes(size, '\0');
+    const la_ssize_t read = archive_read_data(m_handle, bytes.data(), size_t(size));
+    return bytes.left(std::max<qsizetype>(read, 0));
+}
+
+/// What tar and the library that reads here could take for different things.
+QString TarReader::headerError(archive_entry *entry, const TarMember &member) const
+{
+    if (archive_entry_sparse_count(entry) > 0) {
+        return "a file with holes";
+    }
+    if (!m_walk.isDone() || m_walk.end() != archive_filter_bytes(m_handle, 0)) {
+        return "a header that is not where it should be";
+    }
+    if (!isOwner(member.user) || !isOwner(member.group)) {
+        return "an owner that cannot be";
+    }
+    const bool mayHaveContents = member.type == TarMember::Type::File;
+    return mayHaveContents || !m_walk.hasContents() ? QString()
+                                                    : "contents of a member that can have none";
+}

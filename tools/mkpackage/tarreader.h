@@ -1,0 +1,61 @@
+#pragma once
+
+#include "headerwalk.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+
+class GzipReader;
+struct archive;
+struct archive_entry;
+
+/// A member of a tar archive, as its header has it.
+struct TarMember
+{
+    enum class Type { File, Folder, SymLink, HardLink, Device, Pipe, Other };
+
+    QByteArray name;
+    QByteArray target; ///< of a link
+    Type type = Type::File;
+    quint32 mode = 0644; ///< with the special bits
+    qint64 user = 0;
+    qint64 group = 0;
+    qint64 size = 0; ///< of a file, holes included
+};
+
+/// Reads a tar archive member by member, and nothing but their headers unless asked.
+class TarReader
+{
+public:
+    enum class Step { Member, End, Damaged };
+
+    explicit TarReader(GzipReader &gzip);
+    ~TarReader();
+    Q_DISABLE_COPY(TarReader)
+
+    /// Goes on to the next member and describes it in @p member.
+    Step next(TarMember &member);
+
+    /// The first @p size bytes of the member, of which nothing has been read.
+    QByteArray content(qsizetype size);
+
+    /// After Damaged: in what way.
+    QString error() const { return m_error; }
+
+    /// After End: where the last member ended in the unpacked data.
+    qint64 membersEnd() const { return m_membersEnd; }
+
+private:
+    static ssize_t readPiece(archive *handle, void *reader, const void **buffer);
+    QString headerError(archive_entry *entry, const TarMember &member) const;
+
+    GzipReader &m_gzip;
+    archive *m_handle;
+    bool m_hasMember = false;
+    QByteArrayView m_piece;
+    qint64 m_pieceStart = 0; ///< in the unpacked data
+    HeaderWalk m_walk;
+    qint64 m_membersEnd = 0;
+    QString m_error;
+};
