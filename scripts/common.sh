@@ -8,6 +8,8 @@ export project_root
 # shellcheck disable=SC2034
 build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev)
 # shellcheck disable=SC2034
+package_packages=(dpkg-dev debhelper git)
+# shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy cppcheck shellcheck)
 # shellcheck disable=SC2034
 coverage_packages=(gcovr)
