@@ -52,9 +52,9 @@ build() {
     local log=$folder/log
     rm -rf "$folder"
     mkdir -p "$folder/talmero-bios"
-    list_sources | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios"
+    list_sources | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
     [ -e "$folder/talmero-bios/debian/control" ] ||
-        die "this is no git checkout, from which the list of files is taken"
+        die "the files could not be copied to $folder: this must be a git checkout, and have room"
     (cd "$folder/talmero-bios" &&
         dpkg-buildpackage --no-sign --build=full) >"$log" 2>&1 ||
         die "the build failed, see $log: $(grep -m 1 -E 'error:|Error:|No space' "$log" || tail -n 1 "$log")"
@@ -66,8 +66,8 @@ sums() {
 }
 
 install_packages "${build_packages[@]}" "${package_packages[@]}"
-for folder in . "$work" "$output"; do
-    [ ! -e "$folder" ] || [ -w "$folder" ] || die "cannot write in $PWD/$folder: it belongs to another user"
+for folder in "$PWD" "$PWD/$work" "$PWD/$output"; do
+    [ ! -e "$folder" ] || [ -w "$folder" ] || die "cannot write in $folder: it belongs to another user"
 done
 SOURCE_DATE_EPOCH=$(source_date)
 export SOURCE_DATE_EPOCH

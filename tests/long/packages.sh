@@ -88,23 +88,23 @@ check_units() {
     echo "systemd accepts the units"
 }
 
+# in_cgroups SCRIPT: with all cgroups mounted at /mnt, unseen by others
+in_cgroups() {
+    # shellcheck disable=SC2016 # the inner shell expands it
+    unshare --mount bash -c 'mount -t cgroup2 cgroup /mnt && eval "$1"' in_cgroups "$1"
+}
+
 # systemd wants a cgroup that it may divide; it is ours and goes with us.
 boot() {
-    local own group status=0
-    own=$(sed -n 's/^0:://p' /proc/self/cgroup)
-    group=${own%/}/talmero-packages-$$
+    group=/mnt$(sed -n 's/^0:://p' /proc/self/cgroup)/talmero-packages-$$
+    export group work root
     # shellcheck disable=SC2016
-    unshare --mount bash -c '
-        mount -t cgroup2 cgroup /mnt && mkdir "/mnt$0" && echo $$ >"/mnt$0/cgroup.procs" &&
-            umount /mnt && exec "$@"' "$group" \
-        simulator/panel --no-files --share "$work/pictures" -- \
-        tests/packages/boot-installed.sh "$root" \
-        tests/packages/session.sh build/tests/sessiontouches "$work/pictures" || status=$?
+    trap "in_cgroups 'find \"\$group\" -depth -type d -exec rmdir {} +'" EXIT
     # shellcheck disable=SC2016
-    unshare --mount bash -c '
-        mount -t cgroup2 cgroup /mnt && find "/mnt$0" -depth -type d -exec rmdir {} +' "$group" ||
-        echo "a cgroup $group is left" >&2
-    return "$status"
+    in_cgroups 'mkdir "$group" && echo $$ >"$group/cgroup.procs" && umount /mnt &&
+        exec simulator/panel --no-files --share "$work/pictures" -- \
+            tests/packages/boot-installed.sh "$root" \
+            tests/packages/session.sh build/tests/sessiontouches "$work/pictures"'
 }
 
 if [ "$keep_root" = no ]; then

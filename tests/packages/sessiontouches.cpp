@@ -106,9 +106,12 @@ struct Step
     void (*run)();
 };
 const Step steps[] = {
-    {QLatin1String("runtime"), waitForRuntime},   {QLatin1String("settings"), stopCountDown},
-    {QLatin1String("package"), installPackage},   {QLatin1String("lease"), obtainLease},
-    {QLatin1String("calibration"), calibrate},    {QLatin1String("status"), showStatus},
+    {QLatin1String("runtime"), waitForRuntime},
+    {QLatin1String("settings"), stopCountDown},
+    {QLatin1String("package"), installPackage},
+    {QLatin1String("lease"), obtainLease},
+    {QLatin1String("calibration"), calibrate},
+    {QLatin1String("status"), showStatus},
     {QLatin1String("countdown"), [] { require("the countdown", showsCountDown); }},
 };
 
