@@ -31,6 +31,7 @@ page_names_every_key() {
 page_names_every_file() {
     local path
     while read -r path; do
+        path=${path%%%*} # a number is filled in there
         grep -qF -- "${path%/}" "$root/src/talmero-bios.1" || { echo "$path is missing" && return 1; }
     done < <(sed -n 's/.*\[\] = "\(.*\)";/\1/p' "$root/src/system/paths.h")
 }
