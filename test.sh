@@ -28,7 +28,7 @@ case "${1:-}" in
 esac
 
 need_root
-needed=("${build_packages[@]}" "${panel_packages[@]}" "${valgrind_packages[@]}")
+needed=("${build_packages[@]}" "${panel_packages[@]}" "${test_packages[@]}" "${valgrind_packages[@]}")
 # all code is checked, also that of benchmarks
 [ "$quick" = yes ] ||
     needed+=("${check_packages[@]}" "${bench_packages[@]}" "${fuzz_packages[@]}")

@@ -15,7 +15,7 @@ sources() {
 mapfile -t code < <(sources '*.cpp' '*.h')
 mapfile -t units < <(sources '*.cpp')
 mapfile -t headers < <(sources '*.h')
-mapfile -t scripts < <(sources '*.sh' .ci/run simulator | while read -r file; do
+mapfile -t scripts < <(sources '*.sh' .ci/run simulator compat | while read -r file; do
     if head -n 1 "$file" | grep -qE '^#!.*\b(ba)?sh\b' || [[ $file == *.sh ]]; then echo "$file"; fi
 done)
 

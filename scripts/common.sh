@@ -9,7 +9,13 @@ export project_root
 build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
     libarchive-dev zlib1g-dev)
 # shellcheck disable=SC2034
-check_packages=(clang-format clang-tidy cppcheck mandoc shellcheck)
+package_packages=(dpkg-dev debhelper git)
+# shellcheck disable=SC2034
+clean_root_packages=(debootstrap lintian)
+# shellcheck disable=SC2034
+test_packages=(mandoc)
+# shellcheck disable=SC2034
+check_packages=(clang-format clang-tidy cppcheck shellcheck)
 # shellcheck disable=SC2034
 coverage_packages=(gcovr)
 # shellcheck disable=SC2034
@@ -72,17 +78,18 @@ is_installed() {
 
 # Installs what is missing of the given Debian packages. Says and does nothing if all are there.
 install_packages() {
-    local package missing=()
+    local package said missing=()
     for package in "$@"; do
         is_installed "$package" || missing+=("$package")
     done
     [ "${#missing[@]}" -gt 0 ] || return 0
     echo "Installing: ${missing[*]}"
     need_root
-    as_root apt-get update -qq || die "apt-get update failed: is there a network?"
-    as_root env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
-        die "apt-get could not install: ${missing[*]}"
+    # What is wrong with a source matters only if a package does not come. One line says it then.
+    as_root apt-get update -qq >/dev/null 2>&1 || true
+    said=$(as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" 2>&1 >/dev/null) ||
+        die "could not install ${missing[*]}; is there a network? $(grep -m 1 '^E:' <<<"$said")"
 }
 
 # Configures and builds a preset of CMakePresets.json: build_preset PRESET [TARGET...], all targets

@@ -3,43 +3,8 @@
 set -u
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$(cd "${1:?build folder}" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-panel() {
-    "$root/simulator/panel" --build "$build" "$@"
-}
-
-# check NAME COMMAND...: the command must succeed
-check() {
-    local name=$1
-    shift
-    if "$@" >"$work/output" 2>&1; then
-        echo "PASS   : $name"
-    else
-        echo "FAIL!  : $name"
-        sed 's/^/         /' "$work/output"
-        failures=$((failures + 1))
-    fi
-}
-
-# status EXPECTED COMMAND...
-status() {
-    local expected=$1
-    shift
-    "$@"
-    local actual=$?
-    [ "$actual" -eq "$expected" ] || { echo "status $actual, not $expected" && return 1; }
-}
-
-# says PATTERN COMMAND...: the output must hold a line that matches
-says() {
-    local pattern=$1
-    shift
-    "$@" 2>&1 | tee "$work/said"
-    grep -qE -- "$pattern" "$work/said"
-}
+# shellcheck source=tests/support/checks.sh
+source "$root/tests/support/checks.sh"
 
 is_picture() { # FILE SIZE: a PNG of that size that is not of one colour
     [ "$(identify -format %wx%h "$1")" = "$2" ] && [ "$(identify -format %k "$1")" -gt 50 ]

@@ -1,6 +1,7 @@
 #include "findings.h"
 
 #include "packageinfo.h"
+#include "system/debugtext.h"
 #include "system/textcodec.h"
 
 namespace {

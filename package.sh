@@ -1,0 +1,87 @@
+#!/usr/bin/env bash
+# Builds the Debian packages of the program, its tools and what a panel needs besides.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+# shellcheck source=scripts/common.sh
+. scripts/common.sh
+
+usage() {
+    cat <<'TEXT'
+Usage: ./package.sh [OPTION]
+
+Installs what is missing, builds the Debian packages from the files of this checkout
+and puts them into dist/. Runs no tests: ./test.sh does. Root or sudo is needed only
+where something is missing.
+
+  --check   Builds twice, in folders of different names, and fails unless both give
+            the same packages byte for byte.
+  --help    Shows this text.
+TEXT
+}
+
+check=no
+[ $# -le 1 ] || { usage >&2 && exit 2; }
+case "${1:-}" in
+    "") ;;
+    --check) check=yes ;;
+    --help) usage && exit 0 ;;
+    *) usage >&2 && exit 2 ;;
+esac
+
+umask 022 # what is packed has the same rights whoever builds it
+work=build-package
+output=dist
+
+# The files of the checkout, changed ones as they are now, without what was built.
+list_sources() {
+    # the checkout may belong to another user, of whom git would be wary
+    git -c safe.directory='*' ls-files -z --cached --others --exclude-standard 2>/dev/null |
+        while IFS= read -r -d '' file; do
+            [ ! -e "$file" ] || printf '%s\0' "$file"
+        done
+}
+
+# One time for all that is packed: the last commit's, or else the changelog's.
+source_date() {
+    git -c safe.directory='*' log -1 --format=%ct 2>/dev/null || dpkg-parsechangelog --show-field Timestamp
+}
+
+# build NAME: leaves the packages in build-package/NAME
+build() {
+    local folder=$work/$1
+    local log=$folder/log
+    rm -rf "$folder"
+    mkdir -p "$folder/talmero-bios"
+    list_sources | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
+    [ -e "$folder/talmero-bios/debian/control" ] ||
+        die "the files could not be copied to $folder: this must be a git checkout, and have room"
+    (cd "$folder/talmero-bios" &&
+        dpkg-buildpackage --no-sign --build=full) >"$log" 2>&1 ||
+        die "the build failed, see $log: $(grep -m 1 -E 'error:|Error:|No space' "$log" || tail -n 1 "$log")"
+}
+
+# Packages and their sums, as dpkg-buildpackage left them in a folder.
+sums() {
+    (cd "$work/$1" && sha256sum -- *.deb *.dsc *.tar.xz)
+}
+
+install_packages "${build_packages[@]}" "${package_packages[@]}"
+for folder in "$PWD" "$PWD/$work" "$PWD/$output"; do
+    [ ! -e "$folder" ] || [ -w "$folder" ] || die "cannot write in $folder: it belongs to another user"
+done
+SOURCE_DATE_EPOCH=$(source_date)
+export SOURCE_DATE_EPOCH
+
+echo "Building the packages"
+build first
+if [ "$check" = yes ]; then
+    echo "Building them again"
+    build second-time
+    different=$(diff <(sums first) <(sums second-time) | sed -n 's/^< [0-9a-f]*  //p') || true
+    [ -z "$different" ] || die "not the same bytes twice: ${different//$'\n'/ }"
+    echo "Both builds gave the same bytes"
+fi
+rm -rf "$output"
+mkdir "$output"
+cp "$work"/first/*.{deb,dsc,tar.xz,buildinfo,changes} "$output"
+(cd "$output" && ls -sh -- *.deb)
