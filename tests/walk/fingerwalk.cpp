@@ -14,7 +14,7 @@ constexpr int moodLength = 60;   // steps between two changes of how the tools b
 constexpr int rescueHold = 2600; // ms: more than two seconds, seen by a poll
 constexpr int longestHold = 120; // ms of the others
 constexpr int dragSteps = 4;
-constexpr int candidates = 3;   // of which one is touched
+constexpr int candidates = 30;  // of which one is touched
 constexpr int waitForTouch = 5; // ms
 
 bool canBeTouched(const QWidget *widget)

@@ -4,6 +4,7 @@
 #include "packageinfo.h"
 #include "packages/packagecheck.h"
 #include "packages/packagerefusal.h"
+#include "system/debugtext.h"
 #include "system/paths.h"
 #include "system/textcodec.h"
 #include "system/versionfiles.h"

@@ -3,6 +3,7 @@
 #include "options.h"
 #include "packageinfo.h"
 #include "system/commandline.h"
+#include "system/debugtext.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
