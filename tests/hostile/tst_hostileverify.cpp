@@ -35,7 +35,7 @@ Verification verifyFile(const QByteArray &path)
 QStringList errorsOf(const Verification &found, const QByteArray &check = {})
 {
     QStringList errors;
-    for (const Finding &finding : found.findings.list()) {
+    for (const PackageFinding &finding : found.findings.list()) {
         if (finding.level == Level::Error
             && (check.isEmpty() || checkName(finding.check) == check)) {
             errors += finding.text;

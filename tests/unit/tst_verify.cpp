@@ -34,7 +34,7 @@ Verification verifiedArchive(const QByteArray &archive, int rate = defaultRate)
 QByteArrayList linesOf(const Verification &found)
 {
     QByteArrayList lines;
-    for (const Finding &finding : found.findings.list()) {
+    for (const PackageFinding &finding : found.findings.list()) {
         if (finding.level != Level::Ok) {
             lines += levelName(finding.level) + ' ' + checkName(finding.check) + ' '
                 + finding.text.toUtf8();

@@ -55,7 +55,7 @@ void TestVerifyReport::manyFindings()
     findings.add(Check::Names, Level::Ok, "fine");
     findings.add(Check::Header, Level::Ok, "first");
     QStringList texts;
-    for (const Finding &finding : findings.list()) {
+    for (const PackageFinding &finding : findings.list()) {
         texts += finding.text;
     }
     QCOMPARE(texts, (QStringList{"first", "0", "1", "2", "and 997 more"}));

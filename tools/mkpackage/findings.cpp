@@ -41,9 +41,9 @@ int Findings::count(Level level) const
     return sum;
 }
 
-QList<Finding> Findings::list() const
+QList<PackageFinding> Findings::list() const
 {
-    QList<Finding> findings;
+    QList<PackageFinding> findings;
     for (auto group = m_groups.begin(); group != m_groups.end(); ++group) {
         const auto [check, level] = group.key();
         if (level == Level::Ok && (has(check, Level::Warning) || has(check, Level::Error))) {

@@ -10,7 +10,7 @@ enum class Check { Header, Gzip, Tar, Names, Links, Rights, Size, Time, Panel };
 
 enum class Level { Ok, Warning, Error };
 
-struct Finding
+struct PackageFinding
 {
     Check check;
     Level level;
@@ -32,7 +32,7 @@ public:
     int count(Level level) const;
 
     /// Sorted by their checks. A last one of each sort tells how many more there are.
-    QList<Finding> list() const;
+    QList<PackageFinding> list() const;
 
 private:
     struct Group

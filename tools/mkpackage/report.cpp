@@ -56,7 +56,7 @@ QJsonValue headerObject(const std::optional<PackageHeader> &header)
 QJsonArray findingArray(const Findings &findings)
 {
     QJsonArray array;
-    for (const Finding &finding : findings.list()) {
+    for (const PackageFinding &finding : findings.list()) {
         array += QJsonObject{{"level", json(levelName(finding.level))},
                              {"check", json(checkName(finding.check))},
                              {"text", finding.text}};
@@ -73,7 +73,7 @@ bool isGood(const Verification &verification)
 QByteArray textReport(const Verification &verification)
 {
     QByteArray text;
-    for (const Finding &finding : verification.findings.list()) {
+    for (const PackageFinding &finding : verification.findings.list()) {
         text += levelName(finding.level).leftJustified(levelWidth)
             + checkName(finding.check).leftJustified(checkWidth) + finding.text.toLatin1() + '\n';
     }
