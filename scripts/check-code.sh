@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
 # Checks format and code: clang-format, cppcheck, clang-tidy, shellcheck, mandoc, and who includes
 # whom.
-# Usage: scripts/check-code.sh BUILD_FOLDER (configured, for its compile_commands.json)
+# Usage: scripts/check-code.sh BUILD_FOLDER [--tests]
+# The folder must be configured, for its compile_commands.json. clang-tidy looks at the tests only
+# with --tests, which takes as long again: each run of test.sh runs them with the sanitizers.
 # A file that was found clean is not looked at again until it or a header changes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=${1:?build folder}
+tested=':!tests'
+[ "${2:-}" != --tests ] || tested='*.cpp'
 
 sources() {
     # the checkout may belong to another user, of whom git would be wary
@@ -14,6 +18,7 @@ sources() {
 
 mapfile -t code < <(sources '*.cpp' '*.h')
 mapfile -t units < <(sources '*.cpp')
+mapfile -t tidied < <(sources '*.cpp' "$tested")
 mapfile -t headers < <(sources '*.h')
 mapfile -t scripts < <(sources '*.sh' .ci/run simulator compat | while read -r file; do
     if head -n 1 "$file" | grep -qE '^#!.*\b(ba)?sh\b' || [[ $file == *.sh ]]; then echo "$file"; fi
@@ -94,7 +99,7 @@ stamps=$build/clang-tidy
 mkdir -p "$stamps"
 state=$(cat .clang-tidy tests/.clang-tidy "${headers[@]}" | sha256sum | cut -d' ' -f1)
 pending=()
-for unit in "${units[@]}"; do
+for unit in "${tidied[@]}"; do
     stamp=$stamps/${unit//\//_}
     hash=$(sha256sum "$unit" | cut -d' ' -f1)
     [ "$(cat "$stamp" 2>/dev/null)" = "$state $hash" ] || pending+=("$unit")
