@@ -8,20 +8,25 @@
 namespace {
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 
-constexpr char lastWhiteSpace = ' '; // none of ASCII is above it, and controls are rare
+constexpr char blank = ' '; // all other white space of ASCII is below it
+
+bool isLow(char byte)
+{
+    return byte >= 0 && byte <= blank;
+}
 
 /// Whether @p line needs no simplifying, as those that the program wrote. May say no wrongly.
+/// Looks at all bytes in any case: the compiler makes a fast loop of that.
 bool isSimple(QByteArrayView line)
 {
-    char before = lastWhiteSpace;
-    for (const char byte : line) {
-        const bool isLow = byte >= 0 && byte <= lastWhiteSpace;
-        if (isLow && (byte != lastWhiteSpace || before == lastWhiteSpace)) {
-            return false;
-        }
-        before = byte;
+    if (line.isEmpty() || isLow(line.front()) || isLow(line.back())) {
+        return false;
     }
-    return before != lastWhiteSpace;
+    bool found = false;
+    for (qsizetype at = 1; at < line.size(); ++at) {
+        found |= isLow(line[at]) & ((line[at] != blank) | (line[at - 1] == blank));
+    }
+    return !found;
 }
 } // namespace
 
