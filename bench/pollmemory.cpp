@@ -27,13 +27,13 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     BiosInterface window;
     poll(window, pollsBefore);
-    const double before = memoryUse("VmRSS:");
+    const double before = memoryUse("RssAnon:");
     const auto begin = now();
     poll(window, pollsPerHour);
     ResultTable table;
     table.addFigure("one rescue poll, tools returning at once",
                     millisecondsSince(begin) / pollsPerHour, "ms");
-    table.addFigure("memory growth in an hour's worth of polls", memoryUse("VmRSS:") - before,
+    table.addFigure("memory growth in an hour's worth of polls", memoryUse("RssAnon:") - before,
                     "KiB", growthTarget);
     return table.exitStatus();
 }
