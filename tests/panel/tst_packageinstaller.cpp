@@ -236,11 +236,11 @@ void TestPackageInstaller::unknownKindStaysInATemporaryFile()
 
 void TestPackageInstaller::handsOverTheFirstImage()
 {
-    shellBytes("rm -rf /run/work; mkdir -p \"/run/work/'home/dest\"; cd /run/work;"
+    shellBytes("rm -rf /run/started; mkdir -p \"/run/started/'home/dest\"; cd /run/started;"
                "touch \"'home/dest/a.txt\" \"'home/dest/x.MO\" \"'home/dest/image.mo\"");
-    QVERIFY(QDir::setCurrent("/run/work"));
+    QVERIFY(QDir::setCurrent("/run/started"));
     // Looked for in the current folder, not in the one in which its name was found.
-    writeFile("/run/work/image.mo", packageBytes(biosImage, 4, "", biosArchive()));
+    writeFile("/run/started/image.mo", packageBytes(biosImage, 4, "", biosArchive()));
     install(firmware, 13, "TALMERO", smallArchive(), OpenFileError);
     QVERIFY(fileExists("/home/compile/new"));
     QCOMPARE(readPanelFile("bios.version"), QByteArray("4\n"));
@@ -249,8 +249,8 @@ void TestPackageInstaller::handsOverTheFirstImage()
 
 void TestPackageInstaller::handsOverWithoutAnImage()
 {
-    shellBytes("rm -rf /run/work; mkdir -p \"/run/work/'home/dest/folder.mo\"");
-    QVERIFY(QDir::setCurrent("/run/work"));
+    shellBytes("rm -rf /run/started; mkdir -p \"/run/started/'home/dest/folder.mo\"");
+    QVERIFY(QDir::setCurrent("/run/started"));
     install(firmware, 13, "TALMERO", smallArchive(), OpenFileError);
     QCOMPARE(readPanelFile("bios.version"), QByteArray("3\n"));
     QCOMPARE(readPanelFile("fwver"), QByteArray("12\n"));
@@ -258,9 +258,9 @@ void TestPackageInstaller::handsOverWithoutAnImage()
 
 void TestPackageInstaller::otherNamesAreNotHandedOver()
 {
-    shellBytes("rm -rf /run/work; mkdir -p \"/run/work/'home/dest\" /run/work/home/dest;"
-               "cd /run/work; touch \"'home/dest/x.MO\" \"'home/dest/mo\" home/dest/y.mo");
-    QVERIFY(QDir::setCurrent("/run/work"));
+    shellBytes("rm -rf /run/started; mkdir -p \"/run/started/'home/dest\" /run/started/home/dest;"
+               "cd /run/started; touch \"'home/dest/x.MO\" \"'home/dest/mo\" home/dest/y.mo");
+    QVERIFY(QDir::setCurrent("/run/started"));
     install(firmware, 13, "TALMERO", smallArchive(), Installed);
     QCOMPARE(readPanelFile("fwver"), QByteArray("13"));
 }
