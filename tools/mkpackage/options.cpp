@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 namespace {
 constexpr qint64 defaultFileTime = 946684800;            // 2000-01-01 00:00:00 UTC
@@ -133,17 +134,27 @@ QString readMakeOptions(const QCommandLineParser &parser, Options &options)
         : QString("make takes one folder");
 }
 
-Options parseMake(const QStringList &arguments)
+using OptionsReader = QString (*)(const QCommandLineParser &parser, Options &options);
+
+/// What the command line of @p task says, whose options @p names have values.
+Options parseTask(QCommandLineParser &parser, Options::Task task,
+                  std::span<const QLatin1String> names, const QStringList &arguments,
+                  OptionsReader read)
 {
-    QCommandLineParser parser;
-    for (const QLatin1String name : makeOptions) {
+    for (const QLatin1String name : names) {
         parser.addOption(QCommandLineOption(QString(name), QString(), "value"));
     }
     Options options;
-    options.task = Options::Task::Make;
-    options.error = parser.parse(arguments) ? readMakeOptions(parser, options)
-                                            : parser.errorText().section('\n', 0, 0);
+    options.task = task;
+    options.error
+        = parser.parse(arguments) ? read(parser, options) : parser.errorText().section('\n', 0, 0);
     return options;
+}
+
+Options parseMake(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    return parseTask(parser, Options::Task::Make, makeOptions, arguments, readMakeOptions);
 }
 
 Options parseInfo(const QStringList &arguments)
@@ -209,14 +220,7 @@ Options parseVerify(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.addOption(QCommandLineOption("json"));
-    for (const QLatin1String name : verifyOptions) {
-        parser.addOption(QCommandLineOption(QString(name), QString(), "value"));
-    }
-    Options options;
-    options.task = Options::Task::Verify;
-    options.error = parser.parse(arguments) ? readVerifyOptions(parser, options)
-                                            : parser.errorText().section('\n', 0, 0);
-    return options;
+    return parseTask(parser, Options::Task::Verify, verifyOptions, arguments, readVerifyOptions);
 }
 
 Options withoutCommand(Options::Task task, const QString &error = {})
