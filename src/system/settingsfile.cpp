@@ -8,48 +8,57 @@
 namespace {
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 
-constexpr char blank = ' '; // all other white space of ASCII is below it
-
-bool isLow(char byte)
-{
-    return byte >= 0 && byte <= blank;
-}
+constexpr uint blank = ' '; // all other white space of ASCII is below it
 
 /// Whether @p line needs no simplifying, as those that the program wrote. May say no wrongly.
 /// Looks at all bytes in any case: the compiler makes a fast loop of that.
 bool isSimple(QByteArrayView line)
 {
-    if (line.isEmpty() || isLow(line.front()) || isLow(line.back())) {
+    const auto low = [](char byte) { return uint(static_cast<uchar>(byte) <= blank); };
+    if (line.isEmpty() || low(line.front()) != 0 || low(line.back()) != 0) {
         return false;
     }
-    bool found = false;
+    uint found = 0;
     for (qsizetype at = 1; at < line.size(); ++at) {
-        found |= isLow(line[at]) & ((line[at] != blank) | (line[at - 1] == blank));
+        const uint isOtherThanBlank = uint(static_cast<uchar>(line[at]) != blank);
+        found |= low(line[at]) & (isOtherThanBlank | low(line[at - 1]));
     }
-    return !found;
+    return found == 0;
+}
+
+std::optional<SettingsEntry> parseSimpleLine(QByteArrayView line)
+{
+    const qsizetype equals = line.indexOf('=');
+    if (equals <= 0 || line.startsWith('#')) {
+        return std::nullopt;
+    }
+    return SettingsEntry{textFromBytes(line.first(equals)), textFromBytes(line.sliced(equals + 1))};
 }
 } // namespace
 
-std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line)
+std::optional<SettingsEntry> parseSettingsLine(QByteArrayView line)
 {
     // On bytes, because the white space of Unicode includes bytes that are half a UTF-8 letter.
-    const QByteArray simple = isSimple(line) ? line : line.simplified();
-    const qsizetype equals = simple.indexOf('=');
-    if (equals <= 0 || simple.startsWith('#')) {
-        return std::nullopt;
+    return parseSimpleLine(isSimple(line) ? line : line.toByteArray().simplified());
+}
+
+QList<QByteArrayView> settingsLines(QByteArrayView text)
+{
+    if (text.startsWith(byteOrderMark)) {
+        text = text.sliced(byteOrderMark.size());
     }
-    const QByteArrayView text = simple;
-    return SettingsEntry{textFromBytes(text.first(equals)), textFromBytes(text.sliced(equals + 1))};
+    QList<QByteArrayView> lines;
+    for (qsizetype end = 0; (end = text.indexOf('\n')) >= 0;) {
+        lines += text.first(end);
+        text = text.sliced(end + 1);
+    }
+    lines += text;
+    return lines;
 }
 
-QByteArrayList settingsLines(const QByteArray &text)
+void applySettingsText(QByteArrayView text, SettingsMap &settings)
 {
-    return (text.startsWith(byteOrderMark) ? text.mid(byteOrderMark.size()) : text).split('\n');
-}
-
-void applySettingsText(const QByteArray &text, SettingsMap &settings)
-{
-    for (const QByteArray &line : settingsLines(text)) {
+    for (const QByteArrayView line : settingsLines(text)) {
         if (const auto entry = parseSettingsLine(line)) {
             if (entry->value.isEmpty()) {
                 settings.remove(entry->key);

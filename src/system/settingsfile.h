@@ -1,7 +1,8 @@
 #pragma once
 
 #include <QByteArray>
-#include <QByteArrayList>
+#include <QByteArrayView>
+#include <QList>
 #include <QMap>
 #include <QString>
 
@@ -22,15 +23,15 @@ struct SettingsEntry
 /// run becomes one blank. Blanks around the first "=" then belong to the key and to the value.
 /// Result: the entry, or nothing for a blank line, a comment ("#"), a line that begins with "="
 /// and a line without "=".
-std::optional<SettingsEntry> parseSettingsLine(const QByteArray &line);
+std::optional<SettingsEntry> parseSettingsLine(QByteArrayView line);
 
 /// The lines of the settings text @p text. A UTF-8 byte order mark at its start, as editors leave
-/// it, is passed over.
-QByteArrayList settingsLines(const QByteArray &text);
+/// it, is passed over. The lines are parts of @p text and last as long as it.
+QList<QByteArrayView> settingsLines(QByteArrayView text);
 
 /// Applies every line of @p text to @p settings: a value inserts or replaces its key, an empty
 /// value removes it.
-void applySettingsText(const QByteArray &text, SettingsMap &settings);
+void applySettingsText(QByteArrayView text, SettingsMap &settings);
 
 /// The whole settings file: "key=value\n" for each key in ascending order. Applied to an empty map
 /// it gives @p settings again: if the first key begins with a byte order mark, another one stands

@@ -226,14 +226,14 @@ Wrong judge(const Facts &facts, const Setting &setting)
 }
 
 /// The last line of each key, which is the one in effect, in the order of the keys.
-QList<Setting> settingsIn(const QByteArrayList &lines, QList<int> *passedOver)
+QList<Setting> settingsIn(const QList<QByteArrayView> &lines, QList<int> *passedOver)
 {
     QMap<QString, Setting> settings;
     for (int number = 1; number <= int(lines.size()); ++number) {
-        const QByteArray &line = lines.at(number - 1);
+        const QByteArrayView line = lines.at(number - 1);
         if (const auto entry = parseSettingsLine(line)) {
             settings.insert(entry->key, {entry->key, entry->value, number});
-        } else if (const QByteArray text = line.simplified();
+        } else if (const QByteArrayView text = line.trimmed();
                    !text.isEmpty() && !text.startsWith('#')) {
             passedOver->append(number);
         }
@@ -275,7 +275,8 @@ Findings checkSettings(const Facts &facts)
 {
     Findings findings;
     QList<int> passedOver;
-    const QByteArrayList lines = settingsLines(facts.path(Paths::settingsFile).content);
+    const QByteArray content = facts.path(Paths::settingsFile).content;
+    const QList<QByteArrayView> lines = settingsLines(content);
     const QList<Setting> settings = settingsIn(lines, &passedOver);
     for (const Setting &setting : settings) {
         if (auto wrong = judge(facts, setting)) {
