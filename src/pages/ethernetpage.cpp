@@ -84,9 +84,6 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     port.manual = createMode(tr("Manual Input"), look.manualName, modes, page);
     port.address = createEdit(look.addressName, page);
     port.mask = createEdit(look.maskName, page);
-    for (RadioButton *mode : {port.disable, port.dhcp, port.manual}) {
-        useRowFont(mode);
-    }
     for (LineEditWithKeyPad *edit : {port.address, port.mask}) {
         connect(port.disable, &RadioButton::clicked, edit, &QWidget::setDisabled);
         connect(port.dhcp, &RadioButton::clicked, edit, &QWidget::setDisabled);

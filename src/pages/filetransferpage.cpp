@@ -45,7 +45,6 @@ void BiosInterface::initFileTransferPage()
 
     auto *choices = new QHBoxLayout;
     for (RadioButton *choice : {application, firmware}) {
-        useRowFont(choice);
         choices->addWidget(choice);
     }
     QVBoxLayout *content = createContent(contentMargin);
@@ -58,7 +57,6 @@ QTableWidget *BiosInterface::createFileTable(Page page, int columns)
 {
     auto *table = new QTableWidget(0, columns, m_pages->widget(page));
     table->setObjectName(tableName);
-    useRowFont(table);
     setUpFileTable(table);
     return table;
 }

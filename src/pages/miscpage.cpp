@@ -68,6 +68,7 @@ void BiosInterface::createMiscRows(QGridLayout *grid)
         setWidgetWithStyle(caption);
         caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         caption->setWordWrap(true); // upright there is no room for the long ones in a line
+        useRowFont(caption);
         grid->addWidget(caption, row, 0);
     }
     m_misc.mouseEnable = new RadioButton(tr("Enable"), page);
@@ -95,9 +96,6 @@ void BiosInterface::createMiscRows(QGridLayout *grid)
     for (QWidget *field :
          std::initializer_list<QWidget *>{m_misc.screenSaving, m_misc.brightness, m_misc.time}) {
         field->setMinimumHeight(fieldHeight);
-    }
-    for (int cell = 0; cell < grid->count(); ++cell) {
-        useRowFont(grid->itemAt(cell)->widget());
     }
 }
 

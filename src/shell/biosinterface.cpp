@@ -141,11 +141,18 @@ void BiosInterface::init()
 {
     setUpWindow();
     QApplication::setStyle(new TouchStyle);
+    // Now, while the window has no children that would each take the style's colours anew.
+    QCoreApplication::sendPostedEvents(this, QEvent::ApplicationPaletteChange);
     m_inputContext = std::make_unique<MyInputPanelContext>();
     installInputContext(m_inputContext.get());
     setUpFont();
     createPageStack();
+    // A line edit asks for the application's font before it has its own. The usual one, which no
+    // page shows, would have to be looked for among all fonts.
+    const QFont usualFont = QApplication::font();
+    QApplication::setFont(font());
     buildPages();
+    QApplication::setFont(usualFont);
 }
 
 void BiosInterface::setUpWindow()
@@ -173,9 +180,13 @@ void BiosInterface::setUpFont()
 void BiosInterface::createPageStack()
 {
     m_pages = new PageStack(this);
-    for (int page = 0; page < PageCount; ++page) {
-        m_pages->addWidget(page <= MainSettingsPage ? new StackWidgetPage
-                                                    : new StackWidgetPage(StackWidgetPage::Glow));
+    for (int page = 0; page <= MainSettingsPage; ++page) {
+        m_pages->addWidget(new StackWidgetPage);
+    }
+    while (m_pages->count() < PageCount) {
+        auto *page = new StackWidgetPage(StackWidgetPage::Glow);
+        m_pages->addWidget(page);
+        useRowFont(page); // before it has children: a new font makes some build their popups
     }
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

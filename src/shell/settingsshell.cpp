@@ -124,7 +124,8 @@ void BiosInterface::setPageLayout(QLayout *titleBar, QLayout *content, QWidget *
     layout->addLayout(content);
 }
 
-/// From now on @p widget, a part of a page's row, has a font that fits the window's width.
+/// From now on @p widget, a page or a part of one with a font of its own, has a font that fits the
+/// window's width.
 void BiosInterface::useRowFont(QWidget *widget)
 {
     m_rowWidgets += widget;
