@@ -105,8 +105,9 @@ is_wanted() { # PART
 }
 
 # The programs of desktops end without a message bus: there is one for all. What its server and
-# the services that it starts complain about is thrown away.
-quietly_on_a_bus='dbus-run-session -- bash -c "exec \"\$@\" 2>&3" bash "$@" 3>&2 2>/dev/null'
+# the services that it starts say is thrown away.
+quietly_on_a_bus='exec 3>&1 4>&2 >/dev/null 2>&1
+dbus-run-session -- bash -c "exec \"\$@\" >&3 2>&4" bash "$@"'
 
 measure() { # SIZE PROGRAM ARGS...
     local size=$1 program=$2
