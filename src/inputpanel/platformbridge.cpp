@@ -13,7 +13,7 @@
 namespace {
 constexpr char pluginKey[] = "talmeropanel";
 
-QPointer<MyInputPanelContext> installed; // NOLINT(cert-err58-cpp)
+QPointer<MyInputPanelContext> installed;
 
 /// Hands the toolkit's wishes to the installed context. Does nothing while there is none.
 class PanelPlatformInputContext : public QPlatformInputContext

@@ -23,7 +23,7 @@ constexpr Variable ownVariables[] = {
     {"DBUS_SESSION_BUS_ADDRESS", "disabled:"}, // otherwise a screen reader is looked for
 };
 
-std::optional<QProcessEnvironment> given; // NOLINT(cert-err58-cpp)
+std::optional<QProcessEnvironment> given;
 } // namespace
 
 bool isVersionQuery(int argumentCount, const char *const *arguments)

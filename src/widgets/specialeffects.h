@@ -7,7 +7,7 @@ class QRect;
 /// black. A widget derives from its toolkit class first and from this class second.
 /// All rectangles are in logical pixels of the painter. Small and empty rectangles are painted
 /// as the toolkit paints them: side strips overlap or turn over.
-class SpecialEffectsDrawingInterface // NOLINT(cppcoreguidelines-virtual-class-destructor)
+class SpecialEffectsDrawingInterface
 {
 public:
     /// Thin dark shadows along the left and right side, 10 pixels wide each.
