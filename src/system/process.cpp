@@ -3,6 +3,9 @@
 #include <QDeadlineTimer>
 #include <QProcess>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 /// A tool that reads its input finds the end of it, and does not wait for a keyboard that no
 /// panel has.
@@ -20,10 +23,62 @@ void runForwarded(QProcess &process, std::chrono::milliseconds limit)
     process.waitForFinished(static_cast<int>(limit.count()));
 }
 
-constexpr int stopInterval = 50;   // ms between two looks whether a tool shall be stopped
-constexpr int killTime = 1000;     // ms until a killed tool is gone, unless it waits for a disk
-constexpr int askInterval = 10;    // ms between two looks at how much a tool wrote
-constexpr qint64 feedSize = 65536; // bytes that a tool is given at once
+constexpr int stopInterval = 50; // ms between two looks whether a tool shall be stopped
+constexpr int killTime = 1000;   // ms until a killed tool is gone, unless it waits for a disk
+constexpr int askInterval = 10;  // ms between two looks at how much a tool wrote
+constexpr qsizetype mostKept = 16 << 20; // bytes of each stream
+constexpr qint64 feedSize = 65536;               // bytes that a tool is given at once
+
+/// Time in ms until the next look at what a tool wrote, or until @p deadline.
+int nextWait(const QDeadlineTimer &deadline)
+{
+    return deadline.isForever()
+        ? askInterval
+        : static_cast<int>(qMin<qint64>(askInterval, deadline.remainingTime()));
+}
+
+/// Appends @p more to @p kept while there is room.
+void keepFirst(QByteArray &kept, const QByteArray &more)
+{
+    kept += more.first(qMin(more.size(), mostKept - kept.size()));
+}
+
+/// Takes a tool's standard error in place of the toolkit, which reads that without an end while a
+/// tool writes without an end.
+class ErrorPipe
+{
+public:
+    ErrorPipe()
+    {
+        if (pipe2(m_ends, O_CLOEXEC | O_NONBLOCK) == 0) {
+            fcntl(m_ends[1], F_SETPIPE_SZ, atOnce); // a smaller one does too
+        }
+    }
+    ~ErrorPipe()
+    {
+        for (const int end : m_ends) {
+            close(end);
+        }
+    }
+    Q_DISABLE_COPY_MOVE(ErrorPipe)
+
+    /// Where to write into it; no path if the system has no more pipes.
+    QString path() const
+    {
+        return m_ends[1] < 0 ? QString() : QString("/proc/self/fd/%1").arg(m_ends[1]);
+    }
+
+    QByteArray read() const
+    {
+        QByteArray bytes(atOnce, Qt::Uninitialized);
+        bytes.truncate(qMax<qsizetype>(::read(m_ends[0], bytes.data(), atOnce), 0));
+        return bytes;
+    }
+
+private:
+    static constexpr int atOnce = 1024 * 1024; // bytes
+    int m_ends[2] = {-1, -1};
+};
 
 /// For a process that has ended, or never started. Waits that ran out before are errors, too, and
 /// do not matter.
@@ -112,11 +167,19 @@ ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds l
 {
     QProcess process;
     setUp(process, command);
+    const ErrorPipe errors;
+    process.setStandardErrorFile(errors.path());
     process.start();
+    const QDeadlineTimer deadline(limit.count());
     ProcessResult result;
-    result.finished = process.waitForFinished(static_cast<int>(limit.count()));
-    result.output = process.readAllStandardOutput();
-    result.errors = process.readAllStandardError();
+    do {
+        // Not for the end: until that comes the toolkit would keep all that a tool writes.
+        process.waitForReadyRead(nextWait(deadline));
+        keepFirst(result.output, process.readAllStandardOutput());
+        keepFirst(result.errors, errors.read());
+    } while (process.state() != QProcess::NotRunning && !deadline.hasExpired());
+    result.finished
+        = process.state() == QProcess::NotRunning && process.error() != QProcess::FailedToStart;
     process.terminate();
     return result; // leaving kills what still runs
 }

@@ -17,8 +17,8 @@ class QProcessEnvironment;
 struct ProcessResult
 {
     bool finished = false; ///< false: not started, or cut off at the limit
-    QByteArray output;     ///< standard output, whole
-    QByteArray errors;     ///< standard error, whole
+    QByteArray output;     ///< standard output, its first 16 MiB
+    QByteArray errors;     ///< standard error, its first 16 MiB
 };
 
 /// Waits for ever.
@@ -59,8 +59,9 @@ ToolResult runFed(const QStringList &command, QIODevice &input,
 /// Result: false if it cannot be started.
 bool startDetached(const QStringList &command);
 
-/// Runs @p command, waits for its end for at most @p limit and collects what it writes, however
-/// much that is. A tool that is still running then is asked to end, and killed.
+/// Runs @p command, waits for its end for at most @p limit and collects what it writes. What goes
+/// beyond 16 MiB is thrown away, so that a tool that writes without end does not eat the memory. A
+/// tool that is still running at the limit is asked to end, and killed.
 ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds limit);
 
 /// What a tool answered that was only asked.

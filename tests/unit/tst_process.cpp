@@ -7,9 +7,17 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/resource.h>
+
 using namespace std::chrono_literals;
 
 namespace {
+#ifdef __SANITIZE_ADDRESS__
+constexpr qint64 mostMemory = 600'000; // KiB: the sanitizer holds on to what is freed
+#else
+constexpr qint64 mostMemory = 100'000; // KiB
+#endif
+
 QStringList shell(const QString &text)
 {
     return {"/bin/sh", "-c", text};
@@ -21,6 +29,14 @@ bool isRunning(const QString &processId)
     QFile commandLine("/proc/" + processId + "/cmdline");
     return commandLine.open(QIODevice::ReadOnly) && !commandLine.readAll().isEmpty();
 }
+
+/// The most memory that this process ever had, in KiB.
+qint64 peakMemory()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
 } // namespace
 
 class TestProcess : public QObject
@@ -30,6 +46,7 @@ private slots:
     void collectsBothStreams();
     void passesArgumentsWithoutShell();
     void collectsMoreThanAPipeHolds();
+    void keepsTheFirstOfTooMuch();
     void missingProgramAnswersAtOnce_data();
     void missingProgramAnswersAtOnce();
     void cutsOffAtTheLimit();
@@ -71,6 +88,29 @@ void TestProcess::collectsMoreThanAPipeHolds()
     QVERIFY(result.finished);
     QCOMPARE(result.output.size(), tenMegabytes);
     QCOMPARE(result.errors.size(), tenMegabytes);
+}
+
+void TestProcess::keepsTheFirstOfTooMuch()
+{
+    constexpr qsizetype most = 16 * 1024 * 1024;
+    const ProcessResult ended
+        = runLimited(shell("printf first; head -c 30000000 /dev/zero; exec head -c 30000000 "
+                           "/dev/zero >&2"),
+                     30000ms);
+    QVERIFY(ended.finished);
+    QCOMPARE(ended.output.size(), most);
+    QVERIFY(ended.output.startsWith("first"));
+    QCOMPARE(ended.errors.size(), most);
+
+    const qint64 before = peakMemory();
+    const ProcessResult endless = runLimited({"yes"}, 1000ms);
+    QVERIFY(!endless.finished);
+    QCOMPARE(endless.output.size(), most);
+    const ProcessResult endlessErrors = runLimited(shell("exec yes >&2"), 1000ms);
+    QVERIFY(!endlessErrors.finished);
+    QCOMPARE(endlessErrors.errors.size(), most);
+    const qint64 grown = peakMemory() - before;
+    QVERIFY2(grown < mostMemory, qPrintable(QString::number(grown)));
 }
 
 void TestProcess::missingProgramAnswersAtOnce_data()
