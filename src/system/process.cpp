@@ -27,7 +27,7 @@ constexpr int stopInterval = 50; // ms between two looks whether a tool shall be
 constexpr int killTime = 1000;   // ms until a killed tool is gone, unless it waits for a disk
 constexpr int askInterval = 10;  // ms between two looks at how much a tool wrote
 constexpr qsizetype mostKept = 16 << 20; // bytes of each stream
-constexpr qint64 feedSize = 65536;               // bytes that a tool is given at once
+constexpr qint64 feedSize = 65536;       // bytes that a tool is given at once
 
 /// Time in ms until the next look at what a tool wrote, or until @p deadline.
 int nextWait(const QDeadlineTimer &deadline)
@@ -190,6 +190,8 @@ ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, 
     QProcess process;
     setUp(process, command);
     process.setWorkingDirectory(folder);
+    const ErrorPipe errors;
+    process.setStandardErrorFile(errors.path());
     process.start();
     const QDeadlineTimer deadline(limit);
     if (!process.waitForStarted(-1)) {
@@ -198,9 +200,9 @@ ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, 
     ToolAnswer answer;
     answer.end = ToolAnswer::End::Ended;
     while (process.state() != QProcess::NotRunning && answer.end == ToolAnswer::End::Ended) {
-        process.waitForFinished(askInterval);
+        process.waitForReadyRead(askInterval);
         answer.output += process.readAllStandardOutput();
-        answer.errors += process.readAllStandardError();
+        answer.errors += errors.read();
         if (answer.output.size() + answer.errors.size() > most) {
             answer.end = ToolAnswer::End::TooMuch;
         } else if (deadline.hasExpired() && process.state() != QProcess::NotRunning) {
