@@ -238,13 +238,13 @@ void TestBoot::documentedExamples()
 {
     const QByteArray script = readPanelFile("runapp.sh");
     writePanelFile("runapp.sh", "cd /opt\nxset q\nexit 3\n");
-    const QString folder = QString(PANEL_PROGRAM).section('/', 0, -2);
+    const QByteArray display = qgetenv("DISPLAY");
+    qunsetenv("DISPLAY");
     QList<ToolRun> runs;
     for (const QByteArray &example : examplesOfManualPage("src/talmero-bios.1")) {
-        runs += runTool(
-            "/bin/sh",
-            {"-c", "unset DISPLAY; PATH=$PATH:" + folder + "; " + QString::fromUtf8(example)});
+        runs += runTool("/bin/sh", {"-c", withProgram(PANEL_PROGRAM, example)});
     }
+    qputenv("DISPLAY", display);
     writePanelFile("runapp.sh", script);
     QCOMPARE(runs.size(), 2);
     QCOMPARE(runs.first().errors, QByteArray("Version:  Aug 31 2015 16:26:17\n"));

@@ -265,12 +265,10 @@ void TestDoctor::outputThatIsLost()
 /// Those of the man page.
 void TestDoctor::documentedExamples()
 {
-    const QString folder = QString(DOCTOR).section('/', 0, -2);
     const QByteArrayList examples = examplesOfManualPage("tools/doctor/talmero-doctor.1");
     QCOMPARE(examples.size(), 3);
     for (const QByteArray &example : examples) {
-        const DoctorRun done = runCommand(
-            {"/bin/sh", "-c", "PATH=$PATH:" + folder + "; " + QString::fromUtf8(example)});
+        const DoctorRun done = runCommand({"/bin/sh", "-c", withProgram(DOCTOR, example)});
         QVERIFY2(done.status == 0 && done.errors.isEmpty(), example.constData());
         if (example.contains("grep")) {
             QCOMPARE(done.output, QByteArray("nothing to do\n"));

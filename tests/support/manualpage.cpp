@@ -14,3 +14,9 @@ QByteArrayList examplesOfManualPage(const QByteArray &path)
     }
     return examples;
 }
+
+QString withProgram(const QString &program, const QByteArray &example)
+{
+    return QString("PATH=$PATH:'%1'\n").arg(program.section('/', 0, -2))
+        + QString::fromUtf8(example);
+}
