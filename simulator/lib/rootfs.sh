@@ -3,7 +3,7 @@
 # shellcheck shell=bash
 
 # Nothing of the machine shows in these; the panel has its own.
-readonly fresh_folders=(/tmp /run /media)
+readonly fresh_folders=(/tmp /run /media /home)
 
 is_below() { # PATH FOLDER: true for the folder itself too
     [[ $1/ == "${2%/}"/* ]]
@@ -50,7 +50,7 @@ add_file_systems() {
         [[ $target != / && -d $target ]] || continue
         is_fresh "$target" && continue
         is_below "$target" "$staging" && continue
-        for needed in /usr /var /opt /home /root /etc /srv; do
+        for needed in /usr /var /opt /root /etc /srv; do
             if is_below "$target" "$needed"; then
                 overlay "$target"
                 continue 2
@@ -65,7 +65,7 @@ add_file_systems() {
     done <<<"$host_mounts"
 }
 
-# The checkout may lie below /tmp, which is fresh.
+# The checkout may lie below /tmp or /home, which are fresh.
 add_hidden_folders() {
     local folder
     for folder in "$checkout" "$build" "$caller_folder"; do
@@ -123,7 +123,7 @@ make_root() {
         [[ -d $root$folder ]] || mkdir -p "$root$folder"
         mount -t tmpfs -o mode=1777 panel "$root$folder" || fail "cannot make $folder"
     done
-    chmod 755 "$root/run" "$root/media"
+    chmod 755 "$root/run" "$root/media" "$root/home"
     make_dev || fail "cannot make /dev"
     make_kernel_folders || fail "cannot make /proc and /sys"
     add_file_systems

@@ -257,7 +257,7 @@ void TestDoctor::usage()
 
 void TestDoctor::outputThatIsLost()
 {
-    const DoctorRun run = runCommand({"/bin/sh", "-c", DOCTOR " >/dev/full"});
+    const DoctorRun run = runCommand({"/bin/sh", "-c", "'" DOCTOR "' >/dev/full"});
     QCOMPARE(run.status, int(OutputLost));
     QCOMPARE(run.errors, QByteArray("talmero-doctor: cannot write to standard output\n"));
 }
