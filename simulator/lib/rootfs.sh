@@ -3,7 +3,7 @@
 # shellcheck shell=bash
 
 # Nothing of the machine shows in these; the panel has its own.
-readonly fresh_folders=(/tmp /run /media /home)
+readonly fresh_folders=(/tmp /run /media)
 
 is_below() { # PATH FOLDER: true for the folder itself too
     [[ $1/ == "${2%/}"/* ]]
@@ -11,7 +11,7 @@ is_below() { # PATH FOLDER: true for the folder itself too
 
 is_fresh() {
     local folder
-    for folder in "${fresh_folders[@]}" /dev /proc /sys; do
+    for folder in "${fresh_folders[@]}" /home /dev /proc /sys; do
         is_below "$1" "$folder" && return 0
     done
     return 1
@@ -40,6 +40,13 @@ overlay() {
         panel "$root$1" 2>/dev/null && return
     # not every file system can be a lower layer
     mount -o bind,ro "$1" "$root$1" || fail "cannot show $1 in the panel"
+}
+
+# A panel's /home is empty and on the same file system as its /opt. The device 0, 0 hides what lies
+# below it, if it is in the upper layer before that is mounted.
+hide_home() {
+    mkdir -p "$staging/layer0/upper" && mknod "$staging/layer0/upper/home" c 0 0 ||
+        fail "cannot hide /home"
 }
 
 # Other file systems of the machine are not part of its root's layer.
@@ -118,12 +125,14 @@ make_root() {
     choose_staging
     mount -t tmpfs -o mode=755 panel "$staging" || fail "cannot mount a memory file system"
     root=$staging/root
+    hide_home
     overlay /
+    mkdir "$root/home"
     for folder in "${fresh_folders[@]}"; do
         [[ -d $root$folder ]] || mkdir -p "$root$folder"
         mount -t tmpfs -o mode=1777 panel "$root$folder" || fail "cannot make $folder"
     done
-    chmod 755 "$root/run" "$root/media" "$root/home"
+    chmod 755 "$root/run" "$root/media"
     make_dev || fail "cannot make /dev"
     make_kernel_folders || fail "cannot make /proc and /sys"
     add_file_systems
