@@ -1,5 +1,6 @@
 #!/bin/bash
 # Builds talmero-bios and runs it on a simulated panel.
+[ -n "${BASH_VERSION-}" ] || exec bash "$0" "$@" # was started as "sh run.sh"
 set -u
 
 # shellcheck source=scripts/common.sh
@@ -87,7 +88,9 @@ build() {
     return "$build_status"
 }
 
+need_panel
 # shellcheck disable=SC2154 # the lists and the folder come from common.sh
+[[ -x $project_root/build/talmero-bios ]] || need_space 100
 install_packages "${build_packages[@]}" "${panel_packages[@]}" || exit
 build || exit
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, checks the code and runs every test in the simulated panel.
+[ -n "${BASH_VERSION-}" ] || exec bash "$0" "$@" # was started as "sh test.sh"
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/common.sh
@@ -19,15 +20,25 @@ TEXT
 }
 
 quick=no
-[ $# -le 1 ] || { usage >&2 && exit 2; }
-case "${1:-}" in
-    "") ;;
+for argument in "$@"; do
+    case $argument in
     --quick) quick=yes ;;
     --help) usage && exit 0 ;;
-    *) usage >&2 && exit 2 ;;
-esac
+    *) echo "test.sh: unknown option $argument; see ./test.sh --help" >&2 && exit 2 ;;
+    esac
+done
 
-need_root
+run_tests() { # PRESET
+    need_root # sudo may have forgotten the password since
+    ctest --preset "$1" --parallel "$places"
+}
+
+need_panel
+if [ "$quick" = yes ]; then
+    [ -e build ] || need_space 400
+else
+    [ -e build-sanitize ] || need_space 1200
+fi
 needed=("${build_packages[@]}" "${panel_packages[@]}" "${test_packages[@]}" "${valgrind_packages[@]}")
 # all code is checked, also that of benchmarks
 [ "$quick" = yes ] ||
@@ -40,6 +51,6 @@ if [ "$quick" = no ]; then
     scripts/check-code.sh build
     tests/fuzz/run.sh --seconds 20 --jobs "$((2 * $(nproc)))"
     build_preset sanitize
-    ctest --preset sanitize --parallel "$places"
+    run_tests sanitize
 fi
-ctest --preset release --parallel "$places"
+run_tests release

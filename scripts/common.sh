@@ -60,36 +60,84 @@ read_seeds() {
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
     else
-        die "this needs root: run it as root or install sudo"
+        sudo "$@"
     fi
+}
+
+has_terminal() {
+    { : </dev/tty; } 2>/dev/null
 }
 
 # Ends with one line if as_root() would fail. Asks for the password now, not in the middle.
 need_root() {
-    as_root true || die "this needs root: sudo did not give it"
+    [ "$(id -u)" -ne 0 ] || return 0
+    command -v sudo >/dev/null || die "this needs root: run it as root or install sudo"
+    ! sudo --non-interactive true 2>/dev/null || return 0
+    has_terminal || die "sudo asks for a password: run this in a terminal, or as root"
+    sudo true || die "this needs root: sudo did not give it"
+}
+
+# Ends with one line where the simulated panel cannot be made, before anybody waits for the build.
+need_panel() {
+    need_root
+    as_root unshare --mount true 2>/dev/null ||
+        die "root may not mount here: the simulated panel needs a machine or a privileged container"
+}
+
+# need_space MEGABYTES: ends with one line if the checkout's disk has less.
+need_space() {
+    local free
+    free=$(df --output=avail --block-size=1M "$project_root" | tail -n 1)
+    [ "$free" -ge "$1" ] ||
+        die "the build needs $1 MB in $project_root, and $((free)) MB are free there"
 }
 
 is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
+# Name of the system that this is, if it is not the one whose packages are named above.
+foreign_system() {
+    (
+        ID='' VERSION_ID='' PRETTY_NAME="an unknown system"
+        # shellcheck source=/dev/null
+        . /etc/os-release || true
+        [ "$ID $VERSION_ID" = "debian 12" ] || echo "$PRETTY_NAME"
+    ) 2>/dev/null
+}
+
+# The one line that tells why apt-get failed: explain_apt OUTPUT_OF_UPDATE OUTPUT_OF_INSTALL
+explain_apt() {
+    local reason system
+    reason=$(grep -m 1 'No space left on device' <<<"$2" || grep -m 1 '^E: ' <<<"$2" || tail -n 1 <<<"$2")
+    system=$(foreign_system)
+    case $reason in
+    "E: Unable to locate"* | "E: Package "*)
+        # Without its lists apt knows no package; why they did not come is the reason then.
+        reason=$(grep -m 1 'Failed to fetch' <<<"$1" || echo "$reason")
+        ;;
+    esac
+    reason=${reason#[EW]:}
+    echo "${reason# }${system:+; this is $system, and Debian 12 is needed}"
+}
+
 # Installs what is missing of the given Debian packages. Says and does nothing if all are there.
 install_packages() {
-    local package said missing=()
+    local package updated installed missing=()
     for package in "$@"; do
         is_installed "$package" || missing+=("$package")
     done
     [ "${#missing[@]}" -gt 0 ] || return 0
-    echo "Installing: ${missing[*]}"
+    command -v apt-get >/dev/null || die "there is no apt-get here: Debian 12 is needed"
     need_root
-    # What is wrong with a source matters only if a package does not come. One line says it then.
-    as_root apt-get update -qq >/dev/null 2>&1 || true
-    said=$(as_root env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends "${missing[@]}" 2>&1 >/dev/null) ||
-        die "could not install ${missing[*]}; is there a network? $(grep -m 1 '^E:' <<<"$said")"
+    echo "Installing, which can take minutes: ${missing[*]}"
+    # What is wrong with a source matters only if a package does not come.
+    updated=$(as_root env LC_ALL=C.UTF-8 apt-get update -qq 2>&1) || true
+    # A fresh system updates itself and holds the lock meanwhile.
+    installed=$(as_root env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+        --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}" 2>&1) ||
+        die "the packages could not be installed: $(explain_apt "$updated" "$installed")"
 }
 
 # Configures and builds a preset of CMakePresets.json: build_preset PRESET [TARGET...], all targets
@@ -100,6 +148,11 @@ build_preset() {
     cd "$project_root" || die "cannot enter $project_root"
     { [ -w . ] && { [ ! -e build ] || [ -w build ]; }; } ||
         die "cannot write in $project_root: it belongs to another user"
+    case $project_root in
+    *[\#\$\;:\'\"\&\(\)\\\`\<\>\|]*)
+        die "make cannot build below $project_root: rename the folder, letters and blanks will do"
+        ;;
+    esac
     cmake --preset "$preset" >/dev/null || die "cmake could not configure the preset $preset"
     # CMake names each target whose generated code it looks at, even if nothing is to be done.
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1+--target "$@"} |

@@ -143,7 +143,7 @@ start_web() {
     local page="http://127.0.0.1:$web_port/vnc.html?autoconnect=1&resize=scale"
     start_server /run/panel/x11vnc.log x11vnc -display :0 -unixsock "$vnc_socket" -rfbport 0 \
         -forever -shared -nopw -noipv6 -no6 -nosel -noxrecord -skip_lockkeys \
-        -pipeinput "reopen:$simulator/finger pipe --socket $finger_socket"
+        -pipeinput "reopen:'$simulator/finger' pipe --socket $finger_socket"
     reaching_out=yes start_server /run/panel/websockify.log nsenter --net=/proc/self/fd/21 \
         websockify --web /usr/share/novnc --unix-target "$vnc_socket" "127.0.0.1:$web_port"
     wait_for_page || fail "the page for the browser did not come up"

@@ -26,7 +26,8 @@ Usage: simulator/panel [OPTIONS] [--] COMMAND [ARGS...]
 
 Makes a throw-away touch panel out of this machine and runs COMMAND in it.
 COMMAND sees the files of this machine under their own paths and may change all
-of them; at the end every change is gone. It has no network but its own, which
+of them; at the end every change is gone. Of /home, /tmp, /run and /media it sees
+only the checkout. It has no network but its own, which
 simulator/network controls, no disk, loopback plugs in its serial ports,
 which simulator/serial changes, and it cannot set the clock.
 Root is needed; sudo is used where it is there. The end status is that of COMMAND,

@@ -11,7 +11,7 @@ is_below() { # PATH FOLDER: true for the folder itself too
 
 is_fresh() {
     local folder
-    for folder in "${fresh_folders[@]}" /dev /proc /sys; do
+    for folder in "${fresh_folders[@]}" /home /dev /proc /sys; do
         is_below "$1" "$folder" && return 0
     done
     return 1
@@ -42,6 +42,13 @@ overlay() {
     mount -o bind,ro "$1" "$root$1" || fail "cannot show $1 in the panel"
 }
 
+# A panel's /home is empty and on the same file system as its /opt. The device 0, 0 hides what lies
+# below it, if it is in the upper layer before that is mounted.
+hide_home() {
+    mkdir -p "$staging/layer0/upper" && mknod "$staging/layer0/upper/home" c 0 0 ||
+        fail "cannot hide /home"
+}
+
 # Other file systems of the machine are not part of its root's layer.
 add_file_systems() {
     local target needed
@@ -50,7 +57,7 @@ add_file_systems() {
         [[ $target != / && -d $target ]] || continue
         is_fresh "$target" && continue
         is_below "$target" "$staging" && continue
-        for needed in /usr /var /opt /home /root /etc /srv; do
+        for needed in /usr /var /opt /root /etc /srv; do
             if is_below "$target" "$needed"; then
                 overlay "$target"
                 continue 2
@@ -65,7 +72,7 @@ add_file_systems() {
     done <<<"$host_mounts"
 }
 
-# The checkout may lie below /tmp, which is fresh.
+# The checkout may lie below /tmp or /home, which are fresh.
 add_hidden_folders() {
     local folder
     for folder in "$checkout" "$build" "$caller_folder"; do
@@ -118,7 +125,9 @@ make_root() {
     choose_staging
     mount -t tmpfs -o mode=755 panel "$staging" || fail "cannot mount a memory file system"
     root=$staging/root
+    hide_home
     overlay /
+    mkdir "$root/home"
     for folder in "${fresh_folders[@]}"; do
         [[ -d $root$folder ]] || mkdir -p "$root$folder"
         mount -t tmpfs -o mode=1777 panel "$root$folder" || fail "cannot make $folder"

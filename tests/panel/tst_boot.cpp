@@ -1,8 +1,10 @@
 #include "faketools.h"
+#include "manualpage.h"
 #include "panelfiles.h"
 #include "panelguard.h"
 #include "panelprogram.h"
 #include "panelscreen.h"
+#include "toolrun.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -45,6 +47,7 @@ private slots:
     void startsNoMessageBus();
     void tapOpensSettings();
     void markerOpensFactoryWindow();
+    void documentedExamples();
 };
 
 void TestBoot::initTestCase()
@@ -228,6 +231,27 @@ void TestBoot::markerOpensFactoryWindow()
     QCOMPARE(shownCount(), -1);
     QVERIFY(!tools.calls().contains("xrandr [-q]"));
     QVERIFY(program.isRunning());
+}
+
+/// Those of the man page.
+void TestBoot::documentedExamples()
+{
+    const QByteArray script = readPanelFile("runapp.sh");
+    writePanelFile("runapp.sh", "cd /opt\nxset q\nexit 3\n");
+    const QByteArray display = qgetenv("DISPLAY");
+    qunsetenv("DISPLAY");
+    QList<ToolRun> runs;
+    for (const QByteArray &example : examplesOfManualPage("src/talmero-bios.1")) {
+        runs += runTool("/bin/sh", {"-c", withProgram(PANEL_PROGRAM, example)});
+    }
+    qputenv("DISPLAY", display);
+    writePanelFile("runapp.sh", script);
+    QCOMPARE(runs.size(), 2);
+    QCOMPARE(runs.first().errors, QByteArray("Version:  Aug 31 2015 16:26:17\n"));
+    QCOMPARE(runs.first().status, 0);
+    QCOMPARE(runs.last().errors, QByteArray("+ cd /opt\n+ xset q\n+ exit 3\n"));
+    QVERIFY(runs.last().output.contains("Screen Saver"));
+    QCOMPARE(runs.last().status, 3);
 }
 
 QTEST_MAIN(TestBoot)

@@ -49,7 +49,7 @@ installs_below() { # PREFIX
 
 ifconfig_prints_the_classic_format() {
     says '^eth1 .*HWaddr 02:00:00:00:00:02' panel -- bash -c \
-        "export PATH=$compat/bin:\$PATH
+        "export PATH='$compat/bin':\$PATH
          rm /usr/sbin/ifconfig; ifconfig eth0 10.1.2.3 && ifconfig eth0 && ifconfig" &&
         grep -qE '^ +inet addr:10\.1\.2\.3  Bcast:10\.255\.255\.255  Mask:255\.0\.0\.0$' "$work/said"
 }
@@ -189,7 +189,7 @@ SCRIPT
 
 in_calibration() { # SCRIPT
     panel --display xorg --share "$work" -- env finger="$root/simulator/finger" bash -c "
-        export PATH=$compat/bin:\$PATH; source '$work/calibrate.sh'; $1"
+        export PATH='$compat/bin':\$PATH; source '$work/calibrate.sh'; $1"
 }
 
 # shellcheck disable=SC2016

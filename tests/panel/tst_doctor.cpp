@@ -4,6 +4,7 @@
 #include "doctorrun.h"
 #include "faketools.h"
 #include "faultfiles.h"
+#include "manualpage.h"
 #include "panelguard.h"
 #include "report.h"
 #include "system/paths.h"
@@ -11,7 +12,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <memory>
@@ -103,6 +103,7 @@ private slots:
     void usage();
     void outputThatIsLost();
     void documentedExamples();
+    void documentedSettings();
     void documentedReport();
 
 private:
@@ -256,7 +257,7 @@ void TestDoctor::usage()
 
 void TestDoctor::outputThatIsLost()
 {
-    const DoctorRun run = runCommand({"/bin/sh", "-c", DOCTOR " >/dev/full"});
+    const DoctorRun run = runCommand({"/bin/sh", "-c", "'" DOCTOR "' >/dev/full"});
     QCOMPARE(run.status, int(OutputLost));
     QCOMPARE(run.errors, QByteArray("talmero-doctor: cannot write to standard output\n"));
 }
@@ -264,23 +265,23 @@ void TestDoctor::outputThatIsLost()
 /// Those of the man page.
 void TestDoctor::documentedExamples()
 {
-    const QString page = QString::fromUtf8(readFile(PANEL_SOURCE "/tools/doctor/talmero-doctor.1"));
-    static const QRegularExpression example("\n\\.EX\n(.*)\n\\.EE",
-                                            QRegularExpression::InvertedGreedinessOption);
-    const QString folder = QString(DOCTOR).section('/', 0, -2);
-    int examples = 0;
-    for (auto found = example.globalMatch(page.section(".SH EXAMPLES", 1)); found.hasNext();
-         ++examples) {
-        const QString command = found.next().captured(1);
-        const DoctorRun done
-            = runCommand({"/bin/sh", "-c", "PATH=$PATH:" + folder + "; " + command});
-        QVERIFY2(done.status == 0 && done.errors.isEmpty(), qPrintable(command));
-        if (command.contains("grep")) {
+    const QByteArrayList examples = examplesOfManualPage("tools/doctor/talmero-doctor.1");
+    QCOMPARE(examples.size(), 3);
+    for (const QByteArray &example : examples) {
+        const DoctorRun done = runCommand({"/bin/sh", "-c", withProgram(DOCTOR, example)});
+        QVERIFY2(done.status == 0 && done.errors.isEmpty(), example.constData());
+        if (example.contains("grep")) {
             QCOMPARE(done.output, QByteArray("nothing to do\n"));
         }
     }
-    QCOMPARE(examples, 3);
     QVERIFY(QJsonDocument::fromJson(readFile("/tmp/panel.json")).isObject());
+}
+
+/// The example of bios.ini(5) has nothing that a panel would not take.
+void TestDoctor::documentedSettings()
+{
+    writeFile(Paths::settingsFile, examplesOfManualPage("src/bios.ini.5").join());
+    QCOMPARE(complaintsIn(runDoctor().output), QByteArrayList());
 }
 
 /// The guide shows a panel with today's ifconfig, another touch controller and no light.

@@ -1,4 +1,5 @@
 #include "diskfiles.h"
+#include "manualpage.h"
 #include "packagefiles.h"
 #include "panelguard.h"
 #include "toolrun.h"
@@ -29,18 +30,6 @@ constexpr char file[] = "line.kpc";
 ToolRun verify(const QStringList &arguments)
 {
     return runTool(MKPACKAGE, QStringList("verify") + arguments);
-}
-
-/// The examples in the manual page @p page, as a reader types them.
-QByteArray examplesOf(const QByteArray &page)
-{
-    QByteArray examples;
-    for (qsizetype end = 0, start = 0; (start = page.indexOf(".EX\n", end)) >= 0;) {
-        start += 4;
-        end = page.indexOf(".EE\n", start);
-        examples += page.mid(start, end - start);
-    }
-    return examples.replace("\\-", "-").replace("\\e", "\\");
 }
 
 /// The largest memory, in KiB, of the tools that have run so far.
@@ -240,8 +229,7 @@ void TestMkpackageVerify::examplesOfTheManualPages()
 {
     QFETCH(QString, page);
     QFETCH(QStringList, files);
-    const QByteArray examples
-        = examplesOf(readFile(PANEL_SOURCE "/tools/mkpackage/" + page.toUtf8()));
+    const QByteArray examples = examplesOfManualPage("tools/mkpackage/" + page.toUtf8()).join();
     QVERIFY(examples.contains("talmero-mkpackage verify "));
     writeFile(path("examples").toUtf8(), examples);
     shellBytes(QString("cd '%1'; rm %2; mkdir -p project/compile; echo hello >project/compile/main;"

@@ -261,6 +261,30 @@ interrupt_leaves_nothing() {
     [ "$before" = "$after" ] && ! pgrep -s "$run" >/dev/null
 }
 
+page_of() { # FILE: the address that a panel has printed there
+    sed -n 's|^The panel is shown at http://127.0.0.1:\([0-9]*\)/vnc.html?.*|\1|p' "$1"
+}
+
+# The second one finds the port of the first taken.
+browser_shows_two_panels() {
+    local first port other try
+    "$root/simulator/panel" --build "$build" --display web -- sleep 30 >"$work/first" &
+    first=$!
+    for ((try = 0; try < 200; try++)); do
+        port=$(page_of "$work/first")
+        [ -z "$port" ] || break
+        sleep 0.05
+    done
+    panel --display web -- true >"$work/second"
+    other=$(page_of "$work/second")
+    exec 3<>"/dev/tcp/127.0.0.1/$port" && printf 'GET /vnc.html HTTP/1.0\r\n\r\n' >&3 &&
+        grep -q '<title>noVNC' <&3
+    local status=$?
+    kill -INT "$first" && wait "$first"
+    exec 3>&-
+    [ "$status" -eq 0 ] && [ "$other" -gt "$port" ]
+}
+
 run_takes_a_picture() {
     (cd "$work" && "$root/run.sh" --screenshot picture.png --after 0.5 "$@")
 }
@@ -293,6 +317,7 @@ check "turns the screen" screen_really_turns
 check "starts in every size" every_size_starts
 check "traces tools" trace_names_each_tool
 check "ends on Ctrl-C and leaves nothing" interrupt_leaves_nothing
+check "shows two panels in the browser" browser_shows_two_panels
 
 check "run.sh explains itself" says '^Usage: ./run.sh' "$root/run.sh" --help
 check "run.sh refuses unknown options" status 2 "$root/run.sh" --unknown

@@ -68,7 +68,7 @@ void takeFactoryPictures(PictureBook &book)
     book.take("factory-test");
     takeList(book, factory.page(1)->findChild<QComboBox *>(), "factory-test-brightness");
     takeLinkTest(book, factory, "COM1 RS232", "factory-test-ok");
-    shellBytes(PANEL_SIMULATOR "/serial changed none none");
+    shellBytes("'" PANEL_SIMULATOR "'/serial changed none none");
     takeLinkTest(book, factory, "COM1 RS232", "factory-test-fail");
     takePixelTest(book, factory);
 }

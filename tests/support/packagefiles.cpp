@@ -101,7 +101,7 @@ QStringList installedState()
     // may lie below /tmp.
     const QByteArray lines = shellBytes(
         "cd /; in='home opt/talmero/bios tmp outside homde media etc/passwd';"
-        "own=$(dirname " PANEL_SIMULATOR ");"
+        "own=$(dirname '" PANEL_SIMULATOR "');"
         "list() { find $in \\( -path 'tmp/tst_*-*' -o -path \"${own#/}\" \\) -prune -o \"$@\""
         " | sort; };"
         "list -printf '%p %y %l %m\\n'; list -type f -exec sha256sum {} +");

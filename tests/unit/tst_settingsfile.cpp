@@ -1,6 +1,7 @@
 #include "system/settingsfile.h"
 
 #include "faultfiles.h"
+#include "manualpage.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -27,6 +28,7 @@ private slots:
     void overwritesLongerFile();
     void unwritableFileIsReported_data();
     void unwritableFileIsReported();
+    void documentedExample();
 };
 
 void TestSettingsFile::parsesLine_data()
@@ -226,6 +228,19 @@ void TestSettingsFile::unwritableFileIsReported()
     QFETCH(QString, kind);
     const FaultFile fault(kind);
     QVERIFY(!writeSettingsFile(fault.path(), {{"a", "1"}}));
+}
+
+/// A save keeps each line of it where it is, but for the comment.
+void TestSettingsFile::documentedExample()
+{
+    const QByteArrayList examples = examplesOfManualPage("src/bios.ini.5");
+    QCOMPARE(examples.size(), 1);
+    const QByteArray &example = examples.first();
+    QVERIFY(example.startsWith("# comment, lost at the first save\n"));
+    SettingsMap settings;
+    applySettingsText(example, settings);
+    QCOMPARE(settings.value("ethernet.eth1"), QString("192.168.0.20"));
+    QCOMPARE(formatSettings(settings), example.mid(example.indexOf('\n') + 1));
 }
 
 QTEST_GUILESS_MAIN(TestSettingsFile)

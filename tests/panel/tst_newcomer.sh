@@ -1,0 +1,177 @@
+#!/usr/bin/env bash
+# What run.sh and test.sh say on a machine that lacks something: one line that names it. Runs as
+# root in the simulated panel, with stand-ins for apt, cmake, ctest and sudo.
+set -u
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+[ -e /run/talmero-panel ] || exit 1
+# shellcheck source=tests/support/checks.sh
+source "$root/tests/support/checks.sh"
+
+readonly user=65534
+readonly as_user=(setpriv --reuid "$user" --clear-groups)
+readonly checkout=$work/checkout
+readonly stand_ins=$work/stand-ins
+
+stand_in() { # NAME SHELL_TEXT
+    printf '#!/bin/sh\n%s\n' "$2" >"$stand_ins/$1" && chmod 755 "$stand_ins/$1"
+}
+
+# A machine on which all goes well.
+prepare() {
+    rm -rf "$checkout" "$stand_ins"
+    mkdir -p "$checkout/scripts" "$checkout/simulator" "$stand_ins"
+    cp "$root/run.sh" "$root/test.sh" "$checkout"
+    cp "$root/scripts/common.sh" "$checkout/scripts"
+    # shellcheck disable=SC2016
+    stand_in panel 'echo "panel $*"' && mv "$stand_ins/panel" "$checkout/simulator"
+    stand_in dpkg-query 'printf installed'
+    stand_in cmake ''
+    # shellcheck disable=SC2016
+    stand_in ctest 'echo "ctest $*"'
+    # shellcheck disable=SC2016
+    stand_in sudo '[ "$1" != --non-interactive ] || shift; "$@"'
+    stand_in unshare '' # that sudo makes no root
+    printf 'ID=debian\nVERSION_ID="12"\nPRETTY_NAME="Debian GNU/Linux 12 (bookworm)"\n' >/etc/os-release
+    chmod 755 "$work"
+    chown -R "$user" "$checkout"
+}
+
+# apt-get that brings nothing: it says the one text when it updates and the other when it installs
+failing_apt() {
+    stand_in dpkg-query 'exit 1'
+    stand_in apt-get "case \$1 in update) cat >&2 <<'TEXT'
+$1
+TEXT
+;; *) cat <<'TEXT' && exit 100
+$2
+TEXT
+esac"
+}
+
+# one_line STATUS PATTERN COMMAND...: without a terminal, it says no more than one line that matches
+one_line() {
+    local expected=$1 pattern=$2 actual
+    shift 2
+    PATH=$stand_ins:$PATH timeout 20 setsid --wait "$@" </dev/null 2>&1 | sed '/^Installing/d' >"$work/said"
+    actual=${PIPESTATUS[0]}
+    cat "$work/said"
+    [ "$actual" -eq "$expected" ] && [ "$(wc -l <"$work/said")" -eq 1 ] && grep -qxE -- "$pattern" "$work/said"
+}
+
+# both PATTERN COMMAND...: run.sh and test.sh say the same, each with its name before it
+both() {
+    local pattern=$1 script
+    shift
+    for script in run.sh test.sh; do
+        one_line 1 "$script: $pattern" "$@" "$checkout/$script" || return
+    done
+}
+
+all_is_there() {
+    one_line 0 'panel --size 800x600 --trace --display web -- .*/build/talmero-bios' "${as_user[@]}" "$checkout/run.sh" &&
+        one_line 0 'ctest --preset release --parallel [0-9]+' "${as_user[@]}" "$checkout/test.sh" --quick
+}
+
+in_a_folder_with_blanks() {
+    mv "$checkout" "$work/my own checkout" && mkdir "$checkout" && cd / &&
+        one_line 0 'panel .* -- .*/my own checkout/build/talmero-bios' "${as_user[@]}" "$work/my own checkout/run.sh"
+}
+
+started_by_sh() {
+    one_line 2 'run.sh: unknown option --wrong; see ./run.sh --help' sh "$checkout/run.sh" --wrong &&
+        one_line 2 'test.sh: unknown option --wrong; see ./test.sh --help' sh "$checkout/test.sh" --wrong
+}
+
+no_sudo() {
+    mv "$stand_ins/sudo" "$work/no-sudo"
+    find /usr/bin/sudo /bin/sudo -delete 2>/dev/null
+    both 'this needs root: run it as root or install sudo' "${as_user[@]}"
+}
+
+sudo_without_terminal() {
+    stand_in sudo 'echo "sudo: a terminal is required" >&2; echo "sudo: a password is required" >&2; exit 1'
+    both 'sudo asks for a password: run this in a terminal, or as root' "${as_user[@]}"
+}
+
+sudo_that_refuses() {
+    stand_in sudo 'exit 1'
+    one_line 1 $'run.sh: this needs root: sudo did not give it\r?' \
+        script --quiet --return --command "${as_user[*]} '$checkout/run.sh'" /dev/null
+}
+
+container_without_rights() {
+    rm "$stand_ins/unshare"
+    both 'root may not mount here: .*' setpriv --bounding-set -sys_admin
+}
+
+disk_is_small() {
+    mkdir "$work/small" && mount -t tmpfs -o size=5m small "$work/small" &&
+        cp -a "$checkout/." "$work/small" &&
+        one_line 1 "run.sh: the build needs 100 MB in $work/small, and [45] MB are free there" \
+            "$work/small/run.sh" &&
+        umount "$work/small"
+}
+
+folder_that_make_refuses() {
+    cp -a "$checkout" "$checkout (1)" &&
+        one_line 1 "run.sh: make cannot build below $checkout .1.: .*" "$checkout (1)/run.sh"
+}
+
+no_apt() {
+    stand_in dpkg-query 'exit 1'
+    rm /usr/bin/apt-get
+    both 'there is no apt-get here: Debian 12 is needed'
+}
+
+readonly no_name="Temporary failure resolving 'deb.debian.org'"
+
+no_network() {
+    failing_apt "W: Failed to fetch http://deb/InRelease  $no_name" "E: Failed to fetch http://deb/a.deb  $no_name
+E: Unable to fetch some archives, maybe run apt-get update or try with --fix-missing?"
+    both "the packages could not be installed: Failed to fetch http://deb/a.deb  $no_name"
+}
+
+no_network_and_no_lists() {
+    failing_apt "W: Failed to fetch http://deb/InRelease  $no_name
+W: Some index files failed to download." "E: Unable to locate package g++
+E: Unable to locate package make"
+    both "the packages could not be installed: Failed to fetch http://deb/InRelease  $no_name"
+}
+
+other_system() {
+    failing_apt '' 'E: Unable to locate package clang-14'
+    printf 'ID=ubuntu\nVERSION_ID="24.04"\nPRETTY_NAME="Ubuntu 24.04 LTS"\n' >/etc/os-release
+    both 'the packages could not be installed: Unable to locate package clang-14; this is Ubuntu 24.04 LTS, and Debian 12 is needed'
+}
+
+disk_full_while_unpacking() {
+    failing_apt '' 'Unpacking g++ ...
+dpkg: error processing archive g++.deb (--unpack):
+ failed to write (No space left on device)
+Errors were encountered while processing:
+E: Sub-process /usr/bin/dpkg returned an error code (1)'
+    both 'the packages could not be installed: failed to write \(No space left on device\)'
+}
+
+# on_a_new_machine NAME FUNCTION
+on_a_new_machine() {
+    prepare
+    check "$@"
+}
+
+on_a_new_machine "builds and runs where all is there" all_is_there
+on_a_new_machine "runs in a folder with blanks, started from elsewhere" in_a_folder_with_blanks
+on_a_new_machine "is started by sh as well" started_by_sh
+on_a_new_machine "names a missing sudo" no_sudo
+on_a_new_machine "says that sudo has no terminal" sudo_without_terminal
+on_a_new_machine "says that sudo refuses" sudo_that_refuses
+on_a_new_machine "names a container without rights" container_without_rights
+on_a_new_machine "names a disk that is too small" disk_is_small
+on_a_new_machine "names a folder that make refuses" folder_that_make_refuses
+on_a_new_machine "names the missing network" no_network
+on_a_new_machine "names the missing network of a system without lists" no_network_and_no_lists
+on_a_new_machine "names another system" other_system
+on_a_new_machine "names a disk that is full while unpacking" disk_full_while_unpacking
+on_a_new_machine "names a missing apt-get" no_apt
+
+[ "$failures" -eq 0 ]
