@@ -31,9 +31,9 @@ def show_tests():
 
 
 def test_seconds():
-    """How long each test took on average, from ctest's own records."""
+    """How long each test took on average, from ctest's own records: where it has run them."""
     seconds = {}
-    text = (BUILD / "Testing/Temporary/CTestCostData.txt").read_text()
+    text = (ROOT / "build-coverage/Testing/Temporary/CTestCostData.txt").read_text()
     for line in text.split("---")[0].splitlines():
         name, _, average = line.split()
         seconds[name] = float(average)
