@@ -7,7 +7,7 @@ export project_root
 # Debian package names, by what needs them. Read by run.sh and test.sh.
 # shellcheck disable=SC2034
 build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
-    libarchive-dev zlib1g-dev)
+    libarchive-dev zlib1g-dev libfuse3-dev)
 # shellcheck disable=SC2034
 package_packages=(dpkg-dev debhelper git)
 # shellcheck disable=SC2034

@@ -31,9 +31,9 @@ def show_tests():
 
 
 def test_seconds():
-    """How long each test took on average, from ctest's own records."""
+    """How long each test took on average, from ctest's own records: where it has run them."""
     seconds = {}
-    text = (BUILD / "Testing/Temporary/CTestCostData.txt").read_text()
+    text = (ROOT / "build-coverage/Testing/Temporary/CTestCostData.txt").read_text()
     for line in text.split("---")[0].splitlines():
         name, _, average = line.split()
         seconds[name] = float(average)
@@ -95,7 +95,9 @@ class Run:
         self.seconds = test_seconds()
         self.reach = Reach(ROOT, sorted(self.tests), FOLDERS)
         commands = json.loads((BUILD / "compile_commands.json").read_text())
-        self.commands = {entry["file"]: entry["command"] for entry in commands}
+        # fuzz targets compile some of the files once more
+        self.commands = {entry["file"]: entry["command"] for entry in commands
+                         if entry["directory"] == str(BUILD / "src")}
         self.links = {name: (BUILD / f"src/CMakeFiles/{name}.dir/link.txt").read_text().strip()
                       for name in ("panel_core", "panel_ui")}
         self.workers = queue.SimpleQueue()

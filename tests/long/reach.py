@@ -45,7 +45,8 @@ class Reach:
                 self.add(test, file)
 
     def add(self, test, file):
-        path = pathlib.Path(file["file"])
+        # ccache may have made the name relative to the folder in which the file was compiled
+        path = (self.build / "src" / file["file"]).resolve()
         if not path.is_relative_to(self.root):
             return
         name = str(path.relative_to(self.root))

@@ -155,6 +155,7 @@ void TestHeaderWalk::paxRecords_data()
     QTest::newRow("another key") << QByteArray("11 other=x\n") << none;
     QTest::newRow("time") << QByteArray("17 mtime=-12.345\n") << none;
     QTest::newRow("no length") << QByteArray("path=x\n") << malformed;
+    QTest::newRow("second one without a length") << QByteArray("10 path=x\npath=x\n") << malformed;
     QTest::newRow("length alone") << QByteArray("3 \n") << malformed;
     QTest::newRow("length of nothing") << QByteArray("0 path=x\n") << malformed;
     QTest::newRow("length with a sign") << QByteArray("+10 path=x\n") << malformed;

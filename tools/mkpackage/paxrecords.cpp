@@ -46,7 +46,7 @@ const char *findPaxError(QByteArrayView records, bool forAll)
         const qsizetype blank = records.indexOf(' ');
         const QByteArrayView digits = records.first(std::max<qsizetype>(blank, 0));
         const qsizetype size = isNumber(digits) ? digits.toByteArray().toLongLong() : 0;
-        if (size <= blank || size > records.size() || records.at(size - 1) != '\n') {
+        if (blank < 0 || size <= blank || size > records.size() || records.at(size - 1) != '\n') {
             return malformed;
         }
         const QByteArrayView record = records.sliced(blank + 1, size - blank - 1).chopped(1);
