@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QApplication>
+#include <QDrag>
 #include <QLabel>
 #include <QScopedValueRollback>
 #include <QTest>
@@ -102,6 +103,7 @@ void FingerWalk::takeStep()
         return;
     }
     if (m_isTouching) {
+        QDrag::cancel(); // of text: waits for the finger to be lifted, which comes only behind it
         QTimer::singleShot(waitForTouch, this, &FingerWalk::takeStep);
         return;
     }
