@@ -60,7 +60,7 @@ public:
             close(end);
         }
     }
-    Q_DISABLE_COPY_MOVE(ErrorPipe)
+    Q_DISABLE_COPY(ErrorPipe)
 
     /// Where to write into it; no path if the system has no more pipes.
     QString path() const
