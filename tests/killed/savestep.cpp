@@ -85,8 +85,7 @@ int main(int argc, char *argv[])
     for (const Save &save : saves) {
         if (arguments.size() == 3 && arguments.at(1) == save.name) {
             save.run(arguments.at(2).toInt());
-            killAtCall(
-                0); // counters of a coverage build, which are written at the end, are no save
+            killAtCall(0); // a coverage build writes its counters at the end: that is no save
             return EXIT_SUCCESS;
         }
     }

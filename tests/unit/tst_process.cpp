@@ -53,6 +53,8 @@ private slots:
     void killsWhatIgnoresThePoliteEnd();
     void asksTools_data();
     void asksTools();
+    void endsToolsThatWriteTooMuch_data();
+    void endsToolsThatWriteTooMuch();
     void inputIsEmpty();
     void doesNotWaitForABackgroundChild();
     void readsOutputAsText();
@@ -188,6 +190,22 @@ void TestProcess::asksTools()
     QCOMPARE(given.status, answer.status);
     QCOMPARE(given.output, answer.output);
     QCOMPARE(given.errors, answer.errors);
+}
+
+void TestProcess::endsToolsThatWriteTooMuch_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::newRow("output") << QStringList{"yes"};
+    QTest::newRow("errors") << shell("exec yes >&2");
+}
+
+/// Soon: what comes until then is in memory.
+void TestProcess::endsToolsThatWriteTooMuch()
+{
+    QFETCH(QStringList, command);
+    const ToolAnswer given = askTool(command, 30000ms, 100);
+    QCOMPARE(given.end, ToolAnswer::End::TooMuch);
+    QVERIFY(given.output.size() + given.errors.size() < 4'000'000);
 }
 
 void TestProcess::inputIsEmpty()
