@@ -190,13 +190,21 @@ machine() {
         "$(date +%Y-%m-%d)"
 }
 
-# Puts the table in place of the one between the two marks.
+# An indented row says nothing without the row above it.
+rows_with_limits() { # FILE
+    awk '
+        /^what;/ { print }
+        /^[^ ]/ { above = $0 }
+        /(met|MISSED)$/ { if (/^ / && above != shown) print above; print; shown = above }' "$1"
+}
+
+# Replaces the table between the two marks.
 store_table() { # FILE
     local document=$project_root/docs/performance.md
     {
         sed '/^<!-- table -->$/q' "$document"
         printf '\n%s\n\n```text\n' "$(machine)"
-        cat "$1"
+        rows_with_limits "$1"
         printf '```\n\n'
         sed -n '/^<!-- end of table -->$/,$p' "$document"
     } >"$document.new"
