@@ -110,7 +110,7 @@ take_value() {
     esac
 }
 
-# Separate from the parsing, because a folder may be readable for root only.
+# Separate from the parsing, because a folder may be readable only by root.
 check_options() {
     local i
     for i in "${!shares[@]}"; do

@@ -15,7 +15,7 @@ accept_interrupts() {
 become_root() {
     ((EUID)) || return 0
     type -P sudo >/dev/null || fail "this needs root: run it as root or install sudo"
-    # sudo may drop the variables that lead to the user's display
+    # sudo may drop the variables that point to the user's display
     exec sudo -- env ${DISPLAY+"DISPLAY=$DISPLAY"} \
         "XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}" "$simulator/panel" "$@"
 }
