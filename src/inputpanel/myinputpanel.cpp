@@ -45,6 +45,12 @@ void MyInputPanel::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
 }
 
+void MyInputPanel::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    emit hidden();
+}
+
 void MyInputPanel::saveFocusWidget(QWidget *, QWidget *newFocus)
 {
     if (newFocus != nullptr && newFocus != this && !isAncestorOf(newFocus)) {

@@ -97,7 +97,6 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     auto *maskCaption = new QLabel(tr("Netmask:"), page);
     for (QLabel *editCaption : {addressCaption, maskCaption}) {
         setWidgetWithStyle(editCaption);
-        useRowFont(editCaption);
     }
     auto *edits = new QGridLayout;
     edits->setHorizontalSpacing(captionSpacing);
@@ -108,7 +107,6 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     edits->addWidget(port.mask, 1, 1);
 
     QLabel *caption = createHeading(tr(look.caption), page);
-    useRowFont(caption);
     layout->addWidget(caption);
     layout->addWidget(port.disable);
     layout->addWidget(port.dhcp);

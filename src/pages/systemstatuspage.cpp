@@ -70,13 +70,10 @@ QPair<QLabel *, QLabel *> BiosInterface::createSystemStatusLabel(const QString &
     captionLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto *value = new QLabel(page);
     value->setObjectName(valueNamePrefix + caption);
-    // What the files say must not make the window wider than the screen.
-    value->setWordWrap(true);
-    value->setMinimumWidth(1);
+    value->setWordWrap(true); // files may say more than a line holds
     for (QLabel *label : {captionLabel, value}) {
         label->setTextFormat(Qt::PlainText); // what a file or a tool says may look like markup
         setWidgetWithStyle(label);
-        useRowFont(label);
     }
     return {captionLabel, value};
 }
@@ -123,7 +120,6 @@ QToolButton *BiosInterface::createUpdateButton()
     button->setText(tr("Update BIOS"));
     button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Minimum);
     setWidgetWithStyle(button);
-    useRowFont(button);
     connect(button, &QToolButton::clicked, this, [this] { updateBIOSDialog(); });
     return button;
 }

@@ -3,8 +3,8 @@
 #include "system/interfacesfile.h"
 #include "system/presstimer.h"
 #include "system/settingsfile.h"
+#include "widgets/pagefit.h"
 
-#include <QList>
 #include <QPair>
 #include <QSize>
 #include <QString>
@@ -14,6 +14,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 class LineEditWithKeyPad;
 class MyInputPanelContext;
@@ -32,6 +33,7 @@ class QToolButton;
 class QVBoxLayout;
 class RadioButton;
 class SettingsButton;
+class ShiftingLayout;
 class StackWidgetPage;
 class StartingApplicationAniationButton;
 
@@ -185,6 +187,8 @@ public slots:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     struct PageActions
@@ -259,9 +263,10 @@ private:
     static QVBoxLayout *createContent(int margin);
     static void setPageLayout(QLayout *titleBar, QLayout *content, QWidget *page);
 
-    void useRowFont(QWidget *widget);
-    void fitRowFonts(int width);
-    void layOutPages();
+    void fitShownPage();
+    bool keypadFitsAtEachEdit(const QWidget *page) const;
+    void makeRoomForKeypad(const QWidget *field);
+    void takeRoomBack();
 
     bool findTouchDevice();
     void rescueMode();
@@ -307,9 +312,9 @@ private:
     std::array<EthernetPort, 2> m_ports;
     QLabel *m_firmwareVersion = nullptr; ///< on the status page
 
-    QList<QWidget *> m_rowWidgets; ///< those whose font follows the window's width
-
+    ShiftingLayout *m_windowLayout = nullptr; ///< holds the page stack alone
     QStackedWidget *m_pages = nullptr;
+    std::array<std::optional<PageFit>, PageCount> m_fits; ///< of the pages that were open
     StartingApplicationAniationButton *m_countDown = nullptr;
     SettingsButton *m_runApplication = nullptr;
     SettingsButton *m_comPort = nullptr;
