@@ -18,7 +18,8 @@ const QList<BrokenThing> &brokenThings()
     static const QList<BrokenThing> things{
         {"no font folder", [](Facts &f) { f.paths.remove(Paths::fontFolder); },
          {"error folders: there is no folder /usr/share/fonts/truetype/freefont/"}},
-        {"read-only network folder", [](Facts &f) { at(f, "/etc/network").isWritable = false; },
+        {"network file mounted by itself", [](Facts &f) { at(f, "/etc/network").isWritable = false; }, {}},
+        {"read-only network folder", [](Facts &f) { at(f, "/etc/network").isWritable = false; at(f, Paths::interfacesFile).isWritable = false; },
          {"error folders: /etc/network cannot be written"}},
         {"no rules folder", [](Facts &f) { f.paths.remove("/etc/udev/rules.d"); },
          {"warning folders: there is no folder /etc/udev/rules.d"}},
