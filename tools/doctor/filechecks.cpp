@@ -90,6 +90,13 @@ constexpr VersionFile versionFiles[] = {
     {Paths::modelFile, false, "which applications may be installed"},
 };
 
+/// "00" is the number 0 too.
+bool isZero(const QString &text)
+{
+    bool isNumber = false;
+    return text.toLongLong(&isNumber) == 0 && isNumber;
+}
+
 Finding checkVersionFile(const Facts &facts, const VersionFile &file)
 {
     const QString path = QLatin1String(file.path);
@@ -108,7 +115,7 @@ Finding checkVersionFile(const Facts &facts, const VersionFile &file)
                        "write it anew: the power may have failed while it was written" + decides);
     }
     const QString text = QString("%1 says \"%2\"").arg(path, shortened(line));
-    if (file.isNumber && versionNumber(line) == 0 && line != QLatin1String("0")) {
+    if (file.isNumber && versionNumber(line) == 0 && !isZero(line)) {
         return warning(text + ", which is no version", "write a decimal number" + decides);
     }
     if (line != line.trimmed()) {
