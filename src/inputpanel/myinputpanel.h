@@ -21,7 +21,6 @@ signals:
 
 protected:
     bool event(QEvent *e) override;
-    void showEvent(QShowEvent *event) override;
 
 private slots:
     void saveFocusWidget(QWidget *oldFocus, QWidget *newFocus);

@@ -197,8 +197,10 @@ void TestInputPanel::backspacePicture()
     const QImage picture(":/images/backspace.png");
     QCOMPARE(picture.size(), QSize(34, 22));
     QCOMPARE(key("panelButton_hash")->iconSize(), picture.size());
-    m_panel->show();
-    QVERIFY(!key("panelButton_hash")->icon().isNull());
+    // Of the form: the keypad was never shown.
+    const QPixmap icon = key("panelButton_hash")->icon().pixmap(picture.size());
+    constexpr auto format = QImage::Format_ARGB32_Premultiplied;
+    QCOMPARE(icon.toImage().convertToFormat(format), picture.convertToFormat(format));
     QCOMPARE(qAlpha(picture.pixel(0, 0)), 0);
     QCOMPARE(qAlpha(picture.pixel(15, 3)), 255);
 }
