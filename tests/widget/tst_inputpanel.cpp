@@ -255,10 +255,13 @@ void TestInputPanel::onlyLineEditsAreServed()
     QVERIFY(QApplication::focusWidget() == nullptr);
     QVERIFY(!m_context->filterEvent(&request));
     QVERIFY(!m_panel->isVisible());
-    m_context->updatePosition(); // nothing has the focus: stays where it is
+    m_panel->move(7, 9);
+    m_context->updatePosition(); // nothing has the focus
+    QCOMPARE(m_panel->pos(), QPoint(7, 9));
     m_window->top.setFocus();
     QVERIFY(m_context->filterEvent(&request));
     QVERIFY(m_panel->isVisible());
+    QVERIFY(m_panel->pos() != QPoint(7, 9));
 }
 
 void TestInputPanel::otherEventsAreLeft()
