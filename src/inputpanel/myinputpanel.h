@@ -25,7 +25,6 @@ signals:
 protected:
     bool event(QEvent *e) override;
     void hideEvent(QHideEvent *event) override;
-    void showEvent(QShowEvent *event) override;
 
 private slots:
     void saveFocusWidget(QWidget *oldFocus, QWidget *newFocus);

@@ -85,7 +85,9 @@ bool BiosInterface::saveFiletransferSettings()
 {
     const auto *table = m_pages->widget(FileTransferPage)->findChild<QTableWidget *>();
     const QTableWidgetItem *chosen = table != nullptr ? table->currentItem() : nullptr;
-    if (chosen == nullptr) {
+    // The current row is one that was tapped only if it is selected: when the table gets the focus
+    // in another way, Qt makes the first row current, which nobody sees.
+    if (chosen == nullptr || !chosen->isSelected()) {
         return true;
     }
     const QString path = filePath(chosen);

@@ -47,6 +47,9 @@ const BiosInterface::PageActions BiosInterface::s_pageActions[] = {
 
 void BiosInterface::runSettingsUI()
 {
+    if (sender() == nullptr) {
+        return; // called by its name, not by a button
+    }
     const int page = pageIndexFromName(sender()->objectName());
     m_pages->setCurrentIndex(page);
     loadSettings(page);
@@ -55,6 +58,9 @@ void BiosInterface::runSettingsUI()
 
 void BiosInterface::titleBarButtonPressed()
 {
+    if (sender() == nullptr) {
+        return;
+    }
     m_clockTick.stop();
     if (sender()->objectName().contains(okName)) {
         saveSettings(m_pages->currentIndex());

@@ -124,7 +124,7 @@ void TestOrientation::initTestCase()
 void TestOrientation::technicianTurnsTheScreen_data()
 {
     QTest::addColumn<QByteArray>("model");
-    QTest::newRow("small font") << QByteArray("RV-K21T\n");
+    QTest::newRow("small font") << QByteArray("K07\n");
     QTest::newRow("usual font") << QByteArray("RV-M15\n");
 }
 

@@ -120,8 +120,9 @@ private slots:
     void cancelChangesNothing();
     void textsAreTakenAsTyped();
     void emptyMaskIsStoredEmpty();
-    void unwritableInterfacesFileStays_data();
     void unwritableInterfacesFileStays();
+    void interfacesFileThatCannotBeReplaced_data();
+    void interfacesFileThatCannotBeReplaced();
     void toolsThatFail_data();
     void toolsThatFail();
     void hangingDhcpClientIsCutOff();
@@ -409,32 +410,52 @@ void TestEthernetPage::emptyMaskIsStoredEmpty()
              QString("Manual Input [10.0.0.9] [255.255.255.0] enabled"));
 }
 
-void TestEthernetPage::unwritableInterfacesFileStays_data()
+void TestEthernetPage::unwritableInterfacesFileStays()
+{
+    const Page page;
+    page.choose(0, Dhcp);
+    shellBytes("mount --bind /etc/network /etc/network && "
+               "mount -o remount,bind,ro /etc/network");
+    page.ok();
+    const QString left = interfacesText();
+    shellBytes("umount /etc/network");
+    QCOMPARE(left, QString(oldInterfaces));
+    QCOMPARE(readPanelFile("bios.ini"), QByteArray("ethernet.eth0=dhcp\n")); // the choice is kept
+    QCOMPARE(page.window()->findChild<QStackedWidget *>()->currentIndex(), 1);
+}
+
+void TestEthernetPage::interfacesFileThatCannotBeReplaced_data()
 {
     QTest::addColumn<QString>("cover");
     QTest::addColumn<QString>("undo");
-    QTest::newRow("read-only") << "mount --bind /etc/network /etc/network && "
-                                  "mount -o remount,bind,ro /etc/network"
-                               << "umount /etc/network";
-    QTest::newRow("full") << "mount -t tmpfs -o size=64k panel /etc/network && "
-                             "echo '# as it was' >/etc/network/interfaces && "
-                             "(head -c 1000000 /dev/zero >/etc/network/rest 2>/dev/null || true)"
-                          << "umount /etc/network";
+    const QString mount = "cp interfaces /run/kept && chmod 600 /run/kept && "
+                          "chown 7:8 /run/kept && mount --bind /run/kept interfaces";
+    QTest::newRow("mounted by itself") << mount << "umount interfaces";
+    QTest::newRow("mounted by itself, read-only root")
+        << "mount --bind . . && cd /etc/network && mount -o remount,bind,ro . && " + mount
+        << "umount interfaces && cd / && umount /etc/network";
+    QTest::newRow("full disk") << "mount -t tmpfs -o size=64k panel . && cd /etc/network && "
+                                  "echo '# as it was' >interfaces && chmod 600 interfaces && "
+                                  "chown 7:8 interfaces && "
+                                  "(head -c 1000000 /dev/zero >rest 2>/dev/null || true)"
+                               << "cd / && umount /etc/network";
 }
 
-void TestEthernetPage::unwritableInterfacesFileStays()
+void TestEthernetPage::interfacesFileThatCannotBeReplaced()
 {
     QFETCH(QString, cover);
     QFETCH(QString, undo);
     const Page page;
     page.choose(0, Dhcp);
-    shellBytes(cover);
+    const QString inFolder = "cd /etc/network && ";
+    shellBytes(inFolder + cover);
     page.ok();
-    const QString left = interfacesText();
-    shellBytes(undo);
-    QCOMPARE(left, QString(oldInterfaces));
-    QCOMPARE(readPanelFile("bios.ini"), QByteArray("ethernet.eth0=dhcp\n")); // the choice is kept
-    QCOMPARE(page.window()->findChild<QStackedWidget *>()->currentIndex(), 1);
+    const QString written = interfacesText();
+    const QByteArray rights = shellBytes("stat -c %u:%g:%a /etc/network/interfaces");
+    shellBytes(inFolder + undo);
+    QCOMPARE(written, loopback + "auto eth0\niface eth0 inet dhcp\n\n");
+    QCOMPARE(rights, QByteArray("7:8:600\n"));
+    QCOMPARE(interfacesText(), QString(oldInterfaces)); // what was covered
 }
 
 void TestEthernetPage::toolsThatFail_data()
