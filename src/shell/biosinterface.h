@@ -5,7 +5,9 @@
 #include "system/settingsfile.h"
 #include "widgets/pagefit.h"
 
+#include <QList>
 #include <QPair>
+#include <QPointer>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -225,6 +227,25 @@ private:
         QComboBox *brightness = nullptr;
         QDateTimeEdit *time = nullptr;
     };
+    /// The widgets of the file transfer page.
+    struct TransferWidgets
+    {
+        QPointer<RadioButton> application;
+        QPointer<QTableWidget> files;
+    };
+    /// The labels of the status page whose texts change.
+    struct StatusLabels
+    {
+        QPointer<QLabel> applicationSize;
+        QPointer<QLabel> firmwareVersion;
+        QPointer<QLabel> firstAddress;
+        QPointer<QLabel> secondAddress;
+    };
+    /// The widgets of the font page.
+    struct FontWidgets
+    {
+        QPointer<QTableWidget> files;
+    };
     static const PageActions s_pageActions[];
     static const PageButton s_pageButtons[];
 
@@ -280,12 +301,13 @@ private:
     void loadEthernetPort(int lan);
     void showLiveAddress(int lan);
     void setEthernetEditsEnabled(int lan, bool enabled);
-    PortMode shownPortMode(int lan) const;
-    void saveEthernetPort(int lan, QString *address, QString *mask);
+    PortSetup shownPort(int lan) const;
+    void applyPort(int lan, const PortSetup &port);
+    static void writeInterfaces(const PortSetups &ports);
 
     QTableWidget *createFileTable(Page page, int columns);
 
-    void createStatusRows(QGridLayout *grid);
+    QList<QLabel *> createStatusRows(QGridLayout *grid);
     QToolButton *createUpdateButton();
     QString hardwareAddress(const QString &interface);
     QString applicationSize();
@@ -310,7 +332,9 @@ private:
 
     MiscWidgets m_misc;
     std::array<EthernetPort, 2> m_ports;
-    QLabel *m_firmwareVersion = nullptr; ///< on the status page
+    TransferWidgets m_transfer;
+    StatusLabels m_status;
+    FontWidgets m_fonts;
 
     ShiftingLayout *m_windowLayout = nullptr; ///< holds the page stack alone
     QStackedWidget *m_pages = nullptr;
