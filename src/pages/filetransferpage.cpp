@@ -4,6 +4,7 @@
 #include "packages/filewalk.h"
 #include "packages/packageinstaller.h"
 #include "packages/packagerefusal.h"
+#include "packages/packagetypes.h"
 #include "system/settingskeys.h"
 #include "widgets/radiobutton.h"
 
@@ -19,8 +20,6 @@ constexpr int warningFontSize = 24;              // px, readable at arm's length
 constexpr char tableName[] = "show_files_table"; // of both pages that have one
 constexpr char applicationName[] = "application_radioButton";
 constexpr char firmwareName[] = "firmware_radioButton";
-constexpr char applicationExtension[] = ".kpc";
-constexpr char firmwareExtension[] = ".fmw";
 
 void warn(const QString &title, const QString &text)
 {
@@ -70,13 +69,12 @@ bool BiosInterface::loadFiletransferSettings()
         return false;
     }
     const QString folder = searchFolder(m_settings.value(SettingsKeys::transferFolder));
-    const QString extension
-        = QLatin1String(application->isChecked() ? applicationExtension : firmwareExtension);
+    const auto type = application->isChecked() ? PackageType::Application : PackageType::Firmware;
     // A file whose whole name is the extension comes first. Such a name is a hidden one, so the
     // toolkit has listed none so far.
-    QStringList files
-        = QDir(folder).entryList({extension}, QDir::Files | QDir::NoSymLinks, QDir::Unsorted);
-    files += findFilesBelow(folder, {extension}, ExtensionCase::SmallLetters);
+    QStringList files = QDir(folder).entryList({packageExtension(type)},
+                                               QDir::Files | QDir::NoSymLinks, QDir::Unsorted);
+    files += findPackagesBelow(folder, type);
     showFiles(table, folder, files);
     return true;
 }

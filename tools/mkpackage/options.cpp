@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include "packages/packagetypes.h"
 #include "system/textcodec.h"
 
 #include <QCommandLineParser>
@@ -24,19 +25,18 @@ struct Kind
     PackageKind kind;
     const char *name;
     const char *target; ///< what its target names; null if it is not used
-    QStringList extensions;
-    Qt::CaseSensitivity extensionCase;
 };
+
+// clang-format off
+constexpr Kind kinds[] = {
+    {PackageKind::Application, "application", "panel model"},
+    {PackageKind::Firmware,    "firmware",    "OEM name"},
+    {PackageKind::BiosImage,   "bios",        nullptr},
+};
+// clang-format on
 
 const Kind *findKind(PackageKind kind)
 {
-    // clang-format off
-    static const Kind kinds[] = {
-        {PackageKind::Application, "application", "panel model", {".kpc"},         Qt::CaseSensitive},
-        {PackageKind::Firmware,    "firmware",    "OEM name",    {".fmw"},         Qt::CaseSensitive},
-        {PackageKind::BiosImage,   "bios",        nullptr,       {".mo", ".pkg"},  Qt::CaseInsensitive},
-    };
-    // clang-format on
     const auto *found = std::find_if(std::begin(kinds), std::end(kinds),
                                      [kind](const Kind &known) { return known.kind == kind; });
     return found != std::end(kinds) ? found : nullptr;
@@ -44,13 +44,10 @@ const Kind *findKind(PackageKind kind)
 
 std::optional<PackageKind> kindFromName(const QString &name)
 {
-    for (const auto kind :
-         {PackageKind::Application, PackageKind::Firmware, PackageKind::BiosImage}) {
-        if (kindName(kind) == name) {
-            return kind;
-        }
-    }
-    return std::nullopt;
+    const auto *found
+        = std::find_if(std::begin(kinds), std::end(kinds),
+                       [&name](const Kind &known) { return name == QLatin1String(known.name); });
+    return found != std::end(kinds) ? std::optional(found->kind) : std::nullopt;
 }
 
 std::optional<qint64> parseNumber(const QString &text)
@@ -71,10 +68,10 @@ QString targetError(const Kind &kind, const QString &target)
     if (!isPrintableAscii(target)) {
         return "--target must be printable ASCII";
     }
-    if (target.size() >= packageTargetSize) {
+    if (target.size() > longestPackageTarget) {
         return QString("--target has %1 characters, and there is room for %2")
             .arg(target.size())
-            .arg(packageTargetSize - 1);
+            .arg(longestPackageTarget);
     }
     return {};
 }
@@ -258,14 +255,9 @@ Options parseOptions(const QStringList &arguments)
 QStringList warningsFor(const PackageHeader &header, const QString &output)
 {
     QStringList warnings;
-    const Kind *kind = findKind(header.kind);
-    const bool found = std::any_of(kind->extensions.begin(), kind->extensions.end(),
-                                   [kind, &output](const QString &extension) {
-                                       return output.endsWith(extension, kind->extensionCase);
-                                   });
-    if (!found) {
+    if (!isListedAs(header.kind, output)) {
         warnings += QString("a panel looks for packages of this kind by the extension %1")
-                        .arg(kind->extensions.join(" or "));
+                        .arg(packageExtensions(header.kind).join(" or "));
     }
     if (header.kind == PackageKind::Firmware
         && header.version > quint32(std::numeric_limits<qint32>::max())) {

@@ -70,7 +70,7 @@ QByteArray headerText(const PackageHeader &header)
 {
     const QString name = kindName(header.kind);
     QByteArray target = printable(header.target);
-    if (bytesFromText(header.target).size() >= packageTargetSize) {
+    if (bytesFromText(header.target).size() > longestPackageTarget) {
         target += " (not ended by a NUL byte)";
     }
     return line("kind:",

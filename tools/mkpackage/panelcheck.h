@@ -24,6 +24,3 @@ void checkPanel(const PackageHeader &header, const QString &name, const PanelFac
 
 /// Says what a panel makes of a file that is shorter than a header.
 void checkShortFile(qint64 size, const QString &name, Findings &findings);
-
-/// Whether the file @p name is picked for the folder of the settings program.
-bool isBiosFile(const QString &name);

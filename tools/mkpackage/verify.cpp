@@ -3,6 +3,7 @@
 #include "gzipreader.h"
 #include "membercheck.h"
 #include "packages/packagecheck.h"
+#include "packages/packagetypes.h"
 #include "system/commandline.h"
 #include "system/textcodec.h"
 #include "tarreader.h"
@@ -116,7 +117,7 @@ void Verifier::readMembers(TarReader &tar, const PackageHeader &header)
         }
     }
     if (header.kind == PackageKind::BiosImage && !m_hasVersionFile
-        && !m_task.name.endsWith(QLatin1String(".pkg"), Qt::CaseInsensitive)) {
+        && !isListedAs(PackageType::AddOn, m_task.name)) {
         say(Check::Panel, Level::Warning,
             "it has no file bios.version: the panel will not know that it is installed");
     }
