@@ -1,5 +1,4 @@
 #include "options.h"
-#include "packageinfo.h"
 #include "system/debugtext.h"
 
 #include <QTest>
@@ -29,8 +28,6 @@ private slots:
     void fileTimes();
     void printableText_data();
     void printableText();
-    void tarListing_data();
-    void tarListing();
 };
 
 void TestMkpackageOptions::make()
@@ -268,33 +265,6 @@ void TestMkpackageOptions::printableText()
 {
     QFETCH(QString, text);
     QTEST(printable(text), "shown");
-}
-
-void TestMkpackageOptions::tarListing_data()
-{
-    QTest::addColumn<QByteArray>("output");
-    QTest::addColumn<QByteArray>("members");
-    QTest::addColumn<bool>("ended");
-    const QByteArray file = "block 0: -rw-r--r-- 0/0 2 2000-01-01 00:00 a: b\n";
-    const QByteArray member = "-rw-r--r-- 0/0 2 2000-01-01 00:00 a: b\n";
-    const QByteArray end = "block 2: ** Block of NULs **\n";
-    QTest::newRow("nothing") << QByteArray() << QByteArray() << false;
-    QTest::newRow("whole") << file + end << member << true;
-    QTest::newRow("just stops") << file + "block 2: ** End of File **\n" << member << false;
-    QTest::newRow("fails") << file << member << false;
-    QTest::newRow("no member") << QByteArray("block 0: ** Block of NULs **\n") << QByteArray()
-                               << true;
-    QTest::newRow("a name like the end")
-        << QByteArray("block 0: -rw-r--r-- 0/0 2 2000-01-01 00:00 : ** Block of NULs **\n")
-        << QByteArray("-rw-r--r-- 0/0 2 2000-01-01 00:00 : ** Block of NULs **\n") << false;
-}
-
-void TestMkpackageOptions::tarListing()
-{
-    QFETCH(QByteArray, output);
-    const TarListing listing = parseTarListing(output);
-    QTEST(listing.members, "members");
-    QTEST(listing.ended, "ended");
 }
 
 QTEST_GUILESS_MAIN(TestMkpackageOptions)

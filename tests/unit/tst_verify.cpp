@@ -3,6 +3,7 @@
 #include "diskfiles.h"
 #include "memberpath.h"
 #include "packagefiles.h"
+#include "packageinfo.h"
 #include "panelguard.h"
 
 #include <QBuffer>
@@ -384,6 +385,8 @@ void TestVerify::unreadable()
     for (const qsizetype size : {qsizetype(0), qsizetype(20), qsizetype(60), package.size()}) {
         FailingDevice device(package.left(size));
         QVERIFY(!verifyPackage(device, {"a.kpc", {}}).readable);
+        FailingDevice shown(package.left(size));
+        QVERIFY(!readPackage(shown).readable);
     }
 }
 

@@ -1,6 +1,5 @@
 #include "findings.h"
 
-#include "packageinfo.h"
 #include "system/debugtext.h"
 #include "system/textcodec.h"
 

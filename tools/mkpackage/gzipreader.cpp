@@ -21,6 +21,12 @@ bool isZero(QByteArrayView piece)
 }
 } // namespace
 
+bool isAtEnd(QIODevice &device)
+{
+    char more = 0;
+    return device.read(&more, 1) == 0;
+}
+
 GzipReader::GzipReader(QIODevice &device, qint64 limit)
     : m_device(device)
     , m_limit(limit)
@@ -56,6 +62,13 @@ QByteArrayView GzipReader::read()
         m_state = State::TooLarge;
     }
     return piece;
+}
+
+void GzipReader::skipRest()
+{
+    while (!read().isEmpty()) {
+        // nothing but the end matters
+    }
 }
 
 /// Result: false if there is no more input, which decides how the data ends.

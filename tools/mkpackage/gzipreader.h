@@ -8,6 +8,9 @@
 
 class QIODevice;
 
+/// Whether @p device has nothing more to read; false also if reading fails.
+bool isAtEnd(QIODevice &device);
+
 /// Unpacks gzip data piece by piece, from where a device stands to its end. Needs the same memory
 /// whatever comes, and checks all that the format lets check.
 class GzipReader
@@ -28,6 +31,9 @@ public:
     /// The next piece, valid until the next call; empty if there are no more. Each but the last
     /// one is of the same size, a multiple of a tar block's.
     QByteArrayView read();
+
+    /// Reads to the end, for what only the end tells.
+    void skipRest();
 
     State state() const { return m_state; }
     QString error() const { return m_error; }

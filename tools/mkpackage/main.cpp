@@ -67,13 +67,12 @@ void say(std::FILE *stream, const QString &text)
     std::fprintf(stream, "talmero-mkpackage: %s\n", printable(text).constData());
 }
 
-/// What would change the archive, or what the tools print.
+/// What would change the archive, or what tar prints.
 void shieldTools()
 {
     qunsetenv("TAR_OPTIONS");
     qunsetenv("GZIP");
     qputenv("LC_ALL", "C");
-    qputenv("TZ", "UTC");
 }
 
 /// A signal that is ignored, as below nohup, stays so.
@@ -115,23 +114,35 @@ int make(const Options &options)
     return Done;
 }
 
-int info(const Options &options)
+int sayUnreadable(const QString &path)
 {
-    QFile out;
-    QFile errors;
-    const bool open
-        = out.open(stdout, QIODevice::WriteOnly) && errors.open(stderr, QIODevice::WriteOnly);
-    return open ? showPackage(options.file, out, errors) : int(WrongUsage);
+    say(stderr, "cannot read " + path);
+    return WrongUsage;
+}
+
+int showInfo(const Options &options)
+{
+    QFile file;
+    const PackageInfo info = openPlainFile(file, options.file) ? readPackage(file) : PackageInfo();
+    if (!info.readable) {
+        return sayUnreadable(options.file);
+    }
+    if (!info.header) {
+        say(stderr,
+            QString("%1 is no package: it has only %2 bytes").arg(options.file).arg(info.fileSize));
+        return Failed;
+    }
+    std::fputs(infoText(info).constData(), stdout);
+    return isWhole(info) ? Done : Failed;
 }
 
 int verify(const Options &options)
 {
     QFile file;
-    const bool open = openPlainFile(file, options.file);
-    const Verification found = open ? verifyPackage(file, options.verify) : Verification();
+    const Verification found
+        = openPlainFile(file, options.file) ? verifyPackage(file, options.verify) : Verification();
     if (!found.readable) {
-        say(stderr, "cannot read " + options.file);
-        return WrongUsage;
+        return sayUnreadable(options.file);
     }
     const QByteArray report
         = options.json ? jsonReport(found, options.verify, options.file) : textReport(found);
@@ -149,7 +160,7 @@ int run(const Options &options)
     case Options::Task::Make:
         return make(options);
     case Options::Task::Info:
-        return info(options);
+        return showInfo(options);
     case Options::Task::Verify:
         return verify(options);
     case Options::Task::Version:

@@ -140,7 +140,7 @@ void MemberCheck::checkRights(const TarMember &member)
     if (isLink(member.type)) {
         return; // have none of their own
     }
-    if (member.type == Type::Device || member.type == Type::Pipe || member.type == Type::Other) {
+    if (isDevice(member.type) || member.type == Type::Pipe || member.type == Type::Other) {
         say(Check::Rights, Level::Error, member, "is a device, a pipe or no file at all");
     } else if ((member.mode & specialBits) != 0) {
         say(Check::Rights, isFolder ? Level::Warning : Level::Error, member,

@@ -1,7 +1,6 @@
 #include "panelcheck.h"
 
 #include "options.h"
-#include "packageinfo.h"
 #include "packages/packagecheck.h"
 #include "packages/packagerefusal.h"
 #include "packages/packagetypes.h"

@@ -1,7 +1,6 @@
 #include "report.h"
 
 #include "options.h"
-#include "packageinfo.h"
 #include "system/commandline.h"
 #include "system/debugtext.h"
 

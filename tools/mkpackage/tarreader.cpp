@@ -9,6 +9,7 @@
 
 namespace {
 constexpr qint64 highestOwner = 4294967295;
+constexpr qint64 endOfArchiveSize = 1024; // bytes: two blocks of zeros
 
 TarMember::Type typeOf(archive_entry *entry)
 {
@@ -23,8 +24,9 @@ TarMember::Type typeOf(archive_entry *entry)
     case AE_IFLNK:
         return TarMember::Type::SymLink;
     case AE_IFCHR:
+        return TarMember::Type::CharacterDevice;
     case AE_IFBLK:
-        return TarMember::Type::Device;
+        return TarMember::Type::BlockDevice;
     case AE_IFIFO:
         return TarMember::Type::Pipe;
     default:
@@ -43,6 +45,9 @@ TarMember describe(archive_entry *entry)
     member.user = archive_entry_uid(entry);
     member.group = archive_entry_gid(entry);
     member.size = archive_entry_size(entry);
+    member.time = archive_entry_mtime(entry);
+    member.deviceMajor = archive_entry_rdevmajor(entry);
+    member.deviceMinor = archive_entry_rdevminor(entry);
     return member;
 }
 
@@ -101,6 +106,19 @@ TarReader::Step TarReader::next(TarMember &member)
     member = describe(entry);
     m_error = headerError(entry, member);
     return m_error.isEmpty() ? Step::Member : Step::Damaged;
+}
+
+QString TarReader::findError() const
+{
+    if (!m_error.isEmpty()) {
+        return "damaged: " + m_error;
+    }
+    if (m_gzip.contentEnd() > m_membersEnd) {
+        return "something stands behind its end";
+    }
+    return m_gzip.unpackedSize() - m_membersEnd < endOfArchiveSize
+        ? QString("its end is missing: two blocks of zeros")
+        : QString();
 }
 
 QByteArray TarReader::content(qsizetype size)

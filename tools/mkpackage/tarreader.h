@@ -13,7 +13,16 @@ struct archive_entry;
 /// A member of a tar archive, as its header has it.
 struct TarMember
 {
-    enum class Type { File, Folder, SymLink, HardLink, Device, Pipe, Other };
+    enum class Type {
+        File,
+        Folder,
+        SymLink,
+        HardLink,
+        CharacterDevice,
+        BlockDevice,
+        Pipe,
+        Other,
+    };
 
     QByteArray name;
     QByteArray target; ///< of a link
@@ -21,8 +30,16 @@ struct TarMember
     quint32 mode = 0644; ///< with the special bits
     qint64 user = 0;
     qint64 group = 0;
-    qint64 size = 0; ///< of a file, holes included
+    qint64 size = 0;         ///< of a file, holes included
+    qint64 time = 0;         ///< of the last change, in seconds since 1970
+    quint64 deviceMajor = 0; ///< of a device
+    quint64 deviceMinor = 0;
 };
+
+constexpr bool isDevice(TarMember::Type type)
+{
+    return type == TarMember::Type::CharacterDevice || type == TarMember::Type::BlockDevice;
+}
 
 /// Reads a tar archive member by member, and nothing but their headers unless asked.
 class TarReader
@@ -40,11 +57,9 @@ public:
     /// The first @p size bytes of the member, of which nothing has been read.
     QByteArray content(qsizetype size);
 
-    /// After Damaged: in what way.
-    QString error() const { return m_error; }
-
-    /// After End: where the last member ended in the unpacked data.
-    qint64 membersEnd() const { return m_membersEnd; }
+    /// Once next() has given End or Damaged, and the gzip data has been read to its end: what is
+    /// wrong with the archive; empty if nothing is.
+    QString findError() const;
 
 private:
     static ssize_t readPiece(archive *handle, void *reader, const void **buffer);
@@ -56,6 +71,6 @@ private:
     QByteArrayView m_piece;
     qint64 m_pieceStart = 0; ///< in the unpacked data
     HeaderWalk m_walk;
-    qint64 m_membersEnd = 0;
-    QString m_error;
+    qint64 m_membersEnd = 0; ///< where the last member ended in the unpacked data
+    QString m_error;         ///< in what way a member is damaged
 };

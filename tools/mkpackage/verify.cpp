@@ -15,9 +15,8 @@
 
 namespace {
 constexpr qint64 megabyte = 1'000'000;
-constexpr qint64 endOfArchiveSize = 1024; // bytes: two blocks of zeros
-constexpr qint64 memberCost = 2000;       // bytes that are written while a file is made
-constexpr double slowShare = 0.5;         // of the time limit, from which on a warning is due
+constexpr qint64 memberCost = 2000; // bytes that are written while a file is made
+constexpr double slowShare = 0.5;   // of the time limit, from which on a warning is due
 
 // No panel unpacks as much in the time that it has; more is not even looked at.
 constexpr qint64 largestSize = 4096 * megabyte;
@@ -50,7 +49,7 @@ private:
     void addSize(const TarMember &member);
     void checkVersionFile(TarReader &tar, const PackageHeader &header);
     void judgeGzip(const GzipReader &gzip);
-    void judgeTar(const TarReader &tar, const GzipReader &gzip);
+    void judgeTar(const TarReader &tar);
     void judgeSize();
     void judgeTime();
     void say(Check check, Level level, const QString &text)
@@ -62,8 +61,7 @@ private:
     const VerifyTask &m_task;
     Verification m_result;
     MemberCheck m_members{m_result.findings};
-    TarReader::Step m_step = TarReader::Step::Member; ///< what reading the members came to
-    qint64 m_contentSize = 0;                         ///< of all files, holes included
+    qint64 m_contentSize = 0; ///< of all files, holes included
     bool m_isTooMuch = false;
     bool m_hasVersionFile = false;
 };
@@ -77,8 +75,7 @@ Verification Verifier::run()
         checkPanel(*m_result.header, m_task.name, m_task.panel, m_result.findings);
         readArchive(*m_result.header);
     } else {
-        char more = 0;
-        m_result.readable = m_file.read(&more, 1) == 0;
+        m_result.readable = isAtEnd(m_file);
         checkShortFile(bytes.size(), m_task.name, m_result.findings);
     }
     return m_result;
@@ -89,8 +86,8 @@ void Verifier::readArchive(const PackageHeader &header)
     GzipReader gzip(m_file, largestSize);
     TarReader tar(gzip);
     readMembers(tar, header);
-    while (!m_isTooMuch && !gzip.read().isEmpty()) {
-        // what tar does not look at must be whole as well
+    if (!m_isTooMuch) {
+        gzip.skipRest(); // what tar does not look at must be whole as well
     }
     m_isTooMuch = m_isTooMuch || gzip.state() == GzipState::TooLarge;
     m_result.readable = gzip.state() != GzipState::Unreadable;
@@ -99,7 +96,7 @@ void Verifier::readArchive(const PackageHeader &header)
     m_result.count = m_members.count();
     judgeGzip(gzip);
     if (gzip.state() == GzipState::Whole && !m_isTooMuch) {
-        judgeTar(tar, gzip);
+        judgeTar(tar);
     }
     judgeSize();
     judgeTime();
@@ -108,7 +105,7 @@ void Verifier::readArchive(const PackageHeader &header)
 void Verifier::readMembers(TarReader &tar, const PackageHeader &header)
 {
     TarMember member;
-    while (!m_isTooMuch && (m_step = tar.next(member)) == TarReader::Step::Member) {
+    while (!m_isTooMuch && tar.next(member) == TarReader::Step::Member) {
         m_members.add(member);
         addSize(member);
         if (header.kind == PackageKind::BiosImage && member.type == TarMember::Type::File
@@ -152,14 +149,11 @@ void Verifier::judgeGzip(const GzipReader &gzip)
     }
 }
 
-void Verifier::judgeTar(const TarReader &tar, const GzipReader &gzip)
+void Verifier::judgeTar(const TarReader &tar)
 {
-    if (m_step == TarReader::Step::Damaged) {
-        say(Check::Tar, Level::Error, "damaged: " + tar.error());
-    } else if (gzip.contentEnd() > tar.membersEnd()) {
-        say(Check::Tar, Level::Error, "something stands behind its end");
-    } else if (gzip.unpackedSize() - tar.membersEnd() < endOfArchiveSize) {
-        say(Check::Tar, Level::Error, "its end is missing: two blocks of zeros");
+    const QString error = tar.findError();
+    if (!error.isEmpty()) {
+        say(Check::Tar, Level::Error, error);
     } else if (m_members.count() == 0) {
         say(Check::Tar, Level::Error, "nothing is in it that a panel could unpack");
     } else {
