@@ -18,6 +18,8 @@
 
 // What is said of each hostile package before it is carried to the panel for which it was made.
 
+using namespace MkPackage;
+
 namespace {
 constexpr qint64 timeLimit = 10000; // ms a package, the largest of which come to 400 MB
 
@@ -36,9 +38,8 @@ Verification verifyFile(const QByteArray &path)
 QStringList errorsOf(const Verification &found, const QByteArray &check = {})
 {
     QStringList errors;
-    for (const PackageFinding &finding : found.findings.list()) {
-        if (finding.level == Level::Error
-            && (check.isEmpty() || checkName(finding.check) == check)) {
+    for (const Finding &finding : found.findings.list()) {
+        if (finding.level == Level::Error && (check.isEmpty() || finding.subject == check)) {
             errors += finding.text;
         }
     }

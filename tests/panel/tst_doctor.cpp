@@ -16,6 +16,8 @@
 
 #include <memory>
 
+using namespace Doctor;
+
 namespace {
 constexpr int healthyLimit = 2000; // ms
 /// A document's lines that are indented by four blanks.

@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Doctor;
+
 namespace {
 PathFacts &at(Facts &facts, const QString &path)
 {

@@ -4,6 +4,8 @@
 
 using End = ToolAnswer::End;
 
+using namespace Doctor;
+
 namespace {
 constexpr char today[]
     = "eth0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500\n"

@@ -11,6 +11,8 @@
 
 using namespace std::chrono_literals;
 
+using namespace Doctor;
+
 namespace {
 /// Settings texts, and all that is said of them.
 struct SettingsRow

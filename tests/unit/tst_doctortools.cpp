@@ -5,6 +5,8 @@
 
 using End = ToolAnswer::End;
 
+using namespace Doctor;
+
 namespace {
 const QList<BrokenThing> &brokenThings()
 {
@@ -265,7 +267,7 @@ void TestDoctorTools::rubbishIsTold()
         answer(facts, askers.question, rubbish, rubbish, 0);
         const Findings findings = runChecks(facts);
         for (const Finding &finding : findings) {
-            QVERIFY2(finding.found.size() < 200, qPrintable(finding.found.left(300)));
+            QVERIFY2(finding.text.size() < 200, qPrintable(finding.text.left(300)));
         }
         const QStringList said = complaints(facts);
         if (askers.question == Question::Server || askers.question == Question::InterfacesFile

@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+using namespace MkPackage;
+
 namespace {
 constexpr qsizetype blockSize = 512;
 

@@ -10,6 +10,8 @@
 
 #include <limits>
 
+using namespace MkPackage;
+
 namespace {
 TarMember member(TarMember::Type type, quint32 mode, const QByteArray &target = {})
 {

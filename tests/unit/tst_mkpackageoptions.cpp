@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+using namespace MkPackage;
+
 namespace {
 QStringList words(const QString &line)
 {

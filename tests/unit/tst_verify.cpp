@@ -1,5 +1,6 @@
 #include "verify.h"
 
+#include "common/report.h"
 #include "diskfiles.h"
 #include "memberpath.h"
 #include "packagefiles.h"
@@ -8,6 +9,8 @@
 
 #include <QBuffer>
 #include <QTest>
+
+using namespace MkPackage;
 
 namespace {
 constexpr char asRoot[] = "umask 022; tar --owner=0 --group=0 -cz ";
@@ -35,10 +38,10 @@ Verification verifiedArchive(const QByteArray &archive, int rate = defaultRate)
 QByteArrayList linesOf(const Verification &found)
 {
     QByteArrayList lines;
-    for (const PackageFinding &finding : found.findings.list()) {
+    for (const Finding &finding : found.findings.list()) {
         if (finding.level != Level::Ok) {
-            lines += levelName(finding.level) + ' ' + checkName(finding.check) + ' '
-                + finding.text.toUtf8();
+            lines += ToolReport::levelName(finding.level) + ' '
+                + (finding.subject + ' ' + finding.text).toUtf8();
         }
     }
     return lines;
@@ -88,6 +91,7 @@ private slots:
     void paths();
     void timeDependsOnTheRate();
     void unreadable();
+    void emptyArchiveIsWhole();
 };
 
 void TestVerify::archives_data()
@@ -388,6 +392,18 @@ void TestVerify::unreadable()
         FailingDevice shown(package.left(size));
         QVERIFY(!readPackage(shown).readable);
     }
+}
+
+/// To one who only looks: a panel can do nothing with it, as the error among the archives tells.
+void TestVerify::emptyArchiveIsWhole()
+{
+    QBuffer buffer;
+    buffer.setData(packageBytes(Kinds::application, 12, "K21T",
+                                packed("true", "tar -cz --files-from=/dev/null")));
+    buffer.open(QIODevice::ReadOnly);
+    const PackageInfo info = readPackage(buffer);
+    QVERIFY(info.readable && isWhole(info));
+    QCOMPARE(info.listing, QByteArray());
 }
 
 QTEST_GUILESS_MAIN(TestVerify)

@@ -5,6 +5,7 @@
 
 #include <arpa/inet.h>
 
+namespace Doctor {
 namespace {
 constexpr qsizetype longestExcerpt = 60; // characters
 
@@ -97,3 +98,4 @@ QString shortened(const QString &text)
     const QString line = text.left(10 * longestExcerpt).simplified();
     return line.size() <= longestExcerpt ? line : line.left(longestExcerpt - 3) + "...";
 }
+} // namespace Doctor

@@ -3,6 +3,7 @@
 #include "facts.h"
 #include "finding.h"
 
+namespace Doctor {
 /// What keeps the answer to @p question from being looked at: the tool is missing, hangs, crashes,
 /// writes without end or fails. Nothing if it ended well. @p loss is what the panel cannot do then.
 std::optional<Finding> badAnswer(const Facts &facts, Question question, const QString &loss);
@@ -24,3 +25,4 @@ bool isAddress(const QString &text);
 
 /// @p text in one line and not longer than a line of the report bears.
 QString shortened(const QString &text);
+} // namespace Doctor

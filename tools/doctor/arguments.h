@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+namespace Doctor {
 /// What the command line asks for.
 struct Arguments
 {
@@ -16,3 +17,4 @@ struct Arguments
 
 /// Reads the command line without the tool's own name.
 Arguments parseArguments(const QStringList &arguments);
+} // namespace Doctor

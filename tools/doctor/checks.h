@@ -3,6 +3,7 @@
 #include "facts.h"
 #include "finding.h"
 
+namespace Doctor {
 /// One thing that a panel must have. Decides from values alone and always finds something.
 struct Check
 {
@@ -56,3 +57,4 @@ Findings checkSerialPorts(const Facts &facts);
 // settingschecks.cpp
 Findings checkSettingsFile(const Facts &facts);
 Findings checkSettings(const Facts &facts);
+} // namespace Doctor

@@ -10,6 +10,7 @@
 
 #include <QRegularExpression>
 
+namespace Doctor {
 namespace {
 constexpr QSize smallestScreen(800, 600); // px; upright 480x800
 constexpr QSize smallestUpright(480, 800);
@@ -47,7 +48,7 @@ Findings checkDisplay(const Facts &facts)
     const auto reason = facts.answer(Question::Server) ? badAnswer(facts, Question::Server, {})
                                                        : std::optional<Finding>();
     return {error(QString("%1 does not answer%2%3")
-                      .arg(facts.display, origin, reason ? ": " + reason->found : QString()),
+                      .arg(facts.display, origin, reason ? ": " + reason->text : QString()),
                   "run this in the panel's X session, or set DISPLAY and XAUTHORITY as it does")};
 }
 
@@ -128,7 +129,7 @@ Findings checkFonts(const Facts &facts)
         return {fine("not looked at: fc-list is not there")};
     }
     if (const auto bad = badAnswer(facts, Question::Fonts, "texts may not fit")) {
-        return {warning(bad->found, bad->advice)};
+        return {warning(bad->text, bad->advice)};
     }
     const QString families = answerText(facts, Question::Fonts);
     if (families.contains(QLatin1String(fontFamily))) {
@@ -174,3 +175,4 @@ Findings checkTouch(const Facts &facts)
     }
     return {fine(shortened(device))};
 }
+} // namespace Doctor

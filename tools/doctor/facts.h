@@ -12,6 +12,7 @@
 #include <iterator>
 #include <optional>
 
+namespace Doctor {
 /// What tools are asked. None of these changes anything.
 enum class Question {
     Outputs,
@@ -118,3 +119,4 @@ struct Facts
     }
     PathFacts path(const QString &name) const { return paths.value(name); }
 };
+} // namespace Doctor

@@ -4,6 +4,7 @@
 #include "packages/packagecheck.h"
 #include "system/versionfiles.h"
 
+namespace Doctor {
 namespace {
 constexpr qint64 mebibyte = 1 << 20;
 constexpr qint64 lowSpace = 64 * mebibyte; // a package of usual size, and what comes out of it
@@ -258,3 +259,4 @@ Findings checkSerialPorts(const Facts &facts)
     }
     return findings;
 }
+} // namespace Doctor

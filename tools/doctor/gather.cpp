@@ -26,6 +26,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+namespace Doctor {
 namespace {
 constexpr char displayVariable[] = "DISPLAY";
 constexpr char usualDisplay[] = ":0";
@@ -253,3 +254,4 @@ Facts gatherFacts(std::chrono::milliseconds limit)
     facts.unpacked = pathFacts(folder.filePath("sample"), true).content;
     return facts;
 }
+} // namespace Doctor

@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+namespace Doctor {
 /// What is in the archive that tar is tried with.
 inline constexpr char sampleContent[] = "unpacked\n";
 
@@ -19,3 +20,4 @@ StrayLinks findStrayLinks(const QStringList &folders);
 
 /// Whether the serial port @p device can be opened, without waiting for anything.
 SerialPort serialPortState(const QString &device);
+} // namespace Doctor

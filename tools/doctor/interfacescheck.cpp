@@ -3,6 +3,7 @@
 
 #include "system/ethernetkeys.h"
 
+namespace Doctor {
 namespace {
 constexpr char copyAdvice[]
     = "save the Ethernet page with whole addresses, or put back a copy of the file";
@@ -92,3 +93,4 @@ Findings checkInterfacesFile(const Facts &facts)
     }
     return findings;
 }
+} // namespace Doctor

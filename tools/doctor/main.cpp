@@ -11,6 +11,8 @@
 
 #include <cstdio>
 
+using namespace Doctor;
+
 namespace {
 constexpr char usage[] =
     R"(Usage: talmero-doctor [--json] [--limit SECONDS]

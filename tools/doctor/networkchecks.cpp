@@ -6,6 +6,7 @@
 
 #include <QRegularExpression>
 
+namespace Doctor {
 namespace {
 constexpr char classicAdvice[]
     = "put an ifconfig of the classic format, such as BusyBox's, first on PATH";
@@ -181,3 +182,4 @@ Findings checkNamingRules(const Facts &facts)
     return findings.isEmpty() ? Findings{fine("the ports have the names that the rules give")}
                               : findings;
 }
+} // namespace Doctor

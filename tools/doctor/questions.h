@@ -2,6 +2,7 @@
 
 #include "facts.h"
 
+namespace Doctor {
 /// A question: the tool that is asked, and the command. None where there is nothing to ask.
 struct AskedTool
 {
@@ -17,3 +18,4 @@ QList<AskedTool> firstQuestions(const Facts &facts, const QString &archive, cons
 
 /// The question of the state of the touch controller that the answers in @p facts name.
 AskedTool stateQuestion(const Facts &facts);
+} // namespace Doctor

@@ -2,6 +2,7 @@
 
 #include "finding.h"
 
+namespace Doctor {
 /// The tool's exit status for wrong usage and for output that is lost, see sysexits.h(3head).
 enum ExitStatus : int { WrongUsage = 64, OutputLost = 74 };
 
@@ -13,3 +14,4 @@ QByteArray textReport(const Findings &findings);
 
 /// The same as one JSON object.
 QByteArray jsonReport(const Findings &findings);
+} // namespace Doctor

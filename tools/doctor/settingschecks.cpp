@@ -13,6 +13,7 @@
 
 #include <arpa/inet.h>
 
+namespace Doctor {
 namespace {
 constexpr char pageAdvice[] = "save the miscellaneous page";
 constexpr char ethernetAdvice[] = "save the Ethernet page";
@@ -280,9 +281,9 @@ Findings checkSettings(const Facts &facts)
     const QList<Setting> settings = settingsIn(lines, &passedOver);
     for (const Setting &setting : settings) {
         if (auto wrong = judge(facts, setting)) {
-            wrong->found = QString("line %1: %2 %3")
-                               .arg(QString::number(setting.line),
-                                    shortened(setting.key + '=' + setting.value), wrong->found);
+            wrong->text = QString("line %1: %2 %3")
+                              .arg(QString::number(setting.line),
+                                   shortened(setting.key + '=' + setting.value), wrong->text);
             findings += *wrong;
         }
     }
@@ -297,3 +298,4 @@ Findings checkSettings(const Facts &facts)
     }
     return findings;
 }
+} // namespace Doctor

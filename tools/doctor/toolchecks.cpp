@@ -5,6 +5,7 @@
 
 #include <QRegularExpression>
 
+namespace Doctor {
 namespace {
 constexpr qint64 clockSlack = 60; // s
 
@@ -145,7 +146,8 @@ Findings checkDate(const Facts &facts)
 Findings checkSleep(const Facts &facts)
 {
     if (const auto bad = badAnswer(facts, Question::ShortPause, "serial tests may fail")) {
-        return {warning(bad->found, bad->advice)};
+        return {warning(bad->text, bad->advice)};
     }
     return {fine("sleep takes fractions of a second")};
 }
+} // namespace Doctor

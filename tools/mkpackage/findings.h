@@ -1,24 +1,18 @@
 #pragma once
 
+#include "common/finding.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMap>
 #include <QString>
 
-/// What verifying looks at, in the order in which it is told.
+namespace MkPackage {
+/// What verifying looks at, in the order of the report.
 enum class Check { Header, Gzip, Tar, Names, Links, Rights, Size, Time, Panel };
 
-enum class Level { Ok, Warning, Error };
-
-struct PackageFinding
-{
-    Check check;
-    Level level;
-    QString text;
-};
-
-QByteArray checkName(Check check);
-QByteArray levelName(Level level);
+using ToolReport::Finding;
+using ToolReport::Level;
 
 /// What has been found in a package. Of findings of the same check and level it keeps the first
 /// ones and the number of the rest: a package may have a million of them.
@@ -32,7 +26,7 @@ public:
     int count(Level level) const;
 
     /// Sorted by their checks. A last one of each sort tells how many more there are.
-    QList<PackageFinding> list() const;
+    QList<Finding> list() const;
 
 private:
     struct Group
@@ -48,3 +42,4 @@ private:
 
 /// The name of a member for a line of text, in printable ASCII and of bounded length.
 QString shownName(const QByteArray &name);
+} // namespace MkPackage

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qsizetype pieceSize = 65536; // bytes
 constexpr int gzipWindow = 15 + 16;    // the largest one, and gzip's header and trailer
@@ -111,3 +112,4 @@ void GzipReader::fail(const QString &error)
     m_state = State::Damaged;
     m_error = error;
 }
+} // namespace MkPackage

@@ -8,6 +8,7 @@
 
 class QIODevice;
 
+namespace MkPackage {
 /// Whether @p device has nothing more to read; false also if reading fails.
 bool isAtEnd(QIODevice &device);
 
@@ -61,3 +62,4 @@ private:
     qint64 m_unpackedSize = 0;
     qint64 m_contentEnd = 0;
 };
+} // namespace MkPackage

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qsizetype blockSize = 512; // bytes
 constexpr qsizetype typeOffset = 156;
@@ -144,3 +145,4 @@ bool HeaderWalk::hasContents() const
     const QByteArrayView field = bytesOf(m_header, sizeField);
     return !isOctal(field) || octalNumber(field) > 0;
 }
+} // namespace MkPackage

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
+namespace MkPackage {
 /// Goes through the headers of one member of a tar archive, byte by byte as they come: those that
 /// only describe the next one, and the member's own. Takes nothing but what every reader of tar
 /// archives takes for the same thing.
@@ -42,3 +43,4 @@ private:
     QByteArray m_header;
     const char *m_error = nullptr;
 };
+} // namespace MkPackage

@@ -14,6 +14,8 @@
 #include <csignal>
 #include <cstdio>
 
+using namespace MkPackage;
+
 namespace {
 constexpr char usage[] =
     R"(Usage: talmero-mkpackage make --kind KIND --version N --target TEXT --output FILE FOLDER

@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace MkPackage {
 namespace {
 /// The names in @p folder, sorted by their bytes, each ended by a zero byte; none if they cannot
 /// all be read.
@@ -143,3 +144,4 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     }
     return putInPlace(package, options.output) ? QString() : cannotWrite;
 }
+} // namespace MkPackage

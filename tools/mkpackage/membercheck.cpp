@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qsizetype longestName = 255;  // bytes, of a file system
 constexpr qsizetype longestPath = 4095; // bytes, of the kernel
@@ -175,3 +176,4 @@ void MemberCheck::say(Check check, Level level, const TarMember &member, const c
 {
     m_findings.add(check, level, shownName(member.name) + ": " + QLatin1String(what));
 }
+} // namespace MkPackage

@@ -5,6 +5,7 @@
 
 #include <QHash>
 
+namespace MkPackage {
 /// Looks at the members of an archive, one after the other, for what does harm when root unpacks
 /// them on a panel. Remembers a number for each of them, not its name.
 class MemberCheck
@@ -33,3 +34,4 @@ private:
     Findings &m_findings;
     QHash<quint64, TarMember::Type> m_known; ///< by the number of the path
 };
+} // namespace MkPackage

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 using Type = TarMember::Type;
 
@@ -110,3 +111,4 @@ QByteArray escapedName(const QByteArray &name)
     }
     return shown;
 }
+} // namespace MkPackage

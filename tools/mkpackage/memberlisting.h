@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+namespace MkPackage {
 /// Lists the members of an archive, one line each, as GNU tar does with the options --list
 /// --verbose --numeric-owner --quoting-style=escape. Times are in UTC.
 class MemberListing
@@ -22,3 +23,4 @@ private:
 /// @p name as tar shows it: control characters, backslashes and bytes outside ASCII are escaped as
 /// in C.
 QByteArray escapedName(const QByteArray &name);
+} // namespace MkPackage

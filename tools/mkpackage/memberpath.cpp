@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 // FNV-1a, which goes on from name to name.
 constexpr quint64 firstNumber = 14695981039346656037ULL;
@@ -39,3 +40,4 @@ MemberPath::MemberPath(QByteArrayView path)
         }
     }
 }
+} // namespace MkPackage

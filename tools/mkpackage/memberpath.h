@@ -3,6 +3,7 @@
 #include <QByteArrayView>
 #include <QList>
 
+namespace MkPackage {
 /// What counts of the path of a member, or of the target of a link.
 struct MemberPath
 {
@@ -21,3 +22,4 @@ struct MemberPath
     bool isTop() const { return numbers.isEmpty() && ups == 0; }
     bool leaves() const { return isAbsolute || ups > 0 || turnsBack; }
 };
+} // namespace MkPackage

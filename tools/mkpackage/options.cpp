@@ -9,6 +9,7 @@
 #include <limits>
 #include <span>
 
+namespace MkPackage {
 namespace {
 constexpr qint64 defaultFileTime = 946684800;            // 2000-01-01 00:00:00 UTC
 constexpr qint64 latestFileTime = (qint64(1) << 33) - 1; // eleven octal digits of a tar header
@@ -285,3 +286,4 @@ std::optional<qint64> fileTime(const QByteArray &value)
     const auto time = parseNumber(QString::fromLatin1(value));
     return time && *time <= latestFileTime ? time : std::nullopt;
 }
+} // namespace MkPackage

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+namespace MkPackage {
 /// Exit status of the program.
 enum ExitStatus : int {
     Done = 0,
@@ -49,3 +50,4 @@ QString kindName(PackageKind kind);
 /// Result: nothing if it is no number, or a time after the year 2242, which a tar header of plain
 /// digits cannot hold.
 std::optional<qint64> fileTime(const QByteArray &value);
+} // namespace MkPackage

@@ -11,6 +11,7 @@
 
 #include <limits>
 
+namespace MkPackage {
 namespace {
 constexpr qsizetype nameWidth = 9; // characters of the column of names
 
@@ -81,3 +82,4 @@ QByteArray infoText(const PackageInfo &info)
 {
     return headerText(*info.header) + archiveText(info);
 }
+} // namespace MkPackage

@@ -8,6 +8,7 @@
 
 class QIODevice;
 
+namespace MkPackage {
 /// What a package file holds.
 struct PackageInfo
 {
@@ -29,3 +30,4 @@ bool isWhole(const PackageInfo &info);
 
 /// The lines that show a package with a header to a person.
 QByteArray infoText(const PackageInfo &info);
+} // namespace MkPackage

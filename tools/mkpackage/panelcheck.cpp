@@ -10,6 +10,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 bool isZero(const QByteArray &bytes)
 {
@@ -145,3 +146,4 @@ void checkShortFile(qint64 size, const QString &name, Findings &findings)
                  isListedAs(PackageKind::BiosImage, name) ? "installs nothing and says nothing"
                                                           : refusalText(OpenFileError));
 }
+} // namespace MkPackage

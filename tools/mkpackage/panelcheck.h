@@ -5,6 +5,7 @@
 
 #include <optional>
 
+namespace MkPackage {
 /// A panel as far as it is known. Of what is not, the package's own wish is taken.
 struct PanelFacts
 {
@@ -24,3 +25,4 @@ void checkPanel(const PackageHeader &header, const QString &name, const PanelFac
 
 /// Says what a panel makes of a file that is shorter than a header.
 void checkShortFile(qint64 size, const QString &name, Findings &findings);
+} // namespace MkPackage

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr char malformed[] = "an extended header that is malformed";
 
@@ -61,3 +62,4 @@ const char *findPaxError(QByteArrayView records, bool forAll)
     }
     return nullptr;
 }
+} // namespace MkPackage

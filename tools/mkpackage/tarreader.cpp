@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qint64 highestOwner = 4294967295;
 constexpr qint64 endOfArchiveSize = 1024; // bytes: two blocks of zeros
@@ -144,3 +145,4 @@ QString TarReader::headerError(archive_entry *entry, const TarMember &member) co
     return mayHaveContents || !m_walk.hasContents() ? QString()
                                                     : "contents of a member that can have none";
 }
+} // namespace MkPackage

@@ -6,9 +6,11 @@
 #include <QByteArrayView>
 #include <QString>
 
-class GzipReader;
 struct archive;
 struct archive_entry;
+
+namespace MkPackage {
+class GzipReader;
 
 /// A member of a tar archive, as its header has it.
 struct TarMember
@@ -74,3 +76,4 @@ private:
     qint64 m_membersEnd = 0; ///< where the last member ended in the unpacked data
     QString m_error;         ///< in what way a member is damaged
 };
+} // namespace MkPackage

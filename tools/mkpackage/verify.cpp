@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 
+namespace MkPackage {
 namespace {
 constexpr qint64 megabyte = 1'000'000;
 constexpr qint64 memberCost = 2000; // bytes that are written while a file is made
@@ -201,3 +202,4 @@ Verification verifyPackage(QIODevice &file, const VerifyTask &task)
 {
     return Verifier(file, task).run();
 }
+} // namespace MkPackage

@@ -8,6 +8,7 @@
 
 class QIODevice;
 
+namespace MkPackage {
 /// How fast a panel unpacks if nobody says better, in megabytes a second: a twentieth of what a
 /// desktop computer does.
 inline constexpr int defaultRate = 10;
@@ -35,3 +36,4 @@ struct Verification
 /// Reads the package @p file from its start to its end, in pieces, unpacks nothing to the disk
 /// and runs no tool. It stops where a package becomes larger than any panel could take.
 Verification verifyPackage(QIODevice &file, const VerifyTask &task);
+} // namespace MkPackage
