@@ -1,6 +1,7 @@
 #include "diskfiles.h"
 #include "faketools.h"
 #include "packagefiles.h"
+#include "packages/packagetypes.h"
 #include "panelguard.h"
 #include "toolrun.h"
 
@@ -67,6 +68,8 @@ private slots:
     void outputThatIsLost();
     void infoIsSafeForATerminal();
     void helpAndVersion();
+    void everyExtensionIsDocumented_data();
+    void everyExtensionIsDocumented();
     void documentedExample();
 
 private:
@@ -435,7 +438,7 @@ void TestMkpackage::infoOfALongTarget()
     writeFile(path("long.kpc").toUtf8(), package);
     const ToolRun run = mkpackage({"info", path("long.kpc")});
     QCOMPARE(lineOf(run.output, "target:"),
-             QByteArray("0123456789ABCDEF (not ended by a NUL byte)"));
+             QByteArray("0123456789ABCDEF (without a NUL byte at its end)"));
 }
 
 void TestMkpackage::infoOfDamage_data()
@@ -556,8 +559,26 @@ void TestMkpackage::helpAndVersion()
     QCOMPARE(nothing.status, 2);
     QCOMPARE(nothing.output, QByteArray());
     QCOMPARE(nothing.errors,
-             QByteArray("talmero-mkpackage: there is nothing to do; see "
+             QByteArray("talmero-mkpackage: no command given; see "
                         "talmero-mkpackage --help\n"));
+}
+
+void TestMkpackage::everyExtensionIsDocumented_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("--help") << mkpackage({"--help"}).output;
+    for (const char *page : {"tools/mkpackage/talmero-mkpackage.1",
+                             "tools/mkpackage/talmero-package.5", "docs/package-format.md"}) {
+        QTest::newRow(page) << readFile(QByteArray(PANEL_SOURCE "/") + page);
+    }
+}
+
+void TestMkpackage::everyExtensionIsDocumented()
+{
+    QFETCH(QByteArray, text);
+    for (const PackageTypeInfo &info : packageTypes) {
+        QVERIFY2(text.contains(info.extension), info.extension);
+    }
 }
 
 /// The example of the document is what the tool makes.

@@ -5,7 +5,7 @@
 
 namespace MkPackage {
 namespace {
-constexpr int keptCount = 3;        // findings of one sort, more tell a person nothing new
+constexpr int keptCount = 3;        // findings per check and level; more tell a person nothing new
 constexpr qsizetype shownSize = 60; // characters of a name
 
 constexpr const char *checkNames[]

@@ -6,8 +6,8 @@
 #include <QHash>
 
 namespace MkPackage {
-/// Looks at the members of an archive, one after the other, for what does harm when root unpacks
-/// them on a panel. Remembers a number for each of them, not its name.
+/// Checks the members of an archive, one after the other, for what does harm when root unpacks them
+/// on a panel. It remembers a number for each of them, not the name, to save memory.
 class MemberCheck
 {
 public:
@@ -18,7 +18,7 @@ public:
 
     void add(const TarMember &member);
 
-    /// What tar has to make, with the folders that are no members of their own.
+    /// How many files and folders tar creates, including folders that are not members themselves.
     qsizetype count() const { return m_known.size(); }
 
 private:

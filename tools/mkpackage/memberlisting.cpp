@@ -30,8 +30,8 @@ char typeLetter(Type type)
     return '-';
 }
 
-/// The letters "rwx" of one class of users; @p special stands in the place of the "x" if that
-/// class has its special bit, as a capital if it may not execute.
+/// The letters "rwx" for one class of users. If its special bit is set, the letter @p special
+/// replaces the "x", as a capital if the class may not execute.
 QByteArray rightsOf(quint32 bits, bool isSpecial, char special)
 {
     QByteArray letters = "---";
@@ -53,7 +53,7 @@ QByteArray modeText(const TarMember &member)
         + rightsOf(mode >> 3, (mode & 02000) != 0, 's') + rightsOf(mode, (mode & 01000) != 0, 't');
 }
 
-/// The number of a device stands where other members have their size.
+/// For a device, its numbers in place of the size.
 QByteArray sizeText(const TarMember &member)
 {
     if (isDevice(member.type)) {

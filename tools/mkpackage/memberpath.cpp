@@ -6,7 +6,7 @@
 
 namespace MkPackage {
 namespace {
-// FNV-1a, which goes on from name to name.
+// FNV-1a; each name continues the number of its folder.
 constexpr quint64 firstNumber = 14695981039346656037ULL;
 constexpr quint64 prime = 1099511628211ULL;
 

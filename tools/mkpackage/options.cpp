@@ -70,14 +70,14 @@ QString targetError(const Kind &kind, const QString &target)
         return "--target must be printable ASCII";
     }
     if (target.size() > longestPackageTarget) {
-        return QString("--target has %1 characters, and there is room for %2")
+        return QString("--target has %1 characters; at most %2 fit")
             .arg(target.size())
             .arg(longestPackageTarget);
     }
     return {};
 }
 
-/// Reads the header that @p parser asks for. Result: what is wrong; empty if nothing is.
+/// Reads the options of the header. Result: what is wrong; empty if nothing is.
 QString readHeader(const QCommandLineParser &parser, PackageHeader &header)
 {
     const auto kind = kindFromName(parser.value("kind"));
@@ -89,13 +89,13 @@ QString readHeader(const QCommandLineParser &parser, PackageHeader &header)
         return "--version must be a number from 0 to 4294967295";
     }
     if (*kind == PackageKind::BiosImage && *version == 0) {
-        return "a panel installs no bios of version 0";
+        return "a panel does not install a bios of version 0";
     }
     header = {*kind, quint32(*version), parser.value(targetOption)};
     return targetError(*findKind(*kind), header.target);
 }
 
-/// Result: what is wrong if an option is there twice; empty if none is.
+/// Result: an error if an option is given twice; empty otherwise.
 QString findTwice(const QCommandLineParser &parser)
 {
     const QStringList given = parser.optionNames();
@@ -134,7 +134,7 @@ QString readMakeOptions(const QCommandLineParser &parser, Options &options)
 
 using OptionsReader = QString (*)(const QCommandLineParser &parser, Options &options);
 
-/// What the command line of @p task says, whose options @p names have values.
+/// Reads the command line of @p task. The options @p names take values.
 Options parseTask(QCommandLineParser &parser, Options::Task task,
                   std::span<const QLatin1String> names, const QStringList &arguments,
                   OptionsReader read)
@@ -249,7 +249,7 @@ Options parseOptions(const QStringList &arguments)
         return withoutCommand(Options::Task::Version);
     }
     return withoutCommand(Options::Task::Help,
-                          command.isEmpty() ? QString("there is nothing to do")
+                          command.isEmpty() ? QString("no command given")
                                             : QString("unknown command: %1").arg(command));
 }
 
@@ -257,7 +257,7 @@ QStringList warningsFor(const PackageHeader &header, const QString &output)
 {
     QStringList warnings;
     if (!isListedAs(header.kind, output)) {
-        warnings += QString("a panel looks for packages of this kind by the extension %1")
+        warnings += QString("a panel lists packages of this kind only with the extension %1")
                         .arg(packageExtensions(header.kind).join(" or "));
     }
     if (header.kind == PackageKind::Firmware

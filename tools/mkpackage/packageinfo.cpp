@@ -42,7 +42,7 @@ QByteArray headerText(const PackageHeader &header)
     const QString name = kindName(header.kind);
     QByteArray target = printable(header.target);
     if (bytesFromText(header.target).size() > longestPackageTarget) {
-        target += " (not ended by a NUL byte)";
+        target += " (without a NUL byte at its end)";
     }
     return line("kind:",
                 QByteArray::number(quint32(header.kind)) + " ("

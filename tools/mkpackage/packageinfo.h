@@ -16,13 +16,12 @@ struct PackageInfo
     std::optional<PackageHeader> header; ///< nothing if the file is shorter than a header
     qint64 fileSize = 0;                 ///< bytes
     qint64 unpackedSize = 0; ///< bytes of the tar archive, as far as it could be unpacked
-    bool gzipWhole = false;  ///< with nothing behind it
-    bool tarWhole = false;   ///< with the two empty blocks at its end, and nothing behind them
+    bool gzipWhole = false;  ///< and nothing follows it
+    bool tarWhole = false;   ///< with the two blocks of zeros at its end, and nothing follows them
     QByteArray listing;      ///< the members, see MemberListing
 };
 
-/// Reads the package @p file from its start to its end. Unpacks nothing to the disk and runs no
-/// tool.
+/// Reads the package @p file once, in pieces. Nothing is unpacked to the disk and no tool runs.
 PackageInfo readPackage(QIODevice &file);
 
 /// Whether the package is whole and of a known kind.

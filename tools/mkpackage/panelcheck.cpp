@@ -22,8 +22,8 @@ QString shown(const QString &text)
     return QString::fromLatin1(printable(text));
 }
 
-/// Whether a page that installs in the folder of the settings program finds the file @p name. A
-/// name that no page finds is taken for one that suits the kind.
+/// Whether the page that lists the file @p name installs in the folder of the settings program. If
+/// no page lists it, the kind decides.
 bool isForBiosFolder(const PackageHeader &header, const QString &name)
 {
     const bool isTransferFile
@@ -110,20 +110,20 @@ void checkHeader(const QByteArray &bytes, const PackageHeader &header, Findings 
     const bool isKnown = !kindName(header.kind).isEmpty();
     findings.add(Check::Header, isKnown ? Level::Ok : Level::Error, wishOf(header));
     if (!isZero(fieldBytes(bytes, PackageFields::reserved))) {
-        findings.add(Check::Header, Level::Warning, "its reserved bytes are not all zero");
+        findings.add(Check::Header, Level::Warning, "the reserved bytes are not all zero");
     }
     if (end < 0) {
         findings.add(Check::Header, Level::Warning,
-                     "its target is not ended by a NUL byte: " + shown(header.target));
+                     "the target does not end with a NUL byte: " + shown(header.target));
     } else if (!isZero(target.mid(end))) {
-        findings.add(Check::Header, Level::Warning, "more bytes stand behind its target");
+        findings.add(Check::Header, Level::Warning, "there are bytes after the end of the target");
     }
     if (isUsed && isKnown && header.target.isEmpty()) {
         findings.add(Check::Header, Level::Warning,
-                     "its target is empty: only a panel that was never set up takes it");
+                     "the target is empty: only a panel that was never set up accepts it");
     } else if (!isPrintableAscii(header.target)) {
         findings.add(Check::Header, Level::Warning,
-                     "its target is no printable ASCII: " + shown(header.target));
+                     "the target is not printable ASCII: " + shown(header.target));
     }
 }
 
@@ -141,7 +141,7 @@ void checkPanel(const PackageHeader &header, const QString &name, const PanelFac
 void checkShortFile(qint64 size, const QString &name, Findings &findings)
 {
     findings.add(Check::Header, Level::Error,
-                 QString("%1 bytes: a package has %2 and more").arg(size).arg(packageHeaderSize));
+                 QString("%1 bytes: a package has at least %2").arg(size).arg(packageHeaderSize));
     findings.add(Check::Panel, Level::Error,
                  isListedAs(PackageKind::BiosImage, name) ? "installs nothing and says nothing"
                                                           : refusalText(OpenFileError));

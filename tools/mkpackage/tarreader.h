@@ -12,7 +12,7 @@ struct archive_entry;
 namespace MkPackage {
 class GzipReader;
 
-/// A member of a tar archive, as its header has it.
+/// A member of a tar archive, as its header describes it.
 struct TarMember
 {
     enum class Type {
@@ -29,7 +29,7 @@ struct TarMember
     QByteArray name;
     QByteArray target; ///< of a link
     Type type = Type::File;
-    quint32 mode = 0644; ///< with the special bits
+    quint32 mode = 0644; ///< permissions with the special bits
     qint64 user = 0;
     qint64 group = 0;
     qint64 size = 0;         ///< of a file, holes included
@@ -43,7 +43,7 @@ constexpr bool isDevice(TarMember::Type type)
     return type == TarMember::Type::CharacterDevice || type == TarMember::Type::BlockDevice;
 }
 
-/// Reads a tar archive member by member, and nothing but their headers unless asked.
+/// Reads a tar archive member by member. Contents are skipped unless content() asks for them.
 class TarReader
 {
 public:
@@ -56,11 +56,11 @@ public:
     /// Goes on to the next member and describes it in @p member.
     Step next(TarMember &member);
 
-    /// The first @p size bytes of the member, of which nothing has been read.
+    /// The first @p size bytes of the current member. May be called once for each member.
     QByteArray content(qsizetype size);
 
-    /// Once next() has given End or Damaged, and the gzip data has been read to its end: what is
-    /// wrong with the archive; empty if nothing is.
+    /// What is wrong with the archive; empty if nothing is. Only valid once next() has returned End
+    /// or Damaged and the gzip data has been read to its end.
     QString findError() const;
 
 private:
@@ -74,6 +74,6 @@ private:
     qint64 m_pieceStart = 0; ///< in the unpacked data
     HeaderWalk m_walk;
     qint64 m_membersEnd = 0; ///< where the last member ended in the unpacked data
-    QString m_error;         ///< in what way a member is damaged
+    QString m_error;         ///< what is wrong with a member
 };
 } // namespace MkPackage

@@ -16,21 +16,21 @@
 namespace MkPackage {
 namespace {
 constexpr qint64 megabyte = 1'000'000;
-constexpr qint64 memberCost = 2000; // bytes that are written while a file is made
-constexpr double slowShare = 0.5;   // of the time limit, from which on a warning is due
+constexpr qint64 memberCost = 2000; // bytes; creating a file takes as long as writing them
+constexpr double slowShare = 0.5;   // of the time limit; a warning is due above it
 
-// No panel unpacks as much in the time that it has; more is not even looked at.
+// No panel can unpack more than this within the time limit, so reading stops here.
 constexpr qint64 largestSize = 4096 * megabyte;
 constexpr qint64 highestCount = 1'000'000;
 
-// Real projects shrink to a tenth, many empty files to a hundredth; gzip can do a thousandth.
+// Real projects shrink to a tenth and many empty files to a hundredth; gzip can reach a thousandth.
 constexpr qint64 highestRatio = 200;
-constexpr qint64 smallSize = 20 * megabyte; // is harmless whatever its ratio
+constexpr qint64 smallSize = 20 * megabyte; // bytes; harmless at any ratio
 
 constexpr char versionFile[] = "bios.version";
-constexpr qsizetype versionFileSize = 32; // bytes, more than a number has
+constexpr qsizetype versionFileSize = 32; // bytes; no number is longer
 
-/// The walk through one package.
+/// Verifies one package.
 class Verifier
 {
 public:
@@ -88,7 +88,7 @@ void Verifier::readArchive(const PackageHeader &header)
     TarReader tar(gzip);
     readMembers(tar, header);
     if (!m_isTooMuch) {
-        gzip.skipRest(); // what tar does not look at must be whole as well
+        gzip.skipRest(); // what tar ignores must be whole as well
     }
     m_isTooMuch = m_isTooMuch || gzip.state() == GzipState::TooLarge;
     m_result.readable = gzip.state() != GzipState::Unreadable;
@@ -156,12 +156,12 @@ void Verifier::judgeTar(const TarReader &tar)
     if (!error.isEmpty()) {
         say(Check::Tar, Level::Error, error);
     } else if (m_members.count() == 0) {
-        say(Check::Tar, Level::Error, "nothing is in it that a panel could unpack");
+        say(Check::Tar, Level::Error, "it holds nothing that a panel could unpack");
     } else {
         say(Check::Tar, Level::Ok, QString("whole, files and folders: %1").arg(m_result.count));
-        say(Check::Names, Level::Ok, "all lie in the panel's folder");
+        say(Check::Names, Level::Ok, "all inside the panel's folder");
         say(Check::Links, Level::Ok, "none");
-        say(Check::Rights, Level::Ok, "no special bits, no devices, and all of root");
+        say(Check::Rights, Level::Ok, "no special bits, no devices, everything owned by root");
     }
 }
 
@@ -170,12 +170,12 @@ void Verifier::judgeSize()
     const qint64 ratio = m_result.unpackedSize / std::max<qint64>(m_result.packedSize, 1);
     if (m_isTooMuch) {
         say(Check::Size, Level::Error,
-            QString("more than %1 MB or %2 files: not looked at to its end")
+            QString("more than %1 MB or %2 files: not read to the end")
                 .arg(largestSize / megabyte)
                 .arg(highestCount));
     } else if (m_result.unpackedSize > smallSize && ratio > highestRatio) {
         say(Check::Size, Level::Error,
-            QString("%1 bytes unpacked, %2 times as large as packed: made to fill a disk")
+            QString("%1 bytes unpacked, %2 times the packed size: made to fill a disk")
                 .arg(m_result.unpackedSize)
                 .arg(ratio));
     } else {
@@ -188,10 +188,10 @@ void Verifier::judgeTime()
     const qint64 bytes = m_result.unpackedSize + m_result.count * memberCost;
     const double limit = std::chrono::duration<double>(unpackLimit).count();
     m_result.seconds = std::ceil(10 * double(bytes) / double(m_task.rate * megabyte)) / 10;
-    const QString text = QString("up to %1 s of the %2 s that a panel gives it, at %3 MB/s")
+    const QString text = QString("up to %1 s at %2 MB/s; a panel allows %3 s")
                              .arg(m_result.seconds, 0, 'f', 1)
-                             .arg(limit)
-                             .arg(m_task.rate);
+                             .arg(m_task.rate)
+                             .arg(limit);
     const bool isSlow = m_result.seconds > limit * slowShare;
     const bool isTooSlow = m_result.seconds > limit;
     say(Check::Time, isTooSlow ? Level::Error : isSlow ? Level::Warning : Level::Ok, text);
