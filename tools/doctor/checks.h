@@ -4,7 +4,7 @@
 #include "finding.h"
 
 namespace Doctor {
-/// One thing that a panel must have. Decides from values alone and always finds something.
+/// One thing to check. The function decides from values alone and always returns a finding.
 struct Check
 {
     const char *subject;
@@ -14,7 +14,7 @@ struct Check
 /// Every check, in the order of the report.
 const QList<Check> &allChecks();
 
-/// What all checks find. Every finding has a subject.
+/// Runs all checks on @p facts. Every finding has a subject.
 Findings runChecks(const Facts &facts);
 
 // By file. toolchecks.cpp:

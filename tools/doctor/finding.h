@@ -8,7 +8,7 @@ namespace Doctor {
 using ToolReport::Finding;
 using ToolReport::Level;
 
-/// Findings of a check. Where one has no subject, the check's own holds.
+/// The findings of a check. A finding without a subject gets the subject of the check.
 using Findings = QList<Finding>;
 
 inline Finding fine(const QString &found)

@@ -18,7 +18,7 @@ QString shown(const QString &text)
     return QString::fromLatin1(printable(text));
 }
 
-/// Files and tools may have written anything into the texts.
+/// Texts may quote files and tools, which can contain anything.
 Findings shown(Findings findings)
 {
     for (Finding &finding : findings) {
