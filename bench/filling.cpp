@@ -1,7 +1,6 @@
 // How long the file transfer page takes to show many packages, in the real window.
 
 #include "packages/filetable.h"
-#include "packages/filewalk.h"
 #include "samplefiles.h"
 #include "support/panelplace.h"
 #include "support/resulttable.h"
@@ -29,7 +28,7 @@ constexpr Size sizes[] = {{10'000, 150}, {100'000, 1000}};
 
 QStringList findPackages()
 {
-    return findFilesBelow(folder, {sampleExtension}, ExtensionCase::SmallLetters);
+    return findPackagesBelow(folder, sampleType);
 }
 
 /// From the list of files until the table shows them, beginning with the rows of a round before.

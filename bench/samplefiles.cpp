@@ -31,6 +31,6 @@ void makeSampleFiles(const std::string &folder, int files, int filesToPackage)
             std::filesystem::create_directories(current);
         }
         makeFile(current + "/recipe" + std::to_string(number)
-                 + (number % filesToPackage == 0 ? sampleExtension : ".txt"));
+                 + (number % filesToPackage == 0 ? packageTypeInfo(sampleType).extension : ".txt"));
     }
 }

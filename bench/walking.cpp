@@ -1,6 +1,5 @@
 // The walk that looks for packages against find, in turn, and its growth with the files.
 
-#include "packages/filewalk.h"
 #include "samplefiles.h"
 #include "support/panelplace.h"
 #include "support/resulttable.h"
@@ -37,7 +36,8 @@ double timeOf(const QStringList &command)
 void compareWithFind(ResultTable &table)
 {
     const QStringList walk{QString::fromStdString(ownFolder() / "walkone"), folder};
-    const QStringList find{"find", folder, "-type", "f", "-name", QString("*") + sampleExtension};
+    const QStringList find{"find", folder,  "-type",
+                           "f",    "-name", "*" + packageExtension(sampleType)};
     std::vector<double> ours;
     std::vector<double> peer;
     timeOf(walk); // the first runs bring the programs into memory
@@ -59,7 +59,7 @@ std::vector<double> walkTimes(int files)
     std::vector<double> times;
     for (int round = 0; round < std::max(fewestRounds, leastFilesWalked / files); ++round) {
         const auto begin = now();
-        findFilesBelow(folder, {sampleExtension}, ExtensionCase::SmallLetters);
+        findPackagesBelow(folder, sampleType);
         times.push_back(millisecondsSince(begin));
     }
     return times;

@@ -1,6 +1,5 @@
 // Finds the application packages below a folder, as find does with "-type f -name '*.kpc'".
 
-#include "packages/filewalk.h"
 #include "samplefiles.h"
 #include "support/panelplace.h"
 #include "system/textcodec.h"
@@ -11,8 +10,7 @@ int main(int argc, char *argv[])
 {
     requirePanel();
     const QByteArray folder = onlyArgument(argc, argv, "walkone FOLDER");
-    for (const QString &name :
-         findFilesBelow(textFromBytes(folder), {sampleExtension}, ExtensionCase::SmallLetters)) {
+    for (const QString &name : findPackagesBelow(textFromBytes(folder), sampleType)) {
         std::puts((folder + bytesFromText(name)).constData());
     }
     return 0;

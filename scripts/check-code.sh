@@ -43,8 +43,9 @@ src/inputpanel system widgets
 src/factory system
 src/shell system widgets packages inputpanel pages
 src/pages system widgets packages inputpanel shell
-tools/mkpackage packages system
-tools/doctor packages system
+tools/common common
+tools/mkpackage common packages system
+tools/doctor common packages system
 RULES
 
 echo "Hazards"
@@ -90,7 +91,7 @@ sources '*.[1-8]' | xargs mandoc -T lint -W warning
 echo "Code"
 # The tests are left out, so that a function used only by tests is reported as unused.
 cppcheck --quiet --error-exitcode=1 --std=c++20 --library=qt -I src \
-    -I tools/mkpackage -I tools/doctor \
+    -I tools -I tools/mkpackage -I tools/doctor \
     --enable=warning,style,performance,portability,unusedFunction \
     --suppress-xml=scripts/cppcheck.xml src tools
 

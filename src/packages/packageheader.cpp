@@ -4,14 +4,11 @@
 
 #include <QtEndian>
 
-#include <algorithm>
-#include <array>
-
 namespace {
-constexpr qsizetype kindOffset = 0;
-constexpr qsizetype versionOffset = 4;
-constexpr qsizetype targetOffset = 20;
-static_assert(targetOffset + packageTargetSize == packageHeaderSize);
+static_assert(PackageFields::kind.end() == PackageFields::version.offset
+              && PackageFields::version.end() == PackageFields::reserved.offset
+              && PackageFields::reserved.end() == PackageFields::target.offset
+              && packageHeaderSize == 36);
 
 QByteArray upToNul(const QByteArray &field)
 {
@@ -19,13 +16,16 @@ QByteArray upToNul(const QByteArray &field)
     return end < 0 ? field : field.left(end);
 }
 
-quint32 numberAt(const QByteArray &bytes, qsizetype offset)
+quint32 numberIn(const QByteArray &header, const PackageField &field)
 {
-    std::array<char, sizeof(quint32)> field;
-    std::copy_n(bytes.begin() + offset, field.size(), field.begin());
-    return qFromLittleEndian<quint32>(field.data());
+    return qFromLittleEndian<quint32>(fieldBytes(header, field).constData());
 }
 } // namespace
+
+QByteArray fieldBytes(const QByteArray &header, const PackageField &field)
+{
+    return header.mid(field.offset, field.size);
+}
 
 std::optional<PackageHeader> parsePackageHeader(const QByteArray &bytes)
 {
@@ -33,18 +33,18 @@ std::optional<PackageHeader> parsePackageHeader(const QByteArray &bytes)
         return std::nullopt;
     }
     return PackageHeader{
-        PackageKind(numberAt(bytes, kindOffset)),
-        numberAt(bytes, versionOffset),
-        textFromBytes(upToNul(bytes.mid(targetOffset, packageTargetSize))),
+        PackageKind(numberIn(bytes, PackageFields::kind)),
+        numberIn(bytes, PackageFields::version),
+        textFromBytes(upToNul(fieldBytes(bytes, PackageFields::target))),
     };
 }
 
 QByteArray formatPackageHeader(const PackageHeader &header)
 {
     QByteArray bytes(packageHeaderSize, '\0');
-    qToLittleEndian(quint32(header.kind), bytes.data() + kindOffset);
-    qToLittleEndian(header.version, bytes.data() + versionOffset);
-    const QByteArray target = upToNul(bytesFromText(header.target)).left(packageTargetSize - 1);
-    bytes.replace(targetOffset, target.size(), target);
+    qToLittleEndian(quint32(header.kind), bytes.data() + PackageFields::kind.offset);
+    qToLittleEndian(header.version, bytes.data() + PackageFields::version.offset);
+    const QByteArray target = upToNul(bytesFromText(header.target)).left(longestPackageTarget);
+    bytes.replace(PackageFields::target.offset, target.size(), target);
     return bytes;
 }

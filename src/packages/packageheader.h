@@ -5,12 +5,8 @@
 
 #include <optional>
 
-// The 36 bytes that every package file starts with. Behind them, to the end of the file, stands a
-// gzip-compressed tar archive. Integers are little-endian, as the panel's processor stores them:
-//   offset  0, 4 bytes: kind
-//   offset  4, 4 bytes: version
-//   offset  8, 12 bytes: reserved, not read
-//   offset 20, 16 bytes: target, ASCII ended by a NUL byte
+// The 36 bytes that every package file starts with. A gzip-compressed tar archive follows them, up
+// to the end of the file. Integers are little-endian, as the panel's processor stores them.
 
 /// What a package holds. Any other number in a header is an unknown kind.
 enum class PackageKind : quint32 {
@@ -26,15 +22,34 @@ struct PackageHeader
     QString target; ///< panel model or OEM name; read as the version files are
 };
 
-inline constexpr qsizetype packageHeaderSize = 36;
+/// Where a field of the header lies, in bytes from the start of the file.
+struct PackageField
+{
+    qsizetype offset;
+    qsizetype size;
 
-/// Bytes of the target field; its text has to end by a NUL byte before them.
-inline constexpr qsizetype packageTargetSize = 16;
+    constexpr qsizetype end() const { return offset + size; }
+};
 
-/// Reads the header at the start of @p bytes. A target without a NUL byte is all 16 bytes.
+namespace PackageFields {
+inline constexpr PackageField kind{0, 4};
+inline constexpr PackageField version{4, 4};
+inline constexpr PackageField reserved{8, 12}; ///< not read
+inline constexpr PackageField target{20, 16};  ///< ASCII text, ended by a NUL byte
+} // namespace PackageFields
+
+inline constexpr qsizetype packageHeaderSize = PackageFields::target.end();
+
+/// The longest target, in bytes: the field holds a NUL byte behind it.
+inline constexpr qsizetype longestPackageTarget = PackageFields::target.size - 1;
+
+/// The bytes of @p field of a header, as they stand in the file.
+QByteArray fieldBytes(const QByteArray &header, const PackageField &field);
+
+/// Reads the header at the start of @p bytes. A target without a NUL byte is all 16 bytes long.
 /// Result: nothing if there are fewer than 36 bytes.
 std::optional<PackageHeader> parsePackageHeader(const QByteArray &bytes);
 
-/// The 36 bytes of @p header, the reserved ones zero. Of a target of more than 15 bytes only the
-/// first 15 are taken.
+/// The 36 bytes of @p header; the reserved ones are zero. A longer target than
+/// longestPackageTarget is cut.
 QByteArray formatPackageHeader(const PackageHeader &header);

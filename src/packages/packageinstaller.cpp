@@ -1,10 +1,10 @@
 #include "packages/packageinstaller.h"
 
 #include "packages/packagecheck.h"
+#include "packages/packagetypes.h"
 #include "system/commandline.h"
 #include "system/filecopy.h"
 #include "system/folderlisting.h"
-#include "system/paths.h"
 #include "system/process.h"
 #include "system/textcodec.h"
 #include "system/versionfiles.h"
@@ -18,7 +18,6 @@ namespace {
 /// Where a firmware package is looked through for a BIOS image. Deliberately with the apostrophe
 /// and relative, so that on most panels there is no such folder.
 constexpr char biosImageFolder[] = "'home/dest";
-constexpr char biosImageExtension[] = ".mo";
 
 /// A package file, and the temporary file into which its archive goes.
 class Package
@@ -51,9 +50,11 @@ public:
         return !m_archivePath.isEmpty();
     }
 
-    void unpackIn(const char *folder) const
+    /// Unpacks the stored archive where packages of @p type belong.
+    void unpackAs(PackageType type) const
     {
-        runInFolder(unpackCommand(m_archivePath), QLatin1String(folder), unpackLimit);
+        runInFolder(unpackCommand(m_archivePath), QLatin1String(packageTypeInfo(type).folder),
+                    unpackLimit);
         QFile::remove(m_archivePath);
     }
 
@@ -70,7 +71,7 @@ QString broughtBiosImage()
     FolderListing listing(biosImageFolder);
     while (const dirent *entry = listing.next()) {
         QString name = textFromBytes(entry->d_name);
-        if (name.endsWith(biosImageExtension)) {
+        if (name.endsWith(packageExtension(PackageType::BiosImage))) { // in small letters only
             return name;
         }
     }
@@ -80,13 +81,13 @@ QString broughtBiosImage()
 void installApplication(const Package &package)
 {
     runAndWait(removeOldApplicationCommand());
-    package.unpackIn(Paths::applicationFolder);
+    package.unpackAs(PackageType::Application);
 }
 
 InstallResult installFirmware(const Package &package, quint32 version)
 {
     runAndWait(removeOldFirmwareCommand());
-    package.unpackIn(Paths::firmwareFolder);
+    package.unpackAs(PackageType::Firmware);
     runAndWait(syncCommand());
     const QString image = broughtBiosImage();
     if (image.isEmpty()) {
@@ -140,6 +141,6 @@ int installBIOSPackage(const QString &path)
     if (!package.storeArchive()) {
         return BiosNotStored;
     }
-    package.unpackIn(Paths::biosFolder);
+    package.unpackAs(PackageType::BiosImage);
     return BiosInstalled;
 }

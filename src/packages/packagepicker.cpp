@@ -24,7 +24,7 @@ int dialogHeight(const QScreen *screen)
 }
 } // namespace
 
-PackagePicker::PackagePicker(const QString &title, const QString &extension)
+PackagePicker::PackagePicker(const QString &title, PackageType type)
     : m_table(0, 1)
 {
     QFont largeFont = font();
@@ -40,7 +40,7 @@ PackagePicker::PackagePicker(const QString &title, const QString &extension)
     SettingsMap settings;
     readSettingsFile(Paths::settingsFile, settings);
     const QString folder = searchFolder(settings.value(SettingsKeys::transferFolder));
-    showFiles(&m_table, folder, findFilesBelow(folder, {extension}, ExtensionCase::AnyCase));
+    showFiles(&m_table, folder, findPackagesBelow(folder, type));
     layOut();
 }
 
@@ -70,11 +70,11 @@ void PackagePicker::layOut()
 }
 
 BIOSUpdateDialog::BIOSUpdateDialog(const QString &)
-    : PackagePicker(tr("Select BIOS Image"), ".mo")
+    : PackagePicker(tr("Select BIOS Image"), PackageType::BiosImage)
 {
 }
 
 PackageInstalling::PackageInstalling()
-    : PackagePicker(tr("Select HMI Add-Ons"), ".pkg")
+    : PackagePicker(tr("Select HMI Add-Ons"), PackageType::AddOn)
 {
 }

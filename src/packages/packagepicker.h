@@ -1,5 +1,7 @@
 #pragma once
 
+#include "packages/packagetypes.h"
+
 #include <QDialog>
 #include <QTableWidget>
 
@@ -14,9 +16,8 @@ public:
     QString selectedFile() const;
 
 protected:
-    /// Lists the files with @p extension (small letters, with the dot), whatever the case of
-    /// theirs, which blocks until all folders are walked.
-    PackagePicker(const QString &title, const QString &extension);
+    /// Lists the packages of @p type, which blocks until all folders are walked.
+    PackagePicker(const QString &title, PackageType type);
 
 private:
     void layOut();

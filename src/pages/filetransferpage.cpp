@@ -4,6 +4,7 @@
 #include "packages/filewalk.h"
 #include "packages/packageinstaller.h"
 #include "packages/packagerefusal.h"
+#include "packages/packagetypes.h"
 #include "system/settingskeys.h"
 #include "widgets/radiobutton.h"
 
@@ -19,8 +20,6 @@ constexpr int warningFontSize = 24;              // px, readable at arm's length
 constexpr char tableName[] = "show_files_table"; // of both pages that have one
 constexpr char applicationName[] = "application_radioButton";
 constexpr char firmwareName[] = "firmware_radioButton";
-constexpr char applicationExtension[] = ".kpc";
-constexpr char firmwareExtension[] = ".fmw";
 
 void warn(const QString &title, const QString &text)
 {
@@ -68,13 +67,13 @@ bool BiosInterface::loadFiletransferSettings()
         return false;
     }
     const QString folder = searchFolder(m_settings.value(SettingsKeys::transferFolder));
-    const QString extension = QLatin1String(
-        m_transfer.application->isChecked() ? applicationExtension : firmwareExtension);
-    // A file whose whole name is the extension comes first. Such a name is a hidden one, so the
-    // toolkit has listed none so far.
-    QStringList files
-        = QDir(folder).entryList({extension}, QDir::Files | QDir::NoSymLinks, QDir::Unsorted);
-    files += findFilesBelow(folder, {extension}, ExtensionCase::SmallLetters);
+    const auto type
+        = m_transfer.application->isChecked() ? PackageType::Application : PackageType::Firmware;
+    // A file whose whole name is the extension comes first. Such a name is a hidden one, and Qt
+    // lists none of those.
+    QStringList files = QDir(folder).entryList({packageExtension(type)},
+                                               QDir::Files | QDir::NoSymLinks, QDir::Unsorted);
+    files += findPackagesBelow(folder, type);
     showFiles(m_transfer.files, folder, files);
     return true;
 }

@@ -27,7 +27,6 @@ constexpr int stopInterval = 50; // ms between two looks whether a tool shall be
 constexpr int killTime = 1000;   // ms until a killed tool is gone, unless it waits for a disk
 constexpr int askInterval = 10;  // ms between two looks at how much a tool wrote
 constexpr qsizetype mostKept = 16 << 20; // bytes of each stream
-constexpr qint64 feedSize = 65536;       // bytes that a tool is given at once
 
 /// Time in ms until the next look at what a tool wrote, or until @p deadline.
 int nextWait(const QDeadlineTimer &deadline)
@@ -130,29 +129,6 @@ ToolResult runIntoFile(const QStringList &command, const QString &folder, const 
             process.kill();
         }
     }
-    return resultOf(process);
-}
-
-ToolResult runFed(const QStringList &command, QIODevice &input,
-                  const std::function<void(const QByteArray &)> &takeOutput)
-{
-    QProcess process;
-    process.setProgram(command.value(0));
-    process.setArguments(command.mid(1));
-    process.start();
-    process.waitForStarted(-1);
-    for (QByteArray piece; !(piece = input.read(feedSize)).isEmpty();) {
-        process.write(piece);
-        while (process.bytesToWrite() > 0 && process.waitForBytesWritten(-1)) {
-            takeOutput(process.readAllStandardOutput());
-        }
-        if (process.bytesToWrite() > 0) {
-            break; // it reads no more
-        }
-    }
-    process.closeWriteChannel();
-    process.waitForFinished(-1);
-    takeOutput(process.readAllStandardOutput());
     return resultOf(process);
 }
 

@@ -7,7 +7,6 @@
 #include <chrono>
 #include <functional>
 
-class QIODevice;
 class QProcessEnvironment;
 
 // The ways to run a tool. All of them block the calling thread; none needs an event loop.
@@ -49,11 +48,6 @@ void runInFolder(const QStringList &command, const QString &folder,
 /// file at @p outputPath. Waits without limit, but ends the tool once @p shallStop says so.
 ToolResult runIntoFile(const QStringList &command, const QString &folder, const QString &outputPath,
                        const std::function<bool()> &shallStop);
-
-/// Runs @p command, gives it what is left to read in @p input on its standard input and hands
-/// what it writes to standard output to @p takeOutput, in pieces. Waits without limit.
-ToolResult runFed(const QStringList &command, QIODevice &input,
-                  const std::function<void(const QByteArray &)> &takeOutput);
 
 /// Starts @p command and does not wait for it; it outlives this program.
 /// Result: false if it cannot be started.

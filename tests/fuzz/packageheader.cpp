@@ -19,9 +19,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     if (!header) {
         return 0;
     }
-    const QByteArray target = bytes.mid(packageHeaderSize - packageTargetSize, packageTargetSize);
+    const QByteArray target = bytes.mid(PackageFields::target.offset, PackageFields::target.size);
     const bool isEnded = target.contains('\0');
-    require(isEnded || !isAscii(target) || header->target.size() == packageTargetSize);
+    require(isEnded || !isAscii(target) || header->target.size() == PackageFields::target.size);
     const QByteArray written = formatPackageHeader(*header);
     require(written.size() == packageHeaderSize);
     require(written.left(8) == bytes.left(8));

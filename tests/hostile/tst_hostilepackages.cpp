@@ -3,8 +3,8 @@
 #include "diskfiles.h"
 #include "disksnapshot.h"
 #include "hostilecases.h"
-#include "packages/filewalk.h"
 #include "packages/packageheader.h"
+#include "packages/packagetypes.h"
 #include "panelguard.h"
 
 #include <QDir>
@@ -22,7 +22,8 @@ constexpr qint64 walkLimit = 500;   // ms
 int installAny(const QByteArray &path)
 {
     const QString name = QString::fromUtf8(path);
-    return path.endsWith(".mo") ? installBIOSPackage(name) : installPackage(name);
+    return isListedAs(PackageType::BiosImage, name) ? installBIOSPackage(name)
+                                                    : installPackage(name);
 }
 
 QByteArray resultText(const QList<int> &results)
@@ -177,7 +178,7 @@ void TestHostilePackages::folders()
     QElapsedTimer timer;
     timer.start();
     const QStringList found
-        = findFilesBelow(QString::fromUtf8(tree.path) + '/', {".kpc"}, ExtensionCase::SmallLetters);
+        = findPackagesBelow(QString::fromUtf8(tree.path) + '/', PackageType::Application);
     const qint64 elapsed = timer.elapsed();
     printRow("folder " + tree.name, QByteArray::number(found.size()) + " listed", "", elapsed);
     QCOMPARE(found.size(), tree.rows);

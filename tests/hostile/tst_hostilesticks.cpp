@@ -3,6 +3,7 @@
 #include "hostilecases.h"
 #include "packages/packagecheck.h"
 #include "packages/packageheader.h"
+#include "packages/packagetypes.h"
 #include "panelfiles.h"
 #include "panelguard.h"
 #include "panelprogram.h"
@@ -44,7 +45,8 @@ bool isSample(const HostileCase &hostile, int indexInGroup)
 /// Those that the file transfer page lists, in a panel whose program has started before.
 bool canBeTapped(const HostileCase &hostile)
 {
-    return !hostile.paths.first().endsWith(".mo") && hostile.setup != "small-temporary";
+    return !isListedAs(PackageType::BiosImage, hostile.paths.first())
+        && hostile.setup != "small-temporary";
 }
 
 void mountStick(const QByteArray &folder)
@@ -155,7 +157,7 @@ void TestHostileSticks::openPage()
 /// tells @p result, and in time.
 void TestHostileSticks::installFirst(const QByteArray &package, int result)
 {
-    const bool firmware = package.endsWith(".fmw");
+    const bool firmware = isListedAs(PackageType::Firmware, package);
     shellBytes(QString("rm -rf %1/*; cp '%2' %1").arg(stick, QString::fromUtf8(package)));
     openPage();
     if (firmware) {

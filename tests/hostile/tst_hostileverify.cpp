@@ -3,6 +3,7 @@
 #include "findings.h"
 #include "hostilecases.h"
 #include "packages/packagerefusal.h"
+#include "packages/packagetypes.h"
 #include "panelguard.h"
 #include "system/filecopy.h"
 #include "verify.h"
@@ -16,6 +17,8 @@
 #include <algorithm>
 
 // What is said of each hostile package before it is carried to the panel for which it was made.
+
+using namespace MkPackage;
 
 namespace {
 constexpr qint64 timeLimit = 10000; // ms a package, the largest of which come to 400 MB
@@ -35,9 +38,8 @@ Verification verifyFile(const QByteArray &path)
 QStringList errorsOf(const Verification &found, const QByteArray &check = {})
 {
     QStringList errors;
-    for (const PackageFinding &finding : found.findings.list()) {
-        if (finding.level == Level::Error
-            && (check.isEmpty() || checkName(finding.check) == check)) {
+    for (const Finding &finding : found.findings.list()) {
+        if (finding.level == Level::Error && (check.isEmpty() || finding.subject == check)) {
             errors += finding.text;
         }
     }
@@ -71,7 +73,8 @@ print("\n".join(path for path in archives if archives[path] == right))
 void checkRefusal(const HostileCase &hostile, int result, const Verification &found)
 {
     const PackageRefusal *refusal = findPackageRefusal(result);
-    if (refusal != nullptr && hostile.setup == "-" && !hostile.paths.last().endsWith(".mo")) {
+    if (refusal != nullptr && hostile.setup == "-"
+        && !isListedAs(PackageType::BiosImage, hostile.paths.last())) {
         const QString words = QString("\"%1: %2\"").arg(refusal->title, refusal->text);
         QVERIFY2(errorsOf(found, "panel").join(' ').contains(words),
                  qPrintable(errorsOf(found).join('\n')));

@@ -16,6 +16,8 @@
 
 #include <memory>
 
+using namespace Doctor;
+
 namespace {
 constexpr int healthyLimit = 2000; // ms
 /// A document's lines that are indented by four blanks.
@@ -39,7 +41,7 @@ constexpr Break breaks[] = {
     {"missing tool", "mv /usr/bin/xCal /usr/bin/aside", "mv /usr/bin/aside /usr/bin/xCal",
      "error    tool xCal: not on PATH", 2},
     {"tool that is not executable", "chmod -x /usr/bin/beep", "chmod +x /usr/bin/beep",
-     "warning  tool beep: not on PATH, or not executable", 1},
+     "warning  tool beep: not on PATH or not executable", 1},
     {"dark", "echo bios.brightness=0 >/opt/talmero/bios/bios.ini", "",
      "warning  settings: line 1: bios.brightness=0 makes the panel dark", 1},
     {"key that a terminal would obey",
@@ -47,9 +49,9 @@ constexpr Break breaks[] = {
      "warning  settings: line 1: app.\\x1b]0;x\\x07\\xff=1 is a key", 1},
     {"settings file is a pipe", "cd /opt/talmero/bios; rm bios.ini; mkfifo bios.ini",
      "rm /opt/talmero/bios/bios.ini",
-     "error    settings file: /opt/talmero/bios/bios.ini is no file", 2},
+     "error    settings file: /opt/talmero/bios/bios.ini is not a readable file", 2},
     {"no model", "rm /opt/talmero/bios/model", "echo RV-K21T >/opt/talmero/bios/model",
-     "warning  version files: /opt/talmero/bios/model is not there", 1},
+     "warning  version files: /opt/talmero/bios/model is missing or cannot be read", 1},
     {"broken runtime script", "echo 'if' >>/opt/talmero/bios/runapp.sh",
      "echo : >/opt/talmero/bios/runapp.sh",
      "error    runtime script: \"/bin/sh -n /opt/talmero/bios/runapp.sh\" fails with status 2: ",
@@ -66,12 +68,12 @@ constexpr Break breaks[] = {
      "rm /home/dest; mv /home/real /home/dest", "error    application: /home/dest is a link", 2},
     {"folder for fonts elsewhere",
      "echo bios.fontsetting.folder=/srv/no >/opt/talmero/bios/bios.ini", "",
-     "warning  settings: line 1: bios.fontsetting.folder=/srv/no is no folder now", 1},
+     "warning  settings: line 1: bios.fontsetting.folder=/srv/no is not a folder at the moment", 1},
     {"left archive", ": >/tmp/talmero-bios.aBc123", "rm /tmp/talmero-bios.aBc123",
-     "warning  space: 1 archives of packages are left in /tmp", 1},
+     "warning  space: package archives left over in /tmp: 1", 1},
     {"link into the system", "ln -s /etc /home/dest/config", "rm /home/dest/config",
-     "warning  links: 1 links in /home/dest and /opt/talmero/bios lead out of them: "
-     "/home/dest/config",
+     "warning  links: links lead out of /home/dest and /opt/talmero/bios: 1 "
+     "(/home/dest/config)",
      1},
     {"factory stick", "touch /media/usb0/talmero_setup", "rm /media/usb0/talmero_setup",
      "warning  stick: /media/usb0/talmero_setup is there", 1},
@@ -79,7 +81,7 @@ constexpr Break breaks[] = {
      "warning  serial ports: there is no /dev/ttyS2", 1},
     {"empty rules", ": >/etc/udev/rules.d/70-persistent-net.rules",
      "rm /etc/udev/rules.d/70-persistent-net.rules",
-     "warning  naming rules: /etc/udev/rules.d/70-persistent-net.rules names no port", 1},
+     "warning  naming rules: /etc/udev/rules.d/70-persistent-net.rules does not name any port", 1},
     {"read-only disk", "mount -t tmpfs -o ro x /etc/udev/rules.d", "umount /etc/udev/rules.d",
      "warning  folders: /etc/udev/rules.d cannot be written", 1},
 };
@@ -224,7 +226,7 @@ void TestDoctor::display()
     QVERIFY(
         complaints.first().startsWith("error    display: :7 does not answer: \"xset q\" fails "));
     for (const QByteArray &other : complaints.mid(1)) {
-        QVERIFY(other.contains(": not looked at: no display answers"));
+        QVERIFY(other.contains(": not checked: no display answers"));
     }
 }
 

@@ -46,7 +46,7 @@ void TestDoctorFaults::brokenAnswer_data()
     QTest::newRow("BusyBox's tar")
         << "tar"
         << "exec busybox tar \"$@\""
-        << QByteArrayList{"warning  unpacking: tar unpacks a sample package, but is not GNU tar"};
+        << QByteArrayList{"warning  unpacking: tar unpacks a sample package but is not GNU tar"};
     QTest::newRow("tar without gzip")
         << "tar"
         << "[ $1 = --version ] && exec /usr/bin/tar --version; exit 0"

@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+namespace Doctor {
 namespace {
 constexpr char outputs[]
     = "Screen 0: minimum 64 x 64, current 800 x 600, maximum 32767 x 32767\n"
@@ -146,7 +147,7 @@ QStringList complaints(const Facts &facts)
         if (finding.level != Level::Ok) {
             all += QString("%1 %2: %3")
                        .arg(finding.level == Level::Error ? "error" : "warning", finding.subject,
-                            finding.found);
+                            finding.text);
         }
     }
     return all;
@@ -158,9 +159,10 @@ QString judgeBrokenThing(const BrokenThing &thing)
     thing.breakIt(facts);
     for (const Finding &finding : runChecks(facts)) {
         if (finding.advice.isEmpty() != (finding.level == Level::Ok)) {
-            return "advice is for complaints, and each has one: " + finding.found;
+            return "advice is for complaints, and each has one: " + finding.text;
         }
     }
     const QStringList said = complaints(facts);
     return said == thing.complaints ? QString() : "said:\n" + said.join('\n');
 }
+} // namespace Doctor

@@ -2,6 +2,7 @@
 
 #include "facts.h"
 
+namespace Doctor {
 /// What talmero-doctor gathers on a panel to which nothing is wrong.
 Facts healthyFacts();
 
@@ -35,3 +36,4 @@ QString judgeBrokenThing(const BrokenThing &thing);
 
 /// What the checks complain of, "error subject: found".
 QStringList complaints(const Facts &facts);
+} // namespace Doctor

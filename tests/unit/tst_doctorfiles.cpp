@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Doctor;
+
 namespace {
 PathFacts &at(Facts &facts, const QString &path)
 {
@@ -27,7 +29,7 @@ const QList<BrokenThing> &brokenThings()
          {"warning folders: there is no folder /var/lock"}},
         {"no application folder", [](Facts &f) { f.paths.remove(Paths::applicationFolder); },
          {"error application: there is no folder /home/dest",
-          "warning space: the room in /home/dest is not known"}},
+          "warning space: the free space in /home/dest is unknown"}},
         {"file in its place", [](Facts &f) { at(f, Paths::applicationFolder).kind = PathFacts::Kind::File; },
          {"error application: there is no folder /home/dest"}},
         {"read-only application folder", [](Facts &f) { at(f, Paths::applicationFolder).isWritable = false; },
@@ -50,9 +52,9 @@ const QList<BrokenThing> &brokenThings()
         {"no temporary folder", [](Facts &f) { f.temporaryFolder = "/nowhere"; },
          {"error space: there is no folder /nowhere"}},
         {"left archives", [](Facts &f) { f.leftArchives = 3; },
-         {"warning space: 3 archives of packages are left in /tmp"}},
+         {"warning space: package archives left over in /tmp: 3"}},
         {"stray link", [](Facts &f) { f.strayLinks = {{"/home/dest/a"}, 1, true}; },
-         {"warning links: 1 links in /home/dest and /opt/talmero/bios lead out of them: /home/dest/a"}},
+         {"warning links: links lead out of /home/dest and /opt/talmero/bios: 1 (/home/dest/a)"}},
         {"too many entries", [](Facts &f) { f.strayLinks.isWhole = false; }, {}},
         {"no media folder", [](Facts &f) { f.paths.remove(Paths::mediaFolder); },
          {"warning stick: there is no folder /media/"}},
@@ -61,15 +63,15 @@ const QList<BrokenThing> &brokenThings()
         {"factory stick", [](Facts &f) { putFile(f, Paths::factoryMarker, ""); },
          {"warning stick: /media/usb0/talmero_setup is there: the next start opens the factory window"}},
         {"no script", [](Facts &f) { f.paths.remove(Paths::runtimeScript); f.answers[size_t(Question::ScriptSyntax)].reset(); },
-         {"error runtime script: /opt/talmero/bios/runapp.sh is not there, or no file that can be read"}},
+         {"error runtime script: /opt/talmero/bios/runapp.sh is missing or cannot be read"}},
         {"script that is not readable", [](Facts &f) { at(f, Paths::runtimeScript).isReadable = false; },
-         {"error runtime script: /opt/talmero/bios/runapp.sh is not there, or no file that can be read"}},
+         {"error runtime script: /opt/talmero/bios/runapp.sh is missing or cannot be read"}},
         {"empty script", [](Facts &f) { putFile(f, Paths::runtimeScript, "\n \n"); },
          {"error runtime script: /opt/talmero/bios/runapp.sh is empty"}},
         {"broken script", [](Facts &f) { answer(f, Question::ScriptSyntax, "", "runapp.sh: 2: Syntax error", 2); },
          {"error runtime script: \"tool -x\" fails with status 2: runapp.sh: 2: Syntax error"}},
         {"no version", [](Facts &f) { f.paths.remove(Paths::runtimeVersionFile); },
-         {"warning version files: /opt/talmero/bios/fwver is not there, or no file that can be read"}},
+         {"warning version files: /opt/talmero/bios/fwver is missing or cannot be read"}},
         {"empty OEM", [](Facts &f) { putFile(f, Paths::runtimeOemFile, "\nTALMERO\n"); },
          {"warning version files: /opt/talmero/bios/oem is empty"}},
         {"version in words", [](Facts &f) { putFile(f, Paths::biosVersionFile, "three"); },

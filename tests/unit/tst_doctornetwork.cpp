@@ -4,6 +4,8 @@
 
 using End = ToolAnswer::End;
 
+using namespace Doctor;
+
 namespace {
 constexpr char today[]
     = "eth0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500\n"
@@ -28,14 +30,14 @@ const QList<BrokenThing> &brokenThings()
     static const QList<BrokenThing> things{
         {"no second port", [](Facts &f) { f.interfaces.remove(1); },
          {"error LAN ports: there is no eth1",
-          "warning ifconfig: eth1 is not looked at: there is no such port",
-          "warning interface list: addresses of other interfaces than eth0 and eth1: 02:00:00:00:00:02"}},
+          "warning ifconfig: eth1 is not checked: there is no such port",
+          "warning interface list: addresses of interfaces other than eth0 and eth1: 02:00:00:00:00:02"}},
         {"names of today", [](Facts &f) { f.interfaces[0].name = "enp1s0"; f.interfaces[1].name = "enp2s0"; },
          {"error LAN ports: there is no eth0; there are enp1s0, enp2s0",
           "error LAN ports: there is no eth1; there are enp1s0, enp2s0",
-          "warning ifconfig: eth0 is not looked at: there is no such port",
-          "warning ifconfig: eth1 is not looked at: there is no such port",
-          "warning interface list: addresses of other interfaces than eth0 and eth1: 02:00:00:00:00:01, 02:00:00:00:00:02"}},
+          "warning ifconfig: eth0 is not checked: there is no such port",
+          "warning ifconfig: eth1 is not checked: there is no such port",
+          "warning interface list: addresses of interfaces other than eth0 and eth1: 02:00:00:00:00:01, 02:00:00:00:00:02"}},
         {"format of today", [](Facts &f) { answer(f, Question::FirstPort, today); },
          {"error ifconfig: what ifconfig prints of eth0 is not in the classic format"}},
         {"format of today, second port", [](Facts &f) { answer(f, Question::SecondPort, today); },
@@ -50,13 +52,13 @@ const QList<BrokenThing> &brokenThings()
         {"list in today's format", [](Facts &f) { answer(f, Question::Interfaces, today); },
          {"error interface list: \"ifconfig\" lists no hardware address that the program reads"}},
         {"a bridge", [](Facts &f) { answer(f, Question::Interfaces, "eth0 HWaddr 02:00:00:00:00:01\nbr0 HWaddr 02:00:00:00:00:03\n"); },
-         {"warning interface list: addresses of other interfaces than eth0 and eth1: 02:00:00:00:00:03"}},
+         {"warning interface list: addresses of interfaces other than eth0 and eth1: 02:00:00:00:00:03"}},
         {"addresses in capitals", [](Facts &f) {
              f.interfaces[0].address = "02:00:00:00:00:aa";
              answer(f, Question::Interfaces, "eth0 HWaddr 02:00:00:00:00:AA\n");
          }, {}},
         {"another DHCP client", [](Facts &f) { answer(f, Question::DhcpVersion, "dhcpcd 9.4.1"); },
-         {"error DHCP client: dhclient is not ISC's"}},
+         {"error DHCP client: dhclient is not the one from ISC"}},
         {"version on the other stream", [](Facts &f) { answer(f, Question::DhcpVersion, "isc-dhclient-4.4.3"); }, {}},
 
         {"no interfaces file", [](Facts &f) { f.paths.remove(Paths::interfacesFile); },
@@ -70,24 +72,24 @@ const QList<BrokenThing> &brokenThings()
         {"file that ifupdown refuses", [](Facts &f) { answer(f, Question::InterfacesFile, "", "ifquery: misplaced option", 1); },
          {"error interfaces file: \"tool -x\" fails with status 1: ifquery: misplaced option"}},
         {"no ifupdown", [](Facts &f) { f.ifquery.clear(); f.answers[size_t(Question::InterfacesFile)].reset(); },
-         {"warning interfaces file: ifquery is not there: whether ifupdown accepts the file is not known"}},
+         {"warning interfaces file: ifquery is missing: whether ifupdown accepts the file is unknown"}},
         {"no ifupdown, empty address", [](Facts &f) { f.ifquery.clear(); putInterfaces(f, "iface eth0 inet static\naddress\n"); },
          {"error interfaces file: \"address\" has no value in /etc/network/interfaces: ifupdown refuses the whole file"}},
         {"one foreign line", [](Facts &f) { putInterfaces(f, "# a comment\nsource  /etc/network/interfaces.d/*\n"); },
-         {"warning interfaces file: the next save of the Ethernet page drops \"source /etc/network/interfaces.d/*\""}},
+         {"warning interfaces file: the next save of the Ethernet page removes \"source /etc/network/interfaces.d/*\""}},
         {"a bridge in the file", [](Facts &f) { putInterfaces(f, "auto br0\niface br0 inet manual\n  bridge_ports eth0\n"); },
-         {"warning interfaces file: the next save of the Ethernet page drops \"auto br0\" and 2 lines more"}},
+         {"warning interfaces file: the next save of the Ethernet page removes \"auto br0\" and 2 more lines"}},
         {"a gateway", [](Facts &f) { putInterfaces(f, "iface eth0 inet static\n address 10.0.0.1\n gateway 10.0.0.2\n"); },
-         {"warning interfaces file: the next save of the Ethernet page drops \"gateway 10.0.0.2\""}},
+         {"warning interfaces file: the next save of the Ethernet page removes \"gateway 10.0.0.2\""}},
 
         {"rules that fit", [](Facts &f) { putRule(f, "02:00:00:00:00:01", "eth0"); }, {}},
         {"rule in capitals", [](Facts &f) { f.interfaces[0].address = "02:00:00:00:00:ab"; answer(f, Question::Interfaces, "HWaddr 02:00:00:00:00:AB"); putRule(f, "02:00:00:00:00:AB", "eth0"); }, {}},
         {"empty rules", [](Facts &f) { putFile(f, Paths::namingRulesFile, ""); },
-         {"warning naming rules: /etc/udev/rules.d/70-persistent-net.rules names no port"}},
+         {"warning naming rules: /etc/udev/rules.d/70-persistent-net.rules does not name any port"}},
         {"rule of an exchanged board", [](Facts &f) { putRule(f, "02:00:00:00:00:09", "eth0"); },
-         {"warning naming rules: eth0 should have the address 02:00:00:00:00:09 and has not"}},
+         {"warning naming rules: eth0 should have the address 02:00:00:00:00:09 but does not"}},
         {"rule of a third port", [](Facts &f) { putRule(f, "02:00:00:00:00:03", "eth2"); },
-         {"warning naming rules: eth2 should have the address 02:00:00:00:00:03 and has not"}},
+         {"warning naming rules: eth2 should have the address 02:00:00:00:00:03 but does not"}},
         {"rules that cannot be read", [](Facts &f) { putRule(f, "02:00:00:00:00:01", "eth0"); f.paths[Paths::namingRulesFile].isReadable = false; },
          {"error naming rules: /etc/udev/rules.d/70-persistent-net.rules cannot be read"}},
         {"folder in place of the rules", [](Facts &f) { f.paths[Paths::namingRulesFile].kind = PathFacts::Kind::Folder; },

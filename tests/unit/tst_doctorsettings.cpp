@@ -11,6 +11,8 @@
 
 using namespace std::chrono_literals;
 
+using namespace Doctor;
+
 namespace {
 /// Settings texts, and all that is said of them.
 struct SettingsRow
@@ -31,9 +33,9 @@ const QList<SettingsRow> &settingsRows()
         {"empty", "", {}},
         {"byte order mark", "\xEF\xBB\xBF" "app.mouse=1\n", {}},
         {"comments and blank lines", "# a\n\n   \n #b=c\napp.mouse=1", {}},
-        {"no equals sign", "app.mouse=1\nhello world\n", {"warning settings: line 2 is passed over: \"hello world\""}},
-        {"no key", "=1\n", {"warning settings: line 1 is passed over: \"=1\""}},
-        {"control characters", QByteArray("\x1b[2Jx\n"), {"warning settings: line 1 is passed over: \"\x1b[2Jx\""}},
+        {"no equals sign", "app.mouse=1\nhello world\n", {"warning settings: line 2 is ignored: \"hello world\""}},
+        {"no key", "=1\n", {"warning settings: line 1 is ignored: \"=1\""}},
+        {"control characters", QByteArray("\x1b[2Jx\n"), {"warning settings: line 1 is ignored: \"\x1b[2Jx\""}},
         {"only the last line counts", "app.orientation=up\napp.orientation=vertical\n", {}},
         {"removed by a later line", "bios.debug=x\nbios.debug=\n", {}},
         {"flag 0", "app.mouse=0\napp.buzzer=no\n",
@@ -45,31 +47,31 @@ const QList<SettingsRow> &settingsRows()
         {"delay that is not offered", "app.screensaving=15\n",
          {"warning settings: line 1: app.screensaving=15 is a delay that the page does not offer, so the page shows another"}},
         {"delay in words", "app.screensaving=ten\n",
-         {"warning settings: line 1: app.screensaving=ten switches screen saving off, as no number does"}},
+         {"warning settings: line 1: app.screensaving=ten switches screen saving off, as 0 and any text do"}},
         {"delay 0", "app.screensaving=0\n",
-         {"warning settings: line 1: app.screensaving=0 switches screen saving off, as no number does"}},
+         {"warning settings: line 1: app.screensaving=0 switches screen saving off, as 0 and any text do"}},
         {"dark", "bios.brightness=0\n", {"warning settings: line 1: bios.brightness=0 makes the panel dark at every start"}},
         {"dark in other digits", "bios.brightness=0.00\n", {"warning settings: line 1: bios.brightness=0.00 makes the panel dark at every start"}},
         {"after a rescue", "bios.brightness=\x01\n", {"warning settings: line 1: bios.brightness=\x01 is what rescue mode stores: the light is full"}},
         {"brightness that is not offered", "bios.brightness=0.55\n",
          {"warning settings: line 1: bios.brightness=0.55 is a brightness that the page does not offer"}},
         {"brightness in words", "bios.brightness=full\n",
-         {"warning settings: line 1: bios.brightness=full is no brightness: xrandr refuses it and the light stays"}},
-        {"debug level in words", "bios.debug=on\n", {"warning settings: line 1: bios.debug=on counts as 0, as no number does"}},
-        {"no size", "bios.screen.size=800\n", {"warning settings: line 1: bios.screen.size=800 is no size, and passed over"}},
+         {"warning settings: line 1: bios.brightness=full is not a brightness: xrandr refuses it and the light does not change"}},
+        {"debug level in words", "bios.debug=on\n", {"warning settings: line 1: bios.debug=on counts as 0, because it is not a number"}},
+        {"no size", "bios.screen.size=800\n", {"warning settings: line 1: bios.screen.size=800 is not a size and is ignored"}},
         {"wider than the screen", "bios.screen.size=801x600\n",
-         {"warning settings: line 1: bios.screen.size=801x600 is larger than the screen: buttons lie outside, and memory is wasted"}},
+         {"warning settings: line 1: bios.screen.size=801x600 is larger than the screen: buttons lie outside it, and memory is wasted"}},
         {"higher than the screen", "bios.screen.size=800X601\n",
-         {"warning settings: line 1: bios.screen.size=800X601 is larger than the screen: buttons lie outside, and memory is wasted"}},
+         {"warning settings: line 1: bios.screen.size=800X601 is larger than the screen: buttons lie outside it, and memory is wasted"}},
         {"empty address", "ethernet.eth0=\nethernet.eth0.mask=\n",
          {"error settings: line 1: ethernet.eth0= is an empty fixed address: ifupdown refuses the whole file of interfaces"}},
-        {"DHCP in capitals", "ethernet.eth1=DHCP\n", {"warning settings: line 1: ethernet.eth1=DHCP counts as a fixed address and is none"}},
-        {"half an address", "ethernet.eth0=10.0.0\n", {"warning settings: line 1: ethernet.eth0=10.0.0 counts as a fixed address and is none"}},
-        {"mask with a hole", "ethernet.eth0.mask=255.0.255.0\n", {"warning settings: line 1: ethernet.eth0.mask=255.0.255.0 is no netmask"}},
-        {"mask with what stood behind it", "ethernet.eth1.mask=255.0.0.0 UP B\n", {"warning settings: line 1: ethernet.eth1.mask=255.0.0.0 UP B is no netmask"}},
+        {"DHCP in capitals", "ethernet.eth1=DHCP\n", {"warning settings: line 1: ethernet.eth1=DHCP counts as a fixed address but is not one"}},
+        {"half an address", "ethernet.eth0=10.0.0\n", {"warning settings: line 1: ethernet.eth0=10.0.0 counts as a fixed address but is not one"}},
+        {"mask with a hole", "ethernet.eth0.mask=255.0.255.0\n", {"warning settings: line 1: ethernet.eth0.mask=255.0.255.0 is not a netmask"}},
+        {"mask with what stood behind it", "ethernet.eth1.mask=255.0.0.0 UP B\n", {"warning settings: line 1: ethernet.eth1.mask=255.0.0.0 UP B is not a netmask"}},
         {"all hosts, one host", "ethernet.eth0.mask=0.0.0.0\nethernet.eth1.mask=255.255.255.255\n", {}},
         {"folder that is not there", "bios.fontsetting.folder=/stick\n",
-         {"warning settings: line 1: bios.fontsetting.folder=/stick is no folder now: nothing is found"}},
+         {"warning settings: line 1: bios.fontsetting.folder=/stick is not a folder at the moment: nothing is found"}},
         {"blanks around the equals sign", "bios.debug = 1\n", {"warning settings: line 1: bios.debug = 1 is not the key \"bios.debug\""}},
         {"key in capitals", "App.Mouse=1\n", {"warning settings: line 1: App.Mouse=1 is not the key \"app.mouse\""}},
         {"mistyped key", "app.orientaton=vertical\n", {"warning settings: line 1: app.orientaton=vertical is a key that the program does not know"}},
@@ -94,18 +96,18 @@ const QList<BrokenThing> &brokenThings()
         {"no settings file", [](Facts &f) { f.paths.remove(Paths::settingsFile); },
          {"warning settings file: there is no /opt/talmero/bios/bios.ini"}},
         {"folder in its place", [](Facts &f) { f.paths[Paths::settingsFile].kind = PathFacts::Kind::Folder; },
-         {"error settings file: /opt/talmero/bios/bios.ini is no file that can be read"}},
+         {"error settings file: /opt/talmero/bios/bios.ini is not a readable file"}},
         {"file that is not readable", [](Facts &f) { f.paths[Paths::settingsFile].isReadable = false; },
-         {"error settings file: /opt/talmero/bios/bios.ini is no file that can be read"}},
+         {"error settings file: /opt/talmero/bios/bios.ini is not a readable file"}},
         {"read-only file", [](Facts &f) { f.paths[Paths::settingsFile].isWritable = false; },
          {"error settings file: /opt/talmero/bios/bios.ini cannot be written"}},
         {"endless file", [](Facts &f) { f.paths[Paths::settingsFile].size = contentLimit + 1; },
-         {"warning settings file: /opt/talmero/bios/bios.ini has 1048577 bytes, of which only the first ones are looked at"}},
+         {"warning settings file: /opt/talmero/bios/bios.ini has 1048577 bytes, of which only the first are checked"}},
         {"screen of unknown size", [](Facts &f) {
              putFile(f, Paths::settingsFile, "bios.screen.size=9999x9999\n");
              answer(f, Question::Outputs, "A connected (normal left)\n");
          },
-         {"warning screen: \"xrandr -q\" does not tell the size of the screen"}},
+         {"warning screen: \"xrandr -q\" does not print the size of the screen"}},
     };
     // clang-format on
     return things;

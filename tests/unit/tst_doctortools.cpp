@@ -5,6 +5,8 @@
 
 using End = ToolAnswer::End;
 
+using namespace Doctor;
+
 namespace {
 const QList<BrokenThing> &brokenThings()
 {
@@ -14,16 +16,16 @@ const QList<BrokenThing> &brokenThings()
         {"ordinary user", [](Facts &f) { f.user = 1000; },
          {"warning user: user 1000; the program runs as root"}},
         {"no gzip", [](Facts &f) { f.gzip.clear(); },
-         {"error tool gzip: not on PATH, or not executable"}},
+         {"error tool gzip: not on PATH or not executable"}},
         {"tar makes nothing of it", [](Facts &f) { f.unpacked.clear(); },
          {"error unpacking: tar did not unpack a sample package"}},
         {"another tar", [](Facts &f) { answer(f, Question::TarVersion, "tar (busybox) 1.35.0"); },
-         {"warning unpacking: tar unpacks a sample package, but is not GNU tar"}},
+         {"warning unpacking: tar unpacks a sample package but is not GNU tar"}},
         {"tar without a version",
          [](Facts &f) { answer(f, Question::TarVersion, "", "unknown option", 1); },
-         {"warning unpacking: tar unpacks a sample package, but is not GNU tar"}},
+         {"warning unpacking: tar unpacks a sample package but is not GNU tar"}},
         {"no room for a sample", [](Facts &f) { f.answers[size_t(Question::Unpack)].reset(); },
-         {"error unpacking: a sample package was not unpacked: there is no room for temporary files"}},
+         {"error unpacking: a sample package was not unpacked: there is no space for temporary files"}},
         {"du complains", [](Facts &f) { answer(f, Question::ApplicationSize, "4K\t/home/dest/\n", "du: cannot read"); },
          {"error size: du complains: du: cannot read"}},
         {"du prints nothing", [](Facts &f) { answer(f, Question::ApplicationSize, ""); },
@@ -49,11 +51,11 @@ const QList<BrokenThing> &brokenThings()
              }
          },
          {"error display: :0 does not answer: \"tool -x\" fails with status 1: unable to open display",
-          "warning output: not looked at: no display answers",
-          "warning screen: not looked at: no display answers",
-          "warning rotation: not looked at: no display answers",
-          "warning brightness: not looked at: no display answers",
-          "warning touch: not looked at: no display answers"}},
+          "warning output: not checked: no display answers",
+          "warning screen: not checked: no display answers",
+          "warning rotation: not checked: no display answers",
+          "warning brightness: not checked: no display answers",
+          "warning touch: not checked: no display answers"}},
         {"display that is guessed", [](Facts &f) {
              f.displayIsGuessed = true;
              for (const auto question : {Question::Server, Question::Outputs, Question::OutputDetails, Question::Devices}) {
@@ -71,22 +73,22 @@ const QList<BrokenThing> &brokenThings()
                  removeTool(f, tool);
              }
          },
-         {"error tool xinput: not on PATH, or not executable",
-          "error tool xrandr: not on PATH, or not executable",
-          "error tool xset: not on PATH, or not executable",
+         {"error tool xinput: not on PATH or not executable",
+          "error tool xrandr: not on PATH or not executable",
+          "error tool xset: not on PATH or not executable",
           "error display: :0 does not answer",
-          "warning output: not looked at: the tool is missing",
-          "warning screen: not looked at: the tool is missing",
-          "warning rotation: not looked at: the tool is missing",
-          "warning brightness: not looked at: the tool is missing",
-          "warning touch: not looked at: the tool is missing"}},
+          "warning output: not checked: the tool is missing",
+          "warning screen: not checked: the tool is missing",
+          "warning rotation: not checked: the tool is missing",
+          "warning brightness: not checked: the tool is missing",
+          "warning touch: not checked: the tool is missing"}},
         {"no output connected", [](Facts &f) { answer(f, Question::Outputs, "Screen 0: current 800 x 600\nVGA1 disconnected\n"); },
          {"error output: \"xrandr -q\" names no connected output"}},
         {"outputs in another format", [](Facts &f) { answer(f, Question::Outputs, "DP-1 \"x\" 800x600\n"); },
          {"error output: \"xrandr -q\" names no connected output",
-          "warning screen: \"xrandr -q\" does not tell the size of the screen"}},
+          "warning screen: \"xrandr -q\" does not print the size of the screen"}},
         {"two outputs", [](Facts &f) { answer(f, Question::Outputs, "Screen 0: current 1600 x 600\nA connected x\nB connected x\n"); },
-         {"warning output: several outputs are connected; the program uses the last one, B"}},
+         {"warning output: several outputs are connected; the program uses the last one,  B"}},
         {"small screen", [](Facts &f) { answer(f, Question::Outputs, "Screen 0: current 799 x 600\nA connected x\n"); },
          {"warning screen: 799x600 is smaller than the pages"}},
         {"upright screen", [](Facts &f) { answer(f, Question::Outputs, "Screen 0: current 480 x 800\nA connected x\n"); }, {}},
@@ -110,11 +112,11 @@ const QList<BrokenThing> &brokenThings()
         {"another touch controller", [](Facts &f) { answer(f, Question::Devices, "penmount\nEloTouch\n"); },
          {"error touch: no input device has \"PenMount\" in its name"}},
         {"controller without buttons", [](Facts &f) { answer(f, Question::DeviceState, "ValuatorClass\n"); },
-         {"error touch: xinput does not tell the first button of \"PenMount USB\""}},
+         {"error touch: xinput does not print the state of the first button of \"PenMount USB\""}},
         {"controller that is not answered for", [](Facts &f) { answer(f, Question::DeviceState, "", "unable to find device", 1); },
          {"error touch: \"tool -x\" fails with status 1: unable to find device"}},
         {"finger", [](Facts &f) { answer(f, Question::DeviceState, "\tbutton[1]=down\n"); },
-         {"warning touch: \"PenMount USB\" says that it is touched now"}},
+         {"warning touch: \"PenMount USB\" reports a touch"}},
     };
     // clang-format on
     return things;
@@ -188,10 +190,10 @@ void TestDoctorTools::everyToolIsMissed()
     Facts facts = healthyFacts();
     removeTool(facts, Tool(tool));
     const QStringList said = complaints(facts);
-    const QString line = QString("tool %1: not on PATH, or not executable").arg(toolNames[tool]);
+    const QString line = QString("tool %1: not on PATH or not executable").arg(toolNames[tool]);
     QCOMPARE(said.filter(line).size(), 1);
     for (const QString &other : said) {
-        QVERIFY2(other.contains(line) || other.contains("not looked at"), qPrintable(other));
+        QVERIFY2(other.contains(line) || other.contains("not checked"), qPrintable(other));
     }
 }
 
@@ -206,7 +208,7 @@ void TestDoctorTools::everyFailureIsTold_data()
         QTest::addRow("%d is not started", number)
             << index << End::NotStarted << "cannot be started";
         QTest::addRow("%d hangs", number) << index << End::CutOff << "hangs: no answer within 5 s";
-        QTest::addRow("%d writes on", number) << index << End::TooMuch << "writes without end";
+        QTest::addRow("%d writes on", number) << index << End::TooMuch << "never stops writing";
         QTest::addRow("%d crashes", number) << index << End::Crashed << "crashes";
         QTest::addRow("%d fails", number) << index << End::Ended << "fails with status 3: no";
     }
@@ -227,7 +229,7 @@ void TestDoctorTools::everyFailureIsTold()
     QStringList expected;
     for (const QString &subject : askers.subjects) {
         if (askers.question == Question::TarVersion) { // another tar may know no such option
-            expected += "warning unpacking: tar unpacks a sample package, but is not GNU tar";
+            expected += "warning unpacking: tar unpacks a sample package but is not GNU tar";
         } else {
             expected += QString("%1 %2: \"tool -x\" %3")
                             .arg(askers.question == Question::ShortPause
@@ -265,7 +267,7 @@ void TestDoctorTools::rubbishIsTold()
         answer(facts, askers.question, rubbish, rubbish, 0);
         const Findings findings = runChecks(facts);
         for (const Finding &finding : findings) {
-            QVERIFY2(finding.found.size() < 200, qPrintable(finding.found.left(300)));
+            QVERIFY2(finding.text.size() < 200, qPrintable(finding.text.left(300)));
         }
         const QStringList said = complaints(facts);
         if (askers.question == Question::Server || askers.question == Question::InterfacesFile

@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+using namespace MkPackage;
+
 namespace {
 constexpr qsizetype blockSize = 512;
 
@@ -54,8 +56,8 @@ void TestHeaderWalk::walks_data()
     QTest::addColumn<QByteArray>("error");
     const QByteArray file = header('0');
     const QByteArray none;
-    const QByteArray number = "a number in a header that is none";
-    const QByteArray tooMuch = "too much that describes a member";
+    const QByteArray number = "a malformed number in a header";
+    const QByteArray tooMuch = "too many or too large extended headers";
 
     QTest::newRow("nothing") << none << -1 << none;
     QTest::newRow("half a block") << file.left(511) << -1 << none;
@@ -71,10 +73,10 @@ void TestHeaderWalk::walks_data()
     QTest::newRow("extended by zeros")
         << describing('L', QByteArray(512, '\0')) + file << 1536 << none;
     QTest::newRow("extended, malformed") << describing('x', "11 path=x\n") + file << -1
-                                         << QByteArray("an extended header that is malformed");
+                                         << QByteArray("a malformed extended header");
     QTest::newRow("of git") << describing('g', "13 comment=x\n") + file << 1536 << none;
     QTest::newRow("a name for all") << describing('g', "10 path=x\n") + file << -1
-                                    << QByteArray("an extended header for all members");
+                                    << QByteArray("a global extended header");
     QTest::newRow("eight descriptions") << describing('L', "n").repeated(8) + file << 8704 << none;
     QTest::newRow("nine descriptions") << describing('L', "n").repeated(9) + file << -1 << tooMuch;
     QTest::newRow("large description") << header('L', "00004000001") << -1 << tooMuch;
@@ -146,7 +148,7 @@ void TestHeaderWalk::paxRecords_data()
     QTest::addColumn<QByteArray>("records");
     QTest::addColumn<QByteArray>("error");
     const QByteArray none;
-    const QByteArray malformed = "an extended header that is malformed";
+    const QByteArray malformed = "a malformed extended header";
     QTest::newRow("none") << none << none;
     QTest::newRow("two") << QByteArray("10 path=x\n10 size=3\n") << none;
     QTest::newRow("value with a line feed") << QByteArray("12 path=x\ny\n") << none;
@@ -172,7 +174,7 @@ void TestHeaderWalk::paxRecords_data()
     QTest::newRow("time that is none") << QByteArray("11 mtime=-\n") << malformed;
     QTest::newRow("time with two points") << QByteArray("15 mtime=1.2.3\n") << malformed;
     QTest::newRow("holes") << QByteArray("22 GNU.sparse.major=1\n")
-                           << QByteArray("a file with holes");
+                           << QByteArray("a sparse file");
 }
 
 void TestHeaderWalk::paxRecords()

@@ -1,8 +1,9 @@
 #include "options.h"
-#include "packageinfo.h"
 #include "system/debugtext.h"
 
 #include <QTest>
+
+using namespace MkPackage;
 
 namespace {
 QStringList words(const QString &line)
@@ -29,8 +30,6 @@ private slots:
     void fileTimes();
     void printableText_data();
     void printableText();
-    void tarListing_data();
-    void tarListing();
 };
 
 void TestMkpackageOptions::make()
@@ -57,7 +56,7 @@ void TestMkpackageOptions::noCommand_data()
     QTest::newRow("help of a command") << "make --kind --help" << help << "";
     QTest::newRow("version") << "--version" << int(Options::Task::Version) << "";
     QTest::newRow("info") << "info file" << int(Options::Task::Info) << "";
-    QTest::newRow("nothing") << "" << help << "there is nothing to do";
+    QTest::newRow("nothing") << "" << help << "no command given";
     QTest::newRow("unknown") << "pack x" << help << "unknown command: pack";
 }
 
@@ -106,20 +105,20 @@ void TestMkpackageOptions::refused_data()
                                              << "--version must be a number from 0 to 4294967295";
     }
     QTest::newRow("bios 0") << "make --kind bios --version 0 --output o f"
-                            << "a panel installs no bios of version 0";
+                            << "a panel does not install a bios of version 0";
     QTest::newRow("no model") << app + "--version 1"
                               << "--target must be the panel model that the package is for";
     QTest::newRow("no OEM") << "make --kind firmware --version 1 --output o f --target="
                             << "--target must be the OEM name that the package is for";
     QTest::newRow("16 characters") << app + "--version 1 --target 1234567890123456"
-                                   << "--target has 16 characters, and there is room for 15";
+                                   << "--target has 16 characters; at most 15 fit";
     QTest::newRow("no ASCII") << app + QString::fromUtf8("--version 1 --target Gr\xC3\xB6\xC3\x9F")
                               << "--target must be printable ASCII";
     QTest::newRow("control character") << app + "--version 1 --target K\n"
                                        << "--target must be printable ASCII";
     QTest::newRow("bios with a long target")
         << "make --kind bios --version 1 --output o f --target 1234567890123456"
-        << "--target has 16 characters, and there is room for 15";
+        << "--target has 16 characters; at most 15 fit";
     QTest::newRow("info without file") << "info"
                                        << "info takes one file";
     QTest::newRow("info with two files") << "info a b"
@@ -214,13 +213,13 @@ void TestMkpackageOptions::warnings_data()
     QTest::newRow("application") << application << "a.kpc" << none;
     QTest::newRow("capitals")
         << application << "A.KPC"
-        << QStringList{"a panel looks for packages of this kind by the extension .kpc"};
+        << QStringList{"a panel lists packages of this kind only with the extension .kpc"};
     QTest::newRow("bios image") << bios << "a.mo" << none;
     QTest::newRow("add-on") << bios << "a.pkg" << none;
     QTest::newRow("add-on in capitals") << bios << "A.PKG" << none; // its picker takes any letters
     QTest::newRow("bios of another extension")
         << bios << "a.kpc"
-        << QStringList{"a panel looks for packages of this kind by the extension .mo or .pkg"};
+        << QStringList{"a panel lists packages of this kind only with the extension .mo or .pkg"};
     QTest::newRow("firmware") << PackageHeader{PackageKind::Firmware, 2147483647U, "O"} << "a.fmw"
                               << none;
     QTest::newRow("firmware shown as negative")
@@ -268,33 +267,6 @@ void TestMkpackageOptions::printableText()
 {
     QFETCH(QString, text);
     QTEST(printable(text), "shown");
-}
-
-void TestMkpackageOptions::tarListing_data()
-{
-    QTest::addColumn<QByteArray>("output");
-    QTest::addColumn<QByteArray>("members");
-    QTest::addColumn<bool>("ended");
-    const QByteArray file = "block 0: -rw-r--r-- 0/0 2 2000-01-01 00:00 a: b\n";
-    const QByteArray member = "-rw-r--r-- 0/0 2 2000-01-01 00:00 a: b\n";
-    const QByteArray end = "block 2: ** Block of NULs **\n";
-    QTest::newRow("nothing") << QByteArray() << QByteArray() << false;
-    QTest::newRow("whole") << file + end << member << true;
-    QTest::newRow("just stops") << file + "block 2: ** End of File **\n" << member << false;
-    QTest::newRow("fails") << file << member << false;
-    QTest::newRow("no member") << QByteArray("block 0: ** Block of NULs **\n") << QByteArray()
-                               << true;
-    QTest::newRow("a name like the end")
-        << QByteArray("block 0: -rw-r--r-- 0/0 2 2000-01-01 00:00 : ** Block of NULs **\n")
-        << QByteArray("-rw-r--r-- 0/0 2 2000-01-01 00:00 : ** Block of NULs **\n") << false;
-}
-
-void TestMkpackageOptions::tarListing()
-{
-    QFETCH(QByteArray, output);
-    const TarListing listing = parseTarListing(output);
-    QTEST(listing.members, "members");
-    QTEST(listing.ended, "ended");
 }
 
 QTEST_GUILESS_MAIN(TestMkpackageOptions)

@@ -5,14 +5,14 @@
 namespace {
 /// A header as a packer of another maker would write it, byte by byte.
 QByteArray headerBytes(const QByteArray &kind, const QByteArray &version,
-                       const QByteArray &target = QByteArray(packageTargetSize, '\0'))
+                       const QByteArray &target = QByteArray(PackageFields::target.size, '\0'))
 {
     return kind + version + QByteArray(12, '\xA5') + target;
 }
 
 QByteArray padded(const QByteArray &target)
 {
-    return target + QByteArray(packageTargetSize - target.size(), '\0');
+    return target + QByteArray(PackageFields::target.size - target.size(), '\0');
 }
 } // namespace
 
@@ -89,10 +89,11 @@ void TestPackageHeader::tooShort()
 
 void TestPackageHeader::bytesBehindAreNotRead()
 {
-    const auto header = parsePackageHeader(QByteArray(packageHeaderSize - packageTargetSize, '\0')
-                                           + QByteArray(packageTargetSize, 'x') + "payload");
+    const auto header
+        = parsePackageHeader(QByteArray(PackageFields::target.offset, '\0')
+                             + QByteArray(PackageFields::target.size, 'x') + "payload");
     QVERIFY(header);
-    QCOMPARE(header->target, QString(packageTargetSize, 'x'));
+    QCOMPARE(header->target, QString(PackageFields::target.size, 'x'));
 }
 
 void TestPackageHeader::format()

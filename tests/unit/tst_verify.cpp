@@ -1,12 +1,16 @@
 #include "verify.h"
 
+#include "common/report.h"
 #include "diskfiles.h"
 #include "memberpath.h"
 #include "packagefiles.h"
+#include "packageinfo.h"
 #include "panelguard.h"
 
 #include <QBuffer>
 #include <QTest>
+
+using namespace MkPackage;
 
 namespace {
 constexpr char asRoot[] = "umask 022; tar --owner=0 --group=0 -cz ";
@@ -34,10 +38,10 @@ Verification verifiedArchive(const QByteArray &archive, int rate = defaultRate)
 QByteArrayList linesOf(const Verification &found)
 {
     QByteArrayList lines;
-    for (const PackageFinding &finding : found.findings.list()) {
+    for (const Finding &finding : found.findings.list()) {
         if (finding.level != Level::Ok) {
-            lines += levelName(finding.level) + ' ' + checkName(finding.check) + ' '
-                + finding.text.toUtf8();
+            lines += ToolReport::levelName(finding.level) + ' '
+                + (finding.subject + ' ' + finding.text).toUtf8();
         }
     }
     return lines;
@@ -87,6 +91,7 @@ private slots:
     void paths();
     void timeDependsOnTheRate();
     void unreadable();
+    void emptyArchiveIsWhole();
 };
 
 void TestVerify::archives_data()
@@ -99,24 +104,23 @@ void TestVerify::archives_data()
 
     QTest::newRow("good") << small << QByteArrayList();
     QTest::newRow("none") << QByteArray()
-                          << QByteArrayList{gzipError + "there is no archive behind the header"
-                                            + ending};
+                          << QByteArrayList{gzipError + "no archive follows the header" + ending};
     QTest::newRow("one byte missing")
-        << small.chopped(1) << QByteArrayList{gzipError + "cut off at the end" + ending};
+        << small.chopped(1) << QByteArrayList{gzipError + "cut off" + ending};
     QTest::newRow("a NUL byte behind it")
         << small + QByteArray(1, '\0')
-        << QByteArrayList{gzipError + "something else stands behind it" + ending};
+        << QByteArrayList{gzipError + "something else follows it" + ending};
     QTest::newRow("half a second stream")
-        << small + small.left(30) << QByteArrayList{gzipError + "cut off at the end" + ending};
+        << small + small.left(30) << QByteArrayList{gzipError + "cut off" + ending};
     QTest::newRow("two archives in one stream")
         << packed("echo a >a", "(tar -c a; tar -c a) | gzip")
-        << QByteArrayList{"error tar something stands behind its end"};
+        << QByteArrayList{"error tar something follows its end"};
     QTest::newRow("an archive that ends in zeros of a file")
         << packed("head -c 2048 /dev/zero >z", "tar -c z | head -c 2560 | gzip")
-        << QByteArrayList{"error tar its end is missing: two blocks of zeros"};
+        << QByteArrayList{"error tar the two blocks of zeros at its end are missing"};
     QTest::newRow("half an end") << packed("echo a >a", "tar -c a | head -c 1536 | gzip")
                                  << QByteArrayList{
-                                        "error tar its end is missing: two blocks of zeros"};
+                                        "error tar the two blocks of zeros at its end are missing"};
     const QByteArray longEnd = packed("echo a >a; head -c 200000 /dev/zero >z",
                                       "(tar -c --owner=0 --group=0 a; cat z) | gzip");
     QTest::newRow("a long end") << longEnd << QByteArrayList();
@@ -124,21 +128,21 @@ void TestVerify::archives_data()
             + longEnd.right(4) << QByteArrayList{gzipError + "incorrect data check" + ending};
     QTest::newRow("something behind a long end")
         << packed("echo a >a; head -c 200000 /dev/zero >z", "(tar -c a; cat z a) | gzip")
-        << QByteArrayList{"error tar something stands behind its end"};
+        << QByteArrayList{"error tar something follows its end"};
     QTest::newRow("no members") << packed("echo a >a", "tar -cz --files-from=/dev/null")
                                 << QByteArrayList{
-                                       "error tar nothing is in it that a panel could unpack"};
+                                       "error tar it holds nothing that a panel could unpack"};
 
     QTest::newRow("another owner")
         << packed("echo a >a", "tar -cz --owner=7 --group=8 a")
         << QByteArrayList{"warning rights a: will belong to 7:8, not to root"};
     QTest::newRow("the panel's folder")
         << packed("echo a >a; chmod 755 .", QString(asRoot) + ".")
-        << QByteArrayList{"warning rights ./: changes the rights of the panel's folder"};
+        << QByteArrayList{"warning rights ./: changes the permissions of the panel's folder"};
     QTest::newRow("the panel's folder for all")
         << packed("echo a >a; chmod 777 .", QString(asRoot) + ".")
-        << QByteArrayList{"warning rights ./: may be written by anyone",
-                          "error rights ./: takes its rights from the panel's folder"};
+        << QByteArrayList{"warning rights ./: can be written by anyone",
+                          "error rights ./: gives the panel's folder unsafe permissions"};
     QTest::newRow("special bit of a folder")
         << packed("mkdir d; chmod 2755 d")
         << QByteArrayList{"warning rights d/: has the set-user-ID or set-group-ID bit"};
@@ -148,50 +152,51 @@ void TestVerify::archives_data()
 
     QTest::newRow("link to a neighbour")
         << packed("mkdir d; ln -s ../a d/l")
-        << QByteArrayList{"warning links d/l -> ../a: is a link within the folder"};
+        << QByteArrayList{"warning links d/l -> ../a: is a link inside the folder"};
     QTest::newRow("link one folder too far")
         << packed("mkdir d; ln -s ../../a d/l")
         << QByteArrayList{"error links d/l -> ../../a: leads out of the panel's folder"};
     QTest::newRow("link that may lead out through another")
         << packed("ln -s . a; ln -s a/a/../.. b")
-        << QByteArrayList{"warning links a -> .: is a link within the folder",
-                          "error links b -> a/a/../..: turns back by \"..\" on its way"};
+        << QByteArrayList{"warning links a -> .: is a link inside the folder",
+                          "error links b -> a/a/../..: goes back through \"..\" on its way"};
     QTest::newRow("hard link") << packed("echo a >a; ln a b")
                                << QByteArrayList{"warning links b: is a hard link"};
     QTest::newRow("hard link to a link")
         << packed("ln -s a l; ln l m")
-        << QByteArrayList{"warning links l -> a: is a link within the folder",
-                          "error links m: is a hard link to what is no file before it"};
+        << QByteArrayList{"warning links l -> a: is a link inside the folder",
+                          "error links m: is a hard link to something that is not an earlier file"};
     QTest::newRow("a folder twice")
         << packed("mkdir d; echo a >d/a",
                   QString(asRoot) + "--hard-dereference d d/") // as archives that were joined
-        << QByteArrayList{"warning names d/a: comes twice; the last one stays"};
-    QTest::newRow("below a file") << packed("mkdir a b; echo x >a/x; echo x >b/a",
-                                            QString(asRoot) + "--transform=s,b/a,a, b/a a/x")
-                                  << QByteArrayList{"error names a/x: lies in what is no folder"};
+        << QByteArrayList{"warning names d/a: occurs twice; the last one wins"};
+    QTest::newRow("below a file")
+        << packed("mkdir a b; echo x >a/x; echo x >b/a",
+                  QString(asRoot) + "--transform=s,b/a,a, b/a a/x")
+        << QByteArrayList{"error names a/x: is inside something that is not a folder"};
     QTest::newRow("hard link to a folder that is a file")
         << packed("echo a >a; ln a b", QString(asRoot) + "--transform=s,^a,a/,hRS a b")
-        << QByteArrayList{"error links b: is a hard link to what is no file before it"};
+        << QByteArrayList{"error links b: is a hard link to something that is not an earlier file"};
     QTest::newRow("link named as a folder")
         << packed("echo a >a; ln -s a l", QString(asRoot) + "--transform=s,l,l/,S a l")
-        << QByteArrayList{"error names l/: is the name of a folder, and is none",
-                          "warning links l/ -> a: is a link within the folder"};
+        << QByteArrayList{"error names l/: is named like a folder but is not one",
+                          "warning links l/ -> a: is a link inside the folder"};
     QTest::newRow("in place of a folder")
         << packed("mkdir a; echo x >a/x; echo y >y", QString(asRoot) + "--transform=s,y,a, a/x y")
-        << QByteArrayList{"error names a: is a folder before"};
+        << QByteArrayList{"error names a: was a folder earlier in the archive"};
     QTest::newRow("a link twice") << packed("mkdir d; ln -s a l; ln -s a d/l",
                                             QString(asRoot) + "--transform=s,d/,, l d/l")
                                   << QByteArrayList{
-                                         "warning links l -> a: is a link within the folder",
-                                         "warning links l -> a: is a link within the folder",
-                                         "error links l: comes twice, and is a link"};
+                                         "warning links l -> a: is a link inside the folder",
+                                         "warning links l -> a: is a link inside the folder",
+                                         "error links l: occurs twice, once as a link"};
     QTest::newRow("a hard link to itself")
         << packed("echo a >a", QString(asRoot) + "a a") // as tar packs a file that is named twice
-        << QByteArrayList{"error links a: comes twice, and is a link",
-                          "error links a: is a hard link to what is no file before it"};
+        << QByteArrayList{"error links a: occurs twice, once as a link",
+                          "error links a: is a hard link to something that is not an earlier file"};
     QTest::newRow("shrinks too much")
         << packed("head -c 21M /dev/zero >z")
-        << QByteArrayList{"error size 22026240 bytes unpacked, 1026 times as large as packed: made "
+        << QByteArrayList{"error size 22026240 bytes unpacked, 1026 times the packed size: made "
                           "to fill a disk"};
     QTest::newRow("shrinks much, but is small")
         << packed("head -c 19M /dev/zero >z") << QByteArrayList();
@@ -211,25 +216,26 @@ void TestVerify::headers_data()
     const QByteArray tooShort
         = "error panel refuses it and shows \"File Transter: Open File Error\"";
     QTest::newRow("nothing") << QByteArray()
-                             << QByteArrayList{"error header 0 bytes: a package has 36 and more",
+                             << QByteArrayList{"error header 0 bytes: a package has at least 36",
                                                tooShort};
     QTest::newRow("35 bytes") << application.left(
-        35) << QByteArrayList{"error header 35 bytes: a package has 36 and more", tooShort};
+        35) << QByteArrayList{"error header 35 bytes: a package has at least 36", tooShort};
     QTest::newRow("reserved bytes")
         << application.left(19) + '\1' + application.mid(20)
-        << QByteArrayList{"warning header its reserved bytes are not all zero"};
+        << QByteArrayList{"warning header the reserved bytes are not all zero"};
     QTest::newRow("rest behind the target") << application.left(35)
-            + '\1' << QByteArrayList{"warning header more bytes stand behind its target"};
+            + '\1' << QByteArrayList{"warning header there are bytes after the end of the target"};
     QTest::newRow("target without an end")
         << application.left(20) + "0123456789ABCDEF"
-        << QByteArrayList{"warning header its target is not ended by a NUL byte: 0123456789ABCDEF"};
+        << QByteArrayList{
+               "warning header the target does not end with a NUL byte: 0123456789ABCDEF"};
     QTest::newRow("no target")
         << formatPackageHeader({Kinds::application, 12, ""})
-        << QByteArrayList{"warning header its target is empty: only a panel that was never set up "
-                          "takes it"};
+        << QByteArrayList{"warning header the target is empty: only a panel that was never set up "
+                          "accepts it"};
     QTest::newRow("target that is no text")
         << formatPackageHeader({Kinds::application, 12, "\x1b[2J"})
-        << QByteArrayList{"warning header its target is no printable ASCII: \\x1b[2J"};
+        << QByteArrayList{"warning header the target is not printable ASCII: \\x1b[2J"};
     QTest::newRow("unknown kind")
         << formatPackageHeader({PackageKind(3), 12, "K21T"})
         << QByteArrayList{"error header unknown kind 3",
@@ -288,7 +294,7 @@ void TestVerify::panels_data()
     QTest::newRow("an application that no page finds")
         << application << "a.KPC" << PanelFacts()
         << QByteArray(
-               "warning panel a panel looks for packages of this kind by the extension .kpc");
+               "warning panel a panel lists packages of this kind only with the extension .kpc");
 }
 
 void TestVerify::panels()
@@ -367,15 +373,13 @@ void TestVerify::timeDependsOnTheRate()
 {
     const QByteArray archive = packed("head -c 19M /dev/zero >z"); // 20 MB
     QCOMPARE(verifiedArchive(archive).seconds, 2.0);
-    QCOMPARE(
-        linesOf(verifiedArchive(archive, 1)),
-        QByteArrayList{"warning time up to 20.0 s of the 30 s that a panel gives it, at 1 MB/s"});
+    QCOMPARE(linesOf(verifiedArchive(archive, 1)),
+             QByteArrayList{"warning time up to 20.0 s at 1 MB/s; a panel allows 30 s"});
     const QByteArray files = packed("mkdir d; cd d; seq 15000 | xargs touch; cd ..");
     QCOMPARE(verifiedArchive(files).seconds, 3.8); // 3 of them to make the files
     QCOMPARE(linesOf(verifiedArchive(files)), QByteArrayList());
-    QCOMPARE(
-        linesOf(verifiedArchive(files, 1)),
-        QByteArrayList{"error time up to 37.7 s of the 30 s that a panel gives it, at 1 MB/s"});
+    QCOMPARE(linesOf(verifiedArchive(files, 1)),
+             QByteArrayList{"error time up to 37.7 s at 1 MB/s; a panel allows 30 s"});
 }
 
 void TestVerify::unreadable()
@@ -384,7 +388,21 @@ void TestVerify::unreadable()
     for (const qsizetype size : {qsizetype(0), qsizetype(20), qsizetype(60), package.size()}) {
         FailingDevice device(package.left(size));
         QVERIFY(!verifyPackage(device, {"a.kpc", {}}).readable);
+        FailingDevice shown(package.left(size));
+        QVERIFY(!readPackage(shown).readable);
     }
+}
+
+/// To one who only looks: a panel can do nothing with it, as the error among the archives tells.
+void TestVerify::emptyArchiveIsWhole()
+{
+    QBuffer buffer;
+    buffer.setData(packageBytes(Kinds::application, 12, "K21T",
+                                packed("true", "tar -cz --files-from=/dev/null")));
+    buffer.open(QIODevice::ReadOnly);
+    const PackageInfo info = readPackage(buffer);
+    QVERIFY(info.readable && isWhole(info));
+    QCOMPARE(info.listing, QByteArray());
 }
 
 QTEST_GUILESS_MAIN(TestVerify)

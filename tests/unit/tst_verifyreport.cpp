@@ -5,6 +5,8 @@
 #include <QJsonObject>
 #include <QTest>
 
+using namespace MkPackage;
+
 namespace {
 /// With a finding of each level.
 Verification mixedVerification()
@@ -55,7 +57,7 @@ void TestVerifyReport::manyFindings()
     findings.add(Check::Names, Level::Ok, "fine");
     findings.add(Check::Header, Level::Ok, "first");
     QStringList texts;
-    for (const PackageFinding &finding : findings.list()) {
+    for (const Finding &finding : findings.list()) {
         texts += finding.text;
     }
     QCOMPARE(texts, (QStringList{"first", "0", "1", "2", "and 997 more"}));

@@ -5,6 +5,7 @@
 
 #include <arpa/inet.h>
 
+namespace Doctor {
 namespace {
 constexpr qsizetype longestExcerpt = 60; // characters
 
@@ -15,7 +16,7 @@ bool endedWell(const Facts &facts, Question question)
         && answered->answer.status == 0;
 }
 
-/// What became of a tool that did not end well.
+/// What happened to a tool that did not succeed.
 QString fateOf(const ToolAnswer &answer, qint64 limit)
 {
     switch (answer.end) {
@@ -24,7 +25,7 @@ QString fateOf(const ToolAnswer &answer, qint64 limit)
     case ToolAnswer::End::CutOff:
         return QString("hangs: no answer within %1 s").arg(double(limit) / 1000);
     case ToolAnswer::End::TooMuch:
-        return "writes without end";
+        return "never stops writing";
     case ToolAnswer::End::Crashed:
         return "crashes";
     case ToolAnswer::End::Ended:
@@ -43,19 +44,20 @@ std::optional<Finding> badAnswer(const Facts &facts, Question question, const QS
     }
     const auto &answered = facts.answer(question);
     if (!answered) {
-        return warning("not looked at: the tool is missing", "see the line of the tool");
+        return warning("not checked: the tool is missing", "see the line about the tool");
     }
     return error(QString("\"%1\" %2")
                      .arg(answered->command.join(' '), fateOf(answered->answer, facts.limit)),
-                 QString("run it by hand and repair it; until then %1").arg(loss));
+                 QString("run it by hand and fix it; until then %1").arg(loss));
 }
 
 std::optional<Finding> badDisplayAnswer(const Facts &facts, Question question, const QString &loss)
 {
     const auto &answered = facts.answer(question);
     const bool ended = answered && answered->answer.end == ToolAnswer::End::Ended;
-    if (ended && !displayAnswers(facts)) { // it failed for want of a display, which is told once
-        return warning("not looked at: no display answers", "see the line of the display");
+    if (ended
+        && !displayAnswers(facts)) { // the missing display is the reason, and is reported once
+        return warning("not checked: no display answers", "see the line about the display");
     }
     return badAnswer(facts, question, loss);
 }
@@ -97,3 +99,4 @@ QString shortened(const QString &text)
     const QString line = text.left(10 * longestExcerpt).simplified();
     return line.size() <= longestExcerpt ? line : line.left(longestExcerpt - 3) + "...";
 }
+} // namespace Doctor

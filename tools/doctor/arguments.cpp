@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 
+namespace Doctor {
 namespace {
 constexpr double longestLimit = 60; // s
 
@@ -41,3 +42,4 @@ Arguments parseArguments(const QStringList &arguments)
     parsed.isJson = parser.isSet(json);
     return parsed;
 }
+} // namespace Doctor

@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+namespace Doctor {
 /// What the command line asks for.
 struct Arguments
 {
@@ -11,8 +12,9 @@ struct Arguments
     Task task = Task::Check;
     bool isJson = false;
     std::chrono::milliseconds limit{5000}; ///< for each tool
-    QString error;                         ///< what is wrong; empty if nothing is
+    QString error; ///< what is wrong with the command line; empty if nothing is
 };
 
-/// Reads the command line without the tool's own name.
+/// Reads the command line @p arguments, without the tool's name.
 Arguments parseArguments(const QStringList &arguments);
+} // namespace Doctor

@@ -1,5 +1,6 @@
 #include "checks.h"
 
+namespace Doctor {
 const QList<Check> &allChecks()
 {
     // clang-format off
@@ -51,3 +52,4 @@ Findings runChecks(const Facts &facts)
     }
     return all;
 }
+} // namespace Doctor

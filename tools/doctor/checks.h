@@ -3,7 +3,8 @@
 #include "facts.h"
 #include "finding.h"
 
-/// One thing that a panel must have. Decides from values alone and always finds something.
+namespace Doctor {
+/// One thing to check. The function decides from values alone and always returns a finding.
 struct Check
 {
     const char *subject;
@@ -13,7 +14,7 @@ struct Check
 /// Every check, in the order of the report.
 const QList<Check> &allChecks();
 
-/// What all checks find. Every finding has a subject.
+/// Runs all checks on @p facts. Every finding has a subject.
 Findings runChecks(const Facts &facts);
 
 // By file. toolchecks.cpp:
@@ -56,3 +57,4 @@ Findings checkSerialPorts(const Facts &facts);
 // settingschecks.cpp
 Findings checkSettingsFile(const Facts &facts);
 Findings checkSettings(const Facts &facts);
+} // namespace Doctor

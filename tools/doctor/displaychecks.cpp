@@ -10,6 +10,7 @@
 
 #include <QRegularExpression>
 
+namespace Doctor {
 namespace {
 constexpr QSize smallestScreen(800, 600); // px; upright 480x800
 constexpr QSize smallestUpright(480, 800);
@@ -20,7 +21,7 @@ QStringList connectedLines(const QString &outputs)
     return outputs.split('\n').filter(" connected ");
 }
 
-/// Whether the settings ask for a display that is turned.
+/// Whether the settings ask for a rotated display.
 bool wantsRotation(const Facts &facts)
 {
     SettingsMap settings;
@@ -47,7 +48,7 @@ Findings checkDisplay(const Facts &facts)
     const auto reason = facts.answer(Question::Server) ? badAnswer(facts, Question::Server, {})
                                                        : std::optional<Finding>();
     return {error(QString("%1 does not answer%2%3")
-                      .arg(facts.display, origin, reason ? ": " + reason->found : QString()),
+                      .arg(facts.display, origin, reason ? ": " + reason->text : QString()),
                   "run this in the panel's X session, or set DISPLAY and XAUTHORITY as it does")};
 }
 
@@ -66,7 +67,7 @@ Findings checkOutput(const Facts &facts)
                       .arg(loss))};
     }
     if (connectedLines(outputs).size() > 1) {
-        return {warning(QString("several outputs are connected; the program uses the last one, %1")
+        return {warning(QString("several outputs are connected; the program uses the last one,  %1")
                             .arg(shortened(name)),
                         "switch the others off in the configuration of the X server")};
     }
@@ -80,7 +81,7 @@ Findings checkScreen(const Facts &facts)
     }
     const auto screen = screenSize(facts);
     if (!screen) {
-        return {warning("\"xrandr -q\" does not tell the size of the screen",
+        return {warning("\"xrandr -q\" does not print the size of the screen",
                         "put X.org's xrandr first on PATH")};
     }
     const QString size = QString("%1x%2").arg(screen->width()).arg(screen->height());
@@ -125,10 +126,10 @@ Findings checkBrightness(const Facts &facts)
 Findings checkFonts(const Facts &facts)
 {
     if (facts.fontList.isEmpty()) {
-        return {fine("not looked at: fc-list is not there")};
+        return {fine("not checked: fc-list is missing")};
     }
     if (const auto bad = badAnswer(facts, Question::Fonts, "texts may not fit")) {
-        return {warning(bad->found, bad->advice)};
+        return {warning(bad->text, bad->advice)};
     }
     const QString families = answerText(facts, Question::Fonts);
     if (families.contains(QLatin1String(fontFamily))) {
@@ -136,7 +137,7 @@ Findings checkFonts(const Facts &facts)
     }
     for (const char *substitute : fontSubstitutes) {
         if (families.contains(QLatin1String(substitute))) {
-            return {fine(QString("%1 in place of %2")
+            return {fine(QString("%1 instead of %2")
                              .arg(QLatin1String(substitute), QLatin1String(fontFamily)))};
         }
     }
@@ -162,15 +163,16 @@ Findings checkTouch(const Facts &facts)
     }
     switch (firstButtonState(answerText(facts, Question::DeviceState))) {
     case TouchState::Unknown:
-        return {
-            error(QString("xinput does not tell the first button of \"%1\"").arg(shortened(device)),
-                  "put X.org's xinput first on PATH; until then " + loss)};
+        return {error(QString("xinput does not print the state of the first button of \"%1\"")
+                          .arg(shortened(device)),
+                      "put X.org's xinput first on PATH; until then " + loss)};
     case TouchState::Down:
-        return {warning(QString("\"%1\" says that it is touched now").arg(shortened(device)),
-                        "take the finger off; if it still says so, the controller is stuck, and "
+        return {warning(QString("\"%1\" reports a touch").arg(shortened(device)),
+                        "take the finger off; if it still does so, the controller is stuck, and  "
                         "every start ends in rescue mode")};
     case TouchState::Up:
         break;
     }
     return {fine(shortened(device))};
 }
+} // namespace Doctor

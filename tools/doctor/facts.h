@@ -12,7 +12,8 @@
 #include <iterator>
 #include <optional>
 
-/// What tools are asked. None of these changes anything.
+namespace Doctor {
+/// What is asked of tools. None of these changes anything.
 enum class Question {
     Outputs,
     OutputDetails,
@@ -34,7 +35,7 @@ enum class Question {
 };
 inline constexpr size_t questionCount = size_t(Question::ShortPause) + 1;
 
-/// A question and what was answered.
+/// A question and its answer.
 struct Answered
 {
     QStringList command;
@@ -48,8 +49,8 @@ struct PathFacts
     Kind kind = Kind::Missing;
     bool isLink = false;
     bool isReadable = false;
-    bool isWritable = false;    ///< by root, as far as can be seen
-    bool isForeign = false;     ///< another user than root owns it, or anyone may write it
+    bool isWritable = false;    ///< by root; a guess for other users
+    bool isForeign = false;     ///< it is not owned by root, or anyone can write it
     QByteArray content = {};    ///< of a plain file, up to contentLimit
     qint64 size = 0;            ///< of a plain file, in bytes
     qint64 freeSpace = -1;      ///< of its file system, in bytes; negative if not known
@@ -59,10 +60,10 @@ struct PathFacts
 /// The folder in which @p path lies.
 QString folderOf(const char *path);
 
-/// How much of a file is looked at, in bytes. No file of a panel is nearly as large.
+/// How much of a file is read, in bytes. No file of a panel is nearly as large.
 inline constexpr qint64 contentLimit = 1 << 20;
 
-/// How much a tool may write, in bytes.
+/// How much a tool may write, in bytes; beyond that it is ended.
 inline constexpr qsizetype answerLimit = 16 << 20;
 
 /// A network interface of the kernel.
@@ -76,32 +77,33 @@ struct Interface
 /// A serial port.
 enum class SerialPort { Missing, NoDevice, Refused, Ready };
 
-/// Links below a folder that lead out of it.
+/// Links below some folders that lead out of their folder.
 struct StrayLinks
 {
     QStringList paths; ///< the first ones
     qsizetype count = 0;
-    bool isWhole = true; ///< false if there were too many entries to look at all
+    bool isWhole = true; ///< false if there were too many entries to check all of them
 };
 
-/// The tools that the program itself does not run, but its tools or the panel's boot do.
+// Tools that the program itself does not run, but tar, the panel's boot or talmero-doctor does.
 inline constexpr char gzipName[] = "gzip";
 inline constexpr char ifqueryName[] = "ifquery";
 inline constexpr char fontListName[] = "fc-list";
 
-/// All that the checks decide on. Gathered once, so that a check is a function of values.
+/// Everything that the checks decide on. It is gathered once, so that a check is a function of
+/// values.
 struct Facts
 {
     uint user = 0;
-    QString display; ///< the display that was asked
+    QString display; ///< the display that was queried
     bool displayIsGuessed = false;
-    qint64 time = 0;  ///< of the system's clock when the tool was asked, in s since 1970
-    qint64 limit = 0; ///< how long a tool was waited for, in ms
+    qint64 time = 0;  ///< of the system clock when "date" was asked, in s since 1970
+    qint64 limit = 0; ///< how long each tool had to answer, in ms
     std::array<QString, std::size(toolNames)> tools;            ///< paths; empty if not found
     QString gzip;                                               ///< path; empty if not found
     QString ifquery;                                            ///< path; empty if not found
     QString fontList;                                           ///< path; empty if not found
-    std::array<std::optional<Answered>, questionCount> answers; ///< nothing where nobody was asked
+    std::array<std::optional<Answered>, questionCount> answers; ///< nothing where no tool was asked
     QByteArray unpacked; ///< what came out of the sample archive
     QByteArray sample;   ///< what is in it
     QMap<QString, PathFacts> paths;
@@ -118,3 +120,4 @@ struct Facts
     }
     PathFacts path(const QString &name) const { return paths.value(name); }
 };
+} // namespace Doctor

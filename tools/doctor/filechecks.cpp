@@ -4,10 +4,12 @@
 #include "packages/packagecheck.h"
 #include "system/versionfiles.h"
 
+namespace Doctor {
 namespace {
 constexpr qint64 mebibyte = 1 << 20;
-constexpr qint64 lowSpace = 64 * mebibyte; // a package of usual size, and what comes out of it
-constexpr qint64 noSpace = mebibyte;       // a save may empty the settings
+constexpr qint64 lowSpace
+    = 64 * mebibyte;                 // bytes: a package of the usual size, packed and unpacked
+constexpr qint64 noSpace = mebibyte; // bytes: a save may empty the settings
 
 struct NeededFolder
 {
@@ -32,7 +34,7 @@ const QList<NeededFolder> &neededFolders()
     return folders;
 }
 
-/// The folder that is there and may be written, or what is wrong with it.
+/// What is wrong with a folder; nothing if it exists and can be written.
 std::optional<Finding> badFolder(const PathFacts &facts, const QString &path, Level level,
                                  const QString &loss)
 {
@@ -60,12 +62,12 @@ Finding checkFreeSpace(const Facts &facts, const QString &path)
 {
     const qint64 space = facts.path(path).freeSpace;
     if (space < 0) {
-        return warning(QString("the room in %1 is not known").arg(path),
-                       "see the line of the folder");
+        return warning(QString("the free space in %1 is unknown").arg(path),
+                       "see the line about the folder");
     }
     const QString found = QString("%1 MiB free in %2").arg(space / mebibyte).arg(path);
     if (space < noSpace) {
-        return error(found, "make room: a save on a full disk empties the settings");
+        return error(found, "free some space: a save on a full disk empties the settings");
     }
     if (space < lowSpace) {
         return warning(found,
@@ -103,7 +105,7 @@ Finding checkVersionFile(const Facts &facts, const VersionFile &file)
     const PathFacts found = facts.path(path);
     const QString decides = QString("; it decides %1").arg(QLatin1String(file.use));
     if (found.kind != PathFacts::Kind::File || !found.isReadable) {
-        return warning(QString("%1 is not there, or no file that can be read").arg(path),
+        return warning(QString("%1 is missing or cannot be read").arg(path),
                        "write it on the production line" + decides);
     }
     if (!found.isWritable) {
@@ -147,16 +149,16 @@ Findings checkApplicationFolder(const Facts &facts)
     }
     if (folder.isLink) {
         return {error(QString("%1 is a link, which installing follows").arg(path),
-                      "put a folder in its place: an installation removes \"compile\" in it")};
+                      "replace it with a folder: an installation removes \"compile\" in it")};
     }
     if (folder.isForeign) {
         return {warning(
             QString("%1 belongs to another user than root, or anyone may write it").arg(path),
-            "set its owner and rights in the start script: packages change them")};
+            "set its owner and permissions in the start script: packages change them")};
     }
     if (folder.fileSystem.startsWith("nfs") || folder.fileSystem == "cifs") {
         return {warning(QString("%1 lies on a network").arg(path),
-                        "put it on the panel's disk: a start waits for its size without limit")};
+                        "put it on the panel's disk: a start waits for its size without a limit")};
     }
     return {fine(path)};
 }
@@ -175,10 +177,9 @@ Findings checkSpace(const Facts &facts)
         findings += checkFreeSpace(facts, QLatin1String(path));
     }
     if (facts.leftArchives > 0) {
-        findings += warning(QString("%1 archives of packages are left in %2")
-                                .arg(facts.leftArchives)
-                                .arg(temporary),
-                            "remove them, and empty the folder at every start");
+        findings += warning(
+            QString("package archives left over in %1: %2").arg(temporary).arg(facts.leftArchives),
+            "remove them, and empty the folder at every start");
     }
     return findings;
 }
@@ -190,14 +191,15 @@ Findings checkLinks(const Facts &facts)
         = QString("%1 and %2").arg(QString(Paths::applicationFolder), QString(Paths::biosFolder));
     if (links.count > 0) {
         return {warning(
-            QString("%1 links in %2 lead out of them: %3")
-                .arg(QString::number(links.count), folders, shortened(links.paths.join(", "))),
-            "look whether they belong there: the next package is unpacked through them")};
+            QString("links lead out of %1: %2 (%3)")
+                .arg(folders, QString::number(links.count), shortened(links.paths.join(", "))),
+            "check whether they belong there: the next package is unpacked through them")};
     }
     if (!links.isWhole) {
-        return {fine(QString("none in the first entries of %1 leads out of them").arg(folders))};
+        return {
+            fine(QString("no link among the first entries of %1 leads out of them").arg(folders))};
     }
-    return {fine(QString("none in %1 leads out of them").arg(folders))};
+    return {fine(QString("no link in %1 leads out of them").arg(folders))};
 }
 
 Findings checkVersionFiles(const Facts &facts)
@@ -215,7 +217,7 @@ Findings checkScript(const Facts &facts)
     const PathFacts script = facts.path(path);
     const QString loss = "the HMI runtime does not start";
     if (script.kind != PathFacts::Kind::File || !script.isReadable) {
-        return {error(QString("%1 is not there, or no file that can be read").arg(path),
+        return {error(QString("%1 is missing or cannot be read").arg(path),
                       "install it; until then " + loss)};
     }
     if (script.content.trimmed().isEmpty()) {
@@ -233,16 +235,17 @@ Findings checkStick(const Facts &facts)
     const QString stick = folderOf(Paths::factoryMarker);
     if (facts.path(media).kind != PathFacts::Kind::Folder) {
         return {warning(QString("there is no folder %1").arg(media),
-                        "mount sticks below it: packages and fonts are looked for there")};
+                        "mount sticks below it: the program looks there for packages and fonts")};
     }
     if (facts.path(stick).kind != PathFacts::Kind::Folder) {
-        return {warning(QString("there is no folder %1").arg(stick),
-                        "mount the stick there: the factory window's marker is looked for in it")};
+        return {warning(
+            QString("there is no folder %1").arg(stick),
+            "mount the stick there: the program looks in it for the factory window's marker")};
     }
     if (facts.path(Paths::factoryMarker).kind != PathFacts::Kind::Missing) {
         return {warning(QString("%1 is there: the next start opens the factory window")
                             .arg(Paths::factoryMarker),
-                        "take the stick out, or remove the file")};
+                        "remove the stick or the file")};
     }
     return {fine(stick)};
 }
@@ -262,7 +265,7 @@ Findings checkSerialPorts(const Facts &facts)
             break;
         case SerialPort::Refused:
             findings += warning(QString("%1 cannot be opened").arg(device),
-                                "end the program that has it, or run this as root; " + loss);
+                                "end the program that uses it, or run this as root;  " + loss);
             break;
         case SerialPort::Ready:
             findings += fine(QString("%1 can be opened").arg(device));
@@ -271,3 +274,4 @@ Findings checkSerialPorts(const Facts &facts)
     }
     return findings;
 }
+} // namespace Doctor

@@ -1,20 +1,14 @@
 #pragma once
 
+#include "common/finding.h"
+
 #include <QList>
-#include <QString>
 
-/// How much a finding matters. The numbers are the tool's exit status.
-enum class Level { Ok = 0, Warning = 1, Error = 2 };
+namespace Doctor {
+using ToolReport::Finding;
+using ToolReport::Level;
 
-/// One line of the report.
-struct Finding
-{
-    Level level = Level::Ok;
-    QString found;
-    QString advice;  ///< what to do about it; empty if it is ok
-    QString subject; ///< what it is about; the check's own subject if empty
-};
-
+/// The findings of a check. A finding without a subject gets the subject of the check.
 using Findings = QList<Finding>;
 
 inline Finding fine(const QString &found)
@@ -38,3 +32,4 @@ inline Finding about(const QString &subject, Finding finding)
     finding.subject = subject;
     return finding;
 }
+} // namespace Doctor

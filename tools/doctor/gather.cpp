@@ -26,15 +26,17 @@
 #include <termios.h>
 #include <unistd.h>
 
+namespace Doctor {
 namespace {
 constexpr char displayVariable[] = "DISPLAY";
 constexpr char usualDisplay[] = ":0";
 constexpr char interfacesFolder[] = "/sys/class/net";
 constexpr char loopbackType[] = "772"; // ARPHRD_LOOPBACK
-constexpr int mostEntries = 20000;     // looked at for stray links
+constexpr int mostEntries = 20000;     // searched for stray links
 constexpr int mostShownLinks = 3;
 
-/// Where root's tools are. The program runs as root; who looks over ssh may have a shorter PATH.
+/// Where root's tools are. The program runs as root; a user who logs in over ssh may have a shorter
+/// PATH.
 constexpr char rootPath[] = ":/usr/local/sbin:/usr/sbin:/sbin";
 
 /// An archive as in a package: one file "sample" with sampleContent in it.
@@ -59,7 +61,8 @@ constexpr LookedAtPath lookedAtPaths[] = {
     {Paths::lockFolder, false},
 };
 
-/// As far as can be seen: root passes over permissions, but not over a disk that is read-only.
+/// Whether root can write @p path. Permissions do not stop root, but a read-only disk does; another
+/// user can only guess.
 bool isWritable(const QByteArray &path)
 {
     return access(path.constData(), W_OK) == 0 || (geteuid() != 0 && errno == EACCES);
@@ -111,7 +114,7 @@ void listInterfaces(Facts &facts)
     const QDir folder(interfacesFolder);
     const QStringList names = folder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     for (const QString &name : names) {
-        if (QFileInfo(folder.filePath(name)).isDir()) { // bonding leaves a file here
+        if (QFileInfo(folder.filePath(name)).isDir()) { // bonding puts a plain file here
             facts.interfaces += {name, firstLineOfFile(folder.filePath(name + "/address")),
                                  firstLineOfFile(folder.filePath(name + "/type"))
                                      == QLatin1String(loopbackType)};
@@ -121,7 +124,8 @@ void listInterfaces(Facts &facts)
 
 void ask(Facts &facts, const QList<AskedTool> &questions, std::chrono::milliseconds limit)
 {
-    std::vector<std::future<ToolAnswer>> answers; // one after the other where threads are short
+    std::vector<std::future<ToolAnswer>>
+        answers; // run one after the other if there are no more threads
     for (const AskedTool &asked : questions) {
         answers.push_back(
             asked.tool.isEmpty() ? std::future<ToolAnswer>() : std::async([asked, limit] {
@@ -229,7 +233,8 @@ SerialPort serialPortState(const QString &device)
                                                                  : SerialPort::Refused;
     }
     termios settings;
-    const bool answers = tcgetattr(descriptor, &settings) == 0; // a port without hardware does not
+    const bool answers
+        = tcgetattr(descriptor, &settings) == 0; // a port without hardware does not answer
     close(descriptor);
     return answers ? SerialPort::Ready : SerialPort::NoDevice;
 }
@@ -253,3 +258,4 @@ Facts gatherFacts(std::chrono::milliseconds limit)
     facts.unpacked = pathFacts(folder.filePath("sample"), true).content;
     return facts;
 }
+} // namespace Doctor

@@ -4,18 +4,20 @@
 
 #include <chrono>
 
-/// What is in the archive that tar is tried with.
+namespace Doctor {
+/// The contents of the archive that tar is tested with.
 inline constexpr char sampleContent[] = "unpacked\n";
 
-/// Looks at the panel and asks its tools, each for at most @p limit, all at the same time. Changes
-/// nothing but a folder of its own among the temporary files.
+/// Inspects the panel and asks its tools, all at the same time, each for at most @p limit. Nothing
+/// changes but a temporary folder, which is removed again.
 Facts gatherFacts(std::chrono::milliseconds limit);
 
-/// What is at @p path, of which the content is read if @p withContent says so.
+/// What is at @p path. Reads the content only if @p withContent is set.
 PathFacts pathFacts(const QString &path, bool withContent);
 
-/// Looks for links below @p folders that lead out of them.
+/// Finds links below @p folders that lead out of their folder.
 StrayLinks findStrayLinks(const QStringList &folders);
 
-/// Whether the serial port @p device can be opened, without waiting for anything.
+/// Whether the serial port @p device can be opened. Never blocks.
 SerialPort serialPortState(const QString &device);
+} // namespace Doctor

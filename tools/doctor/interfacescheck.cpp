@@ -3,18 +3,19 @@
 
 #include "system/ethernetkeys.h"
 
+namespace Doctor {
 namespace {
 constexpr char copyAdvice[]
     = "save the Ethernet page with whole addresses, or put back a copy of the file";
 
-/// Words of a line of the file; none for a comment.
+/// The words of a line of the file; none for a comment.
 QStringList wordsOf(const QString &line)
 {
     const QString simple = line.simplified();
     return simple.startsWith('#') ? QStringList() : simple.split(' ', Qt::SkipEmptyParts);
 }
 
-/// Lines that the program's next save would lose: all that is not of the loopback and the ports.
+/// Lines that the program's next save would remove: everything but the loopback and the two ports.
 QStringList foreignLines(const QString &text)
 {
     const QStringList ours{"lo", ethernetKeys(0).interface, ethernetKeys(1).interface};
@@ -33,7 +34,7 @@ QStringList foreignLines(const QString &text)
     return foreign;
 }
 
-/// An option without a value, at which ifupdown refuses the whole file.
+/// An option without a value; it makes ifupdown refuse the whole file.
 QString emptyOption(const QString &text)
 {
     for (const QString &line : text.split('\n')) {
@@ -45,7 +46,7 @@ QString emptyOption(const QString &text)
     return {};
 }
 
-/// What ifupdown itself says of the file; the next best judgement where it cannot be asked.
+/// What ifupdown itself says about the file, as far as it can be asked.
 Finding checkSyntax(const Facts &facts, const QString &text)
 {
     const QString loss = "no port comes up at the next boot";
@@ -56,7 +57,7 @@ Finding checkSyntax(const Facts &facts, const QString &text)
                      QString(copyAdvice) + "; until then " + loss);
     }
     if (facts.ifquery.isEmpty()) {
-        return warning("ifquery is not there: whether ifupdown accepts the file is not known",
+        return warning("ifquery is missing: whether ifupdown accepts the file is unknown",
                        "install ifupdown: it reads this file at boot");
     }
     if (auto bad = badAnswer(facts, Question::InterfacesFile, loss)) {
@@ -83,12 +84,13 @@ Findings checkInterfacesFile(const Facts &facts)
     Findings findings{checkSyntax(facts, text)};
     const QStringList foreign = foreignLines(text);
     if (!foreign.isEmpty()) {
-        findings += warning(QString("the next save of the Ethernet page drops \"%1\"%2")
+        findings += warning(QString("the next save of the Ethernet page removes \"%1\"%2")
                                 .arg(shortened(foreign.first()),
                                      foreign.size() > 1
-                                         ? QString(" and %1 lines more").arg(foreign.size() - 1)
+                                         ? QString(" and %1 more lines").arg(foreign.size() - 1)
                                          : QString()),
-                            "bring up what it is for by a unit of its own");
+                            "move what it configures to a unit of its own");
     }
     return findings;
 }
+} // namespace Doctor

@@ -1,4 +1,4 @@
-// Checks whether a panel has all that the settings program counts on.
+// Checks whether a panel has everything that the settings program needs.
 
 #include "arguments.h"
 #include "checks.h"
@@ -11,23 +11,25 @@
 
 #include <cstdio>
 
+using namespace Doctor;
+
 namespace {
 constexpr char usage[] =
     R"(Usage: talmero-doctor [--json] [--limit SECONDS]
        talmero-doctor --help | --version
 
-Checks whether this panel has all that the settings program counts on, and
-prints one line for each thing: "ok", "warning" or "error", what was found, and
+Checks whether this panel has everything that the settings program needs, and
+prints one line for each check: "ok", "warning" or "error", what was found, and
 what to do about it. Run it as root in the panel's X session, or over ssh.
 It changes nothing.
 
   --json           Prints one JSON object instead.
-  --limit SECONDS  How long a tool may take to answer, 5 if not given.
+  --limit SECONDS  How long a tool may take to answer; the default is 5.
   --help           Shows this text.
   --version        Shows the version.
 
-Exit status: 0 all is ok; 1 there are warnings; 2 there are errors; 64 wrong
-usage; 74 standard output takes no more.
+Exit status: 0 everything is ok; 1 there are warnings; 2 there are errors; 64 wrong
+usage; 74 standard output cannot be written.
 )";
 constexpr char version[] = "talmero-doctor " PANEL_VERSION "\n";
 

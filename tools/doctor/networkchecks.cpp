@@ -6,10 +6,11 @@
 
 #include <QRegularExpression>
 
+namespace Doctor {
 namespace {
 constexpr char classicAdvice[]
     = "put an ifconfig of the classic format, such as BusyBox's, first on PATH";
-constexpr QLatin1String notFound("NULL"); // as the program's readers say
+constexpr QLatin1String notFound("NULL"); // what the program's parsers return
 
 struct Port
 {
@@ -46,8 +47,8 @@ Finding checkPortFormat(const Facts &facts, const Port &port)
 {
     const QString name = ethernetKeys(port.lan).interface;
     if (findInterface(facts, name) == nullptr) {
-        return warning(QString("%1 is not looked at: there is no such port").arg(name),
-                       "see the line of the LAN port");
+        return warning(QString("%1 is not checked: there is no such port").arg(name),
+                       "see the line about the LAN port");
     }
     if (auto bad = badAnswer(facts, port.question, "addresses are not shown")) {
         return *bad;
@@ -67,7 +68,7 @@ Finding checkPortFormat(const Facts &facts, const Port &port)
     if (!isAddress(address.address)) {
         return warning(
             QString("the address of %1 reads \"%2\"").arg(name, shortened(address.address)),
-            "give the port a broadcast address: the program reads as far as \"Bcast:\"");
+            "give the port a broadcast address: the program reads up to \"Bcast:\"");
     }
     return fine(QString("%1 has %2 and %3").arg(name, shortened(hardware), address.address));
 }
@@ -126,7 +127,7 @@ Findings checkInterfaceList(const Facts &facts)
         }
     }
     if (!foreign.isEmpty()) {
-        return {warning(QString("addresses of other interfaces than eth0 and eth1: %1")
+        return {warning(QString("addresses of interfaces other than eth0 and eth1: %1")
                             .arg(shortened(foreign.join(", "))),
                         "use an image without virtual interfaces on the production line: the "
                         "factory window makes a naming rule for each")};
@@ -140,12 +141,12 @@ Findings checkDhclient(const Facts &facts)
     if (const auto bad = badAnswer(facts, Question::DhcpVersion, loss)) {
         return {*bad};
     }
-    // it tells its version on standard error
+    // dhclient prints its version on standard error
     const ToolAnswer &answer = facts.answer(Question::DhcpVersion)->answer;
     const QString version = QString::fromLocal8Bit(answer.output + answer.errors);
     if (!version.contains(QLatin1String("isc-dhclient"))) {
-        return {error("dhclient is not ISC's",
-                      "install isc-dhcp-client: others do not know the program's arguments")};
+        return {error("dhclient is not the one from ISC",
+                      "install isc-dhcp-client: others do not accept the program's arguments")};
     }
     return {fine(shortened(version))};
 }
@@ -165,7 +166,7 @@ Findings checkNamingRules(const Facts &facts)
         R"re(ATTR\{address\}=="([^"]*)"[^\n]*NAME="(eth[0-9]+)")re");
     auto rules = rule.globalMatch(QString::fromUtf8(file.content));
     if (!rules.hasNext()) {
-        return {warning(QString("%1 names no port").arg(Paths::namingRulesFile),
+        return {warning(QString("%1 does not name any port").arg(Paths::namingRulesFile),
                         QString(classicAdvice) + ", then " + again)};
     }
     Findings findings;
@@ -173,11 +174,12 @@ Findings checkNamingRules(const Facts &facts)
         const auto found = rules.next();
         const Interface *port = findInterface(facts, found.captured(2));
         if (port == nullptr || port->address.compare(found.captured(1), Qt::CaseInsensitive) != 0) {
-            findings += warning(QString("%1 should have the address %2 and has not")
+            findings += warning(QString("%1 should have the address %2 but does not")
                                     .arg(found.captured(2), shortened(found.captured(1))),
-                                "start the panel anew; if a board was exchanged, " + again);
+                                "restart the panel; if a board was replaced,  " + again);
         }
     }
-    return findings.isEmpty() ? Findings{fine("the ports have the names that the rules give")}
+    return findings.isEmpty() ? Findings{fine("the ports have the names from the rules")}
                               : findings;
 }
+} // namespace Doctor

@@ -5,6 +5,7 @@
 #include "system/factorycommand.h"
 #include "system/xinputoutput.h"
 
+namespace Doctor {
 namespace {
 /// As the program reads what such a tool prints.
 QString answerText(const std::optional<Answered> &answered)
@@ -53,3 +54,4 @@ AskedTool stateQuestion(const Facts &facts)
     return {Question::DeviceState, device.isEmpty() ? QString() : facts.tool(Tool::Xinput),
             deviceStateCommand(device)};
 }
+} // namespace Doctor

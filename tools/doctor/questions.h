@@ -2,18 +2,21 @@
 
 #include "facts.h"
 
-/// A question: the tool that is asked, and the command. None where there is nothing to ask.
+namespace Doctor {
+/// A question, the tool that is asked, and the command.
 struct AskedTool
 {
     Question question;
-    QString tool; ///< path; empty if it is not there, and then nothing is asked
+    QString tool; ///< path; empty if it is missing, and then nothing is asked
     QStringList command;
-    QString folder = {}; ///< in which it runs
+    QString folder = {}; ///< where it runs
 };
 
-/// The questions that need nothing but the paths of the tools in @p facts. @p archive is the
-/// sample archive in the folder @p folder; both are empty if it could not be made.
+/// The questions that need only the paths in @p facts. @p archive is the sample archive in the
+/// folder
+/// @p folder; if it is empty, tar is not asked to unpack.
 QList<AskedTool> firstQuestions(const Facts &facts, const QString &archive, const QString &folder);
 
-/// The question of the state of the touch controller that the answers in @p facts name.
+/// The question for the state of the touch controller, whose name is among the answers in @p facts.
 AskedTool stateQuestion(const Facts &facts);
+} // namespace Doctor

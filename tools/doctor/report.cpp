@@ -1,6 +1,6 @@
 #include "report.h"
 
-#include "finding.h"
+#include "common/report.h"
 #include "system/debugtext.h"
 
 #include <QJsonArray>
@@ -9,18 +9,23 @@
 
 #include <algorithm>
 
+namespace Doctor {
 namespace {
-constexpr const char *levelNames[] = {"ok", "warning", "error"};
-constexpr int levelWidth = 9; // of the longest name, and two blanks
-
-const char *nameOf(Level level)
-{
-    return levelNames[size_t(level)];
-}
+constexpr ToolReport::Layout layout{0, "found"};
 
 QString shown(const QString &text)
 {
     return QString::fromLatin1(printable(text));
+}
+
+/// Texts may quote files and tools, which can contain anything.
+Findings shown(Findings findings)
+{
+    for (Finding &finding : findings) {
+        finding
+            = {finding.level, shown(finding.text), shown(finding.advice), shown(finding.subject)};
+    }
+    return findings;
 }
 } // namespace
 
@@ -35,29 +40,12 @@ int statusOf(const Findings &findings)
 
 QByteArray textReport(const Findings &findings)
 {
-    QByteArray text;
-    for (const Finding &finding : findings) {
-        text += QByteArray(nameOf(finding.level)).leftJustified(levelWidth)
-            + printable(finding.subject) + ": " + printable(finding.found);
-        if (!finding.advice.isEmpty()) {
-            text += " -> " + printable(finding.advice);
-        }
-        text += '\n';
-    }
-    return text;
+    return ToolReport::findingLines(shown(findings), layout);
 }
 
 QByteArray jsonReport(const Findings &findings)
 {
-    QJsonArray list;
-    for (const Finding &finding : findings) {
-        QJsonObject object{{"level", nameOf(finding.level)},
-                           {"check", shown(finding.subject)},
-                           {"found", shown(finding.found)}};
-        if (!finding.advice.isEmpty()) {
-            object.insert("advice", shown(finding.advice));
-        }
-        list += object;
-    }
-    return QJsonDocument(QJsonObject{{"status", statusOf(findings)}, {"findings", list}}).toJson();
+    const QJsonArray array = ToolReport::findingArray(shown(findings), layout);
+    return QJsonDocument(QJsonObject{{"status", statusOf(findings)}, {"findings", array}}).toJson();
 }
+} // namespace Doctor

@@ -13,14 +13,15 @@
 
 #include <arpa/inet.h>
 
+namespace Doctor {
 namespace {
 constexpr char pageAdvice[] = "save the miscellaneous page";
 constexpr char ethernetAdvice[] = "save the Ethernet page";
 
-/// What is wrong with a value; nothing if the program understands it.
+/// What is wrong with a setting; nothing if the program understands it.
 using Wrong = std::optional<Finding>;
 
-/// A key that is in effect.
+/// A setting that is in effect.
 struct Setting
 {
     QString key;
@@ -36,7 +37,7 @@ struct KnownKey
     Judge judge;
 };
 
-/// As the program reads numbers.
+/// @p text as the program reads a number.
 std::optional<int> numberIn(const QString &text)
 {
     bool isNumber = false;
@@ -51,7 +52,7 @@ bool isMask(const QString &text)
         return false;
     }
     const quint32 zeros = ~ntohl(address.s_addr);
-    return (zeros & (zeros + 1)) == 0; // ones on the left alone
+    return (zeros & (zeros + 1)) == 0; // all ones are on the left
 }
 
 Wrong judgeFlag(const Facts &, const QString &value)
@@ -76,7 +77,7 @@ Wrong judgeDelay(const Facts &, const QString &value)
 {
     const int minutes = numberIn(value).value_or(0);
     if (minutes == 0) {
-        return warning("switches screen saving off, as no number does",
+        return warning("switches screen saving off, as 0 and any text do",
                        "store a number of minutes, or remove the line for off");
     }
     if (std::none_of(std::begin(delayItems), std::end(delayItems),
@@ -111,8 +112,9 @@ Wrong judgeBrightness(const Facts &facts, const QString &value)
             std::begin(brightnessItems), std::end(brightnessItems),
             [&value](const BrightnessItem &item) { return value == QLatin1String(item.factor); })) {
         return warning(
-            QLatin1String(isNumber ? "is a brightness that the page does not offer"
-                                   : "is no brightness: xrandr refuses it and the light stays"),
+            QLatin1String(
+                isNumber ? "is a brightness that the page does not offer"
+                         : "is not a brightness: xrandr refuses it and the light does not change"),
             pageAdvice);
     }
     return std::nullopt;
@@ -123,19 +125,20 @@ Wrong judgeDebugLevel(const Facts &, const QString &value)
     if (numberIn(value)) {
         return std::nullopt;
     }
-    return warning("counts as 0, as no number does", "store a number, or remove the line");
+    return warning("counts as 0, because it is not a number", "store a number, or remove the line");
 }
 
-/// Screens that are wider or higher take memory for pixels that nobody sees.
+/// A size beyond the screen takes memory for pixels that nobody sees.
 Wrong judgeScreenSize(const Facts &facts, const QString &value)
 {
     const auto size = parseScreenSize(value);
     if (!size) {
-        return warning("is no size, and passed over", "store a text like 800x600, or remove it");
+        return warning("is not a size and is ignored",
+                       "store a text like 800x600, or remove the line");
     }
     const auto screen = screenSize(facts);
     if (screen && (size->width() > screen->width() || size->height() > screen->height())) {
-        return warning("is larger than the screen: buttons lie outside, and memory is wasted",
+        return warning("is larger than the screen: buttons lie outside it, and memory is wasted",
                        "remove the line");
     }
     return std::nullopt;
@@ -150,15 +153,15 @@ Wrong judgeAddress(const Facts &, const QString &value)
     if (value == QLatin1String(dhcpValue) || isAddress(value)) {
         return std::nullopt;
     }
-    return warning("counts as a fixed address and is none", ethernetAdvice);
+    return warning("counts as a fixed address but is not one", ethernetAdvice);
 }
 
 Wrong judgeMask(const Facts &, const QString &value)
 {
-    if (value.isEmpty() || isMask(value)) { // the page shows a usual one in place of none
+    if (value.isEmpty() || isMask(value)) { // the page shows a default instead of an empty one
         return std::nullopt;
     }
-    return warning("is no netmask", "type it anew and save the Ethernet page");
+    return warning("is not a netmask", "enter it again and save the Ethernet page");
 }
 
 Wrong judgeFolder(const Facts &facts, const QString &value)
@@ -167,7 +170,8 @@ Wrong judgeFolder(const Facts &facts, const QString &value)
     if (facts.path(folder).kind == PathFacts::Kind::Folder) {
         return std::nullopt;
     }
-    return warning("is no folder now: nothing is found", "mount it, or remove the line");
+    return warning("is not a folder at the moment: nothing is found",
+                   "mount it, or remove the line");
 }
 
 const QList<KnownKey> &knownKeys()
@@ -192,7 +196,7 @@ const QList<KnownKey> &knownKeys()
     return keys;
 }
 
-/// Keys that begin so are the program's; others may be somebody else's, and are kept.
+/// The program's keys start like this. Other keys may belong to something else and are kept.
 constexpr QLatin1String ownPrefixes[]
     = {QLatin1String("app."), QLatin1String("bios."), QLatin1String("ethernet.")};
 
@@ -202,7 +206,7 @@ Wrong judgeKey(const QString &key)
     for (const KnownKey &known : knownKeys()) {
         if (meant == known.key) {
             return warning(QString("is not the key \"%1\"").arg(known.key),
-                           "write it in small letters, with no blanks around the \"=\"");
+                           "write it in small letters, without blanks around the \"=\"");
         }
     }
     if (std::any_of(std::begin(ownPrefixes), std::end(ownPrefixes),
@@ -216,7 +220,8 @@ Wrong judge(const Facts &facts, const Setting &setting)
 {
     for (const KnownKey &known : knownKeys()) {
         if (setting.key == known.key) {
-            // an empty value is none, but that of an address is what an empty field was saved as
+            // An empty value counts as unset, except for an address: saving an empty field stores
+            // one.
             return setting.value.isEmpty() && known.judge != judgeAddress
                 ? std::nullopt
                 : known.judge(facts, setting.value);
@@ -225,7 +230,8 @@ Wrong judge(const Facts &facts, const Setting &setting)
     return judgeKey(setting.key);
 }
 
-/// The last line of each key, which is the one in effect, in the order of the keys.
+/// The last line of each key, which is the one in effect, sorted by key. Adds the numbers of lines
+/// that the program ignores to @p passedOver.
 QList<Setting> settingsIn(const QList<QByteArrayView> &lines, QList<int> *passedOver)
 {
     QMap<QString, Setting> settings;
@@ -247,12 +253,13 @@ Findings checkSettingsFile(const Facts &facts)
     const QString path = Paths::settingsFile;
     const PathFacts file = facts.path(path);
     if (file.kind == PathFacts::Kind::Missing) {
-        return {warning(QString("there is no %1").arg(path),
-                        "ship one, be it empty: the pickers of images and add-ons have no buttons "
-                        "without it")};
+        return {warning(
+            QString("there is no %1").arg(path),
+            "ship one, even an empty one: the pickers of images and add-ons have no buttons "
+            "without it")};
     }
     if (file.kind != PathFacts::Kind::File || !file.isReadable) {
-        return {error(QString("%1 is no file that can be read").arg(path),
+        return {error(QString("%1 is not a readable file").arg(path),
                       "put a plain file in its place; until then nothing is stored")};
     }
     if (!file.isWritable) {
@@ -260,13 +267,13 @@ Findings checkSettingsFile(const Facts &facts)
                       "mount its disk for writing; until then nothing is stored")};
     }
     if (file.size > contentLimit) {
-        return {warning(QString("%1 has %2 bytes, of which only the first ones are looked at")
+        return {warning(QString("%1 has %2 bytes, of which only the first are checked")
                             .arg(path)
                             .arg(file.size),
-                        "put a backup in its place: no settings are as long")};
+                        "replace it with a backup: settings are never that long")};
     }
     if (file.size == 0) {
-        return {fine(QString("%1 is empty: every setting is the usual one").arg(path))};
+        return {fine(QString("%1 is empty: every setting has its default").arg(path))};
     }
     return {fine(path)};
 }
@@ -280,20 +287,21 @@ Findings checkSettings(const Facts &facts)
     const QList<Setting> settings = settingsIn(lines, &passedOver);
     for (const Setting &setting : settings) {
         if (auto wrong = judge(facts, setting)) {
-            wrong->found = QString("line %1: %2 %3")
-                               .arg(QString::number(setting.line),
-                                    shortened(setting.key + '=' + setting.value), wrong->found);
+            wrong->text = QString("line %1: %2 %3")
+                              .arg(QString::number(setting.line),
+                                   shortened(setting.key + '=' + setting.value), wrong->text);
             findings += *wrong;
         }
     }
     for (const int number : passedOver) {
         findings += warning(
-            QString("line %1 is passed over: \"%2\"")
+            QString("line %1 is ignored: \"%2\"")
                 .arg(QString::number(number), shortened(QString::fromUtf8(lines.at(number - 1)))),
-            "write KEY=VALUE, or a \"#\" in front of a comment");
+            "write KEY=VALUE, or start a comment with \"#\"");
     }
     if (findings.isEmpty()) {
         findings += fine(QString("%1 keys, all understood").arg(settings.size()));
     }
     return findings;
 }
+} // namespace Doctor

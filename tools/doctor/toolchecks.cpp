@@ -5,10 +5,11 @@
 
 #include <QRegularExpression>
 
+namespace Doctor {
 namespace {
 constexpr qint64 clockSlack = 60; // s
 
-/// What a missing tool means.
+/// What the panel loses without a tool.
 struct Need
 {
     Tool tool;
@@ -56,7 +57,7 @@ Finding toolFinding(const QString &name, const QString &path, Level level, const
     }
     return about("tool " + name,
                  {level,
-                  "not on PATH, or not executable",
+                  "not on PATH or not executable",
                   QString("install it on the PATH of the panel's session; until then %1").arg(loss),
                   {}});
 }
@@ -68,7 +69,7 @@ Findings checkUser(const Facts &facts)
         return {fine("root, as the program")};
     }
     return {warning(QString("user %1; the program runs as root").arg(facts.user),
-                    "run this as root: what root may read and write is guessed now")};
+                    "run this as root: otherwise what root may read and write is a guess")};
 }
 
 Findings checkTools(const Facts &facts)
@@ -86,8 +87,8 @@ Findings checkTar(const Facts &facts)
 {
     const auto &unpacked = facts.answer(Question::Unpack);
     if (!facts.tool(Tool::Tar).isEmpty() && !unpacked) {
-        return {error("a sample package was not unpacked: there is no room for temporary files",
-                      QString("make room in %1").arg(facts.temporaryFolder))};
+        return {error("a sample package was not unpacked: there is no space for temporary files",
+                      QString("free some space in %1").arg(facts.temporaryFolder))};
     }
     const QString loss = "packages are not installed, and nobody is told";
     if (const auto bad = badAnswer(facts, Question::Unpack, loss)) {
@@ -98,7 +99,7 @@ Findings checkTar(const Facts &facts)
                       QString("put GNU tar and gzip first on PATH; until then %1").arg(loss))};
     }
     if (!answerText(facts, Question::TarVersion).contains(QLatin1String("GNU tar"))) {
-        return {warning("tar unpacks a sample package, but is not GNU tar",
+        return {warning("tar unpacks a sample package but is not GNU tar",
                         "install GNU tar: it keeps packages from writing outside their folder")};
     }
     return {fine("GNU tar unpacks a sample package")};
@@ -113,9 +114,9 @@ Findings checkDu(const Facts &facts)
     }
     const QString errors
         = QString::fromLocal8Bit(facts.answer(Question::ApplicationSize)->answer.errors);
-    if (!errors.isEmpty()) { // the program takes any for a failure
+    if (!errors.isEmpty()) { // the program takes any error text for a failure
         return {error(QString("du complains: %1").arg(shortened(errors)),
-                      "repair what it names; until then the application's size is not shown")};
+                      "fix what it names; until then the application's size is not shown")};
     }
     static const QRegularExpression plausible("^[0-9][0-9.,]*[A-Za-z]{0,2}$");
     const QString total = diskUsageTotal(answerText(facts, Question::ApplicationSize));
@@ -139,13 +140,14 @@ Findings checkDate(const Facts &facts)
                           .arg(shortened(answerText(facts, Question::Time))),
                       "put GNU's or BusyBox's date first on PATH")};
     }
-    return {fine("date tells the system's time")};
+    return {fine("date prints the system's time")};
 }
 
 Findings checkSleep(const Facts &facts)
 {
     if (const auto bad = badAnswer(facts, Question::ShortPause, "serial tests may fail")) {
-        return {warning(bad->found, bad->advice)};
+        return {warning(bad->text, bad->advice)};
     }
-    return {fine("sleep takes fractions of a second")};
+    return {fine("sleep accepts fractions of a second")};
 }
+} // namespace Doctor

@@ -1,27 +1,16 @@
 #include "findings.h"
 
-#include "packageinfo.h"
 #include "system/debugtext.h"
 #include "system/textcodec.h"
 
+namespace MkPackage {
 namespace {
-constexpr int keptCount = 3;        // findings of one sort, more tell a person nothing new
+constexpr int keptCount = 3;        // findings per check and level; more tell a person nothing new
 constexpr qsizetype shownSize = 60; // characters of a name
 
 constexpr const char *checkNames[]
     = {"header", "gzip", "tar", "names", "links", "rights", "size", "time", "panel"};
-constexpr const char *levelNames[] = {"ok", "warning", "error"};
 } // namespace
-
-QByteArray checkName(Check check)
-{
-    return checkNames[int(check)];
-}
-
-QByteArray levelName(Level level)
-{
-    return levelNames[int(level)];
-}
 
 void Findings::add(Check check, Level level, const QString &text)
 {
@@ -41,20 +30,20 @@ int Findings::count(Level level) const
     return sum;
 }
 
-QList<PackageFinding> Findings::list() const
+QList<Finding> Findings::list() const
 {
-    QList<PackageFinding> findings;
+    QList<Finding> findings;
     for (auto group = m_groups.begin(); group != m_groups.end(); ++group) {
         const auto [check, level] = group.key();
         if (level == Level::Ok && (has(check, Level::Warning) || has(check, Level::Error))) {
             continue;
         }
+        const QString subject = QLatin1String(checkNames[int(check)]);
         for (const QString &text : group->texts) {
-            findings += {check, level, text};
+            findings += {level, text, {}, subject};
         }
-        if (group->count > group->texts.size()) {
-            findings
-                += {check, level, QString("and %1 more").arg(group->count - group->texts.size())};
+        if (const auto more = group->count - group->texts.size(); more > 0) {
+            findings += {level, QString("and %1 more").arg(more), {}, subject};
         }
     }
     return findings;
@@ -66,3 +55,4 @@ QString shownName(const QByteArray &name)
     const bool isCut = name.size() > shownSize || shown.size() > shownSize;
     return QString::fromLatin1(shown.left(shownSize)) + QLatin1String(isCut ? "..." : "");
 }
+} // namespace MkPackage

@@ -1,38 +1,32 @@
 #pragma once
 
+#include "common/finding.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMap>
 #include <QString>
 
-/// What verifying looks at, in the order in which it is told.
+namespace MkPackage {
+/// What verifying looks at, in the order of the report.
 enum class Check { Header, Gzip, Tar, Names, Links, Rights, Size, Time, Panel };
 
-enum class Level { Ok, Warning, Error };
+using ToolReport::Finding;
+using ToolReport::Level;
 
-struct PackageFinding
-{
-    Check check;
-    Level level;
-    QString text;
-};
-
-QByteArray checkName(Check check);
-QByteArray levelName(Level level);
-
-/// What has been found in a package. Of findings of the same check and level it keeps the first
-/// ones and the number of the rest: a package may have a million of them.
+/// Collects what is found in a package. For each check and level it keeps the first few findings
+/// and counts the rest: a package may have a million of them.
 class Findings
 {
 public:
-    /// An Ok is dropped if the same check has found something.
+    /// Adds a finding. list() leaves out an Ok if the same check has a warning or an error.
     void add(Check check, Level level, const QString &text);
 
     bool has(Check check, Level level) const { return count(check, level) > 0; }
     int count(Level level) const;
 
-    /// Sorted by their checks. A last one of each sort tells how many more there are.
-    QList<PackageFinding> list() const;
+    /// The findings in the order of Check. Where some were not kept, a last one says how many.
+    QList<Finding> list() const;
 
 private:
     struct Group
@@ -46,5 +40,6 @@ private:
     QMap<QPair<Check, Level>, Group> m_groups;
 };
 
-/// The name of a member for a line of text, in printable ASCII and of bounded length.
+/// The name of a member in printable ASCII, cut to 60 characters.
 QString shownName(const QByteArray &name);
+} // namespace MkPackage

@@ -4,22 +4,30 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qsizetype pieceSize = 65536; // bytes
-constexpr int gzipWindow = 15 + 16;    // the largest one, and gzip's header and trailer
+constexpr int gzipWindow = 15 + 16;    // zlib's code for the largest window in a gzip wrapper
 constexpr char firstByte = '\x1f';     // of each stream
 
 Bytef *bytesOf(QByteArray &array)
 {
-    return reinterpret_cast<Bytef *>(array.data()); // the library's name for the same bytes
+    return reinterpret_cast<Bytef *>(array.data()); // zlib wants unsigned bytes
 }
 
-/// By comparing each byte with its neighbour, at the speed of memory: bombs are of zeros.
+/// Compares each byte with the next one, which runs at the speed of memory: archives that are made
+/// to fill a disk consist of zeros.
 bool isZero(QByteArrayView piece)
 {
     return piece.isEmpty() || (piece.front() == '\0' && piece.sliced(1) == piece.chopped(1));
 }
 } // namespace
+
+bool isAtEnd(QIODevice &device)
+{
+    char more = 0;
+    return device.read(&more, 1) == 0;
+}
 
 GzipReader::GzipReader(QIODevice &device, qint64 limit)
     : m_device(device)
@@ -28,7 +36,7 @@ GzipReader::GzipReader(QIODevice &device, qint64 limit)
     , m_output(pieceSize, '\0')
 {
     if (inflateInit2(&m_stream, gzipWindow) != Z_OK) {
-        fail("there is no memory to unpack it");
+        fail("not enough memory to unpack it");
     }
 }
 
@@ -58,7 +66,14 @@ QByteArrayView GzipReader::read()
     return piece;
 }
 
-/// Result: false if there is no more input, which decides how the data ends.
+void GzipReader::skipRest()
+{
+    while (!read().isEmpty()) {
+        // nothing but the end matters
+    }
+}
+
+/// Result: false at the end of the input; the state then tells how the data ended.
 bool GzipReader::refill()
 {
     const qint64 size = m_device.read(m_input.data(), m_input.size());
@@ -67,8 +82,7 @@ bool GzipReader::refill()
     } else if (size == 0 && m_betweenStreams && m_hasStream) {
         m_state = State::Whole;
     } else if (size == 0) {
-        fail(QLatin1String(m_packedSize == 0 ? "there is no archive behind the header"
-                                             : "cut off at the end"));
+        fail(QLatin1String(m_packedSize == 0 ? "no archive follows the header" : "cut off"));
     }
     m_packedSize += std::max<qint64>(size, 0);
     m_stream.next_in = bytesOf(m_input);
@@ -79,7 +93,7 @@ bool GzipReader::refill()
 void GzipReader::unpack()
 {
     if (m_betweenStreams && m_hasStream && char(*m_stream.next_in) != firstByte) {
-        fail("something else stands behind it");
+        fail("something else follows it");
         return;
     }
     m_betweenStreams = false;
@@ -89,7 +103,8 @@ void GzipReader::unpack()
         m_hasStream = true;
         inflateReset(&m_stream);
     } else if (result != Z_OK && result != Z_BUF_ERROR) {
-        fail(m_stream.msg != nullptr ? QString::fromLatin1(m_stream.msg) : QString("no gzip data"));
+        fail(m_stream.msg != nullptr ? QString::fromLatin1(m_stream.msg)
+                                     : QString("not gzip data"));
     }
 }
 
@@ -98,3 +113,4 @@ void GzipReader::fail(const QString &error)
     m_state = State::Damaged;
     m_error = error;
 }
+} // namespace MkPackage

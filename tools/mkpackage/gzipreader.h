@@ -8,33 +8,41 @@
 
 class QIODevice;
 
-/// Unpacks gzip data piece by piece, from where a device stands to its end. Needs the same memory
-/// whatever comes, and checks all that the format lets check.
+namespace MkPackage {
+/// Whether @p device has nothing more to read; false also if reading fails.
+bool isAtEnd(QIODevice &device);
+
+/// Unpacks gzip data piece by piece, from the current position of a device to its end. It checks
+/// everything that the format can check, and never needs more memory.
 class GzipReader
 {
 public:
     enum class State {
         Reading,
-        Whole,      ///< and nothing stands behind it
-        Damaged,    ///< error() tells how
-        Unreadable, ///< the device gives no more
-        TooLarge,   ///< more came out than @c limit
+        Whole,      ///< nothing follows it
+        Damaged,    ///< see error()
+        Unreadable, ///< reading the device failed
+        TooLarge,   ///< it unpacks to more than the limit
     };
 
+    /// Reading stops after more than @p limit unpacked bytes.
     GzipReader(QIODevice &device, qint64 limit);
     ~GzipReader();
     Q_DISABLE_COPY(GzipReader)
 
-    /// The next piece, valid until the next call; empty if there are no more. Each but the last
-    /// one is of the same size, a multiple of a tar block's.
+    /// The next piece, valid until the next call; empty at the end. All pieces but the last have
+    /// the same size, a multiple of a tar block.
     QByteArrayView read();
+
+    /// Reads to the end, so that state() and the sizes are final.
+    void skipRest();
 
     State state() const { return m_state; }
     QString error() const { return m_error; }
     qint64 packedSize() const { return m_packedSize; }
     qint64 unpackedSize() const { return m_unpackedSize; }
 
-    /// Behind the last byte so far that is not zero.
+    /// Where the last byte that is not zero ends, in the unpacked data so far.
     qint64 contentEnd() const { return m_contentEnd; }
 
 private:
@@ -55,3 +63,4 @@ private:
     qint64 m_unpackedSize = 0;
     qint64 m_contentEnd = 0;
 };
+} // namespace MkPackage

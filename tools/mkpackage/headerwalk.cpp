@@ -4,18 +4,19 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qsizetype blockSize = 512; // bytes
 constexpr qsizetype typeOffset = 156;
 constexpr qsizetype magicOffset = 257;
 constexpr QByteArrayView posixMagic("ustar\00000", 8);
-constexpr QByteArrayView gnuMagic("ustar  \0", 8); // has no folder in a field of its own
+constexpr QByteArrayView gnuMagic("ustar  \0", 8); // has no separate field for the folder
 constexpr QByteArrayView describingTypes("gxKL", 4);
 constexpr QByteArrayView usualTypes("01234567\0", 9);
 
-// What tar writes is below both.
-constexpr int mostDescribing = 8;              // headers in front of one member
-constexpr qint64 largestDescription = 1 << 20; // bytes, of one such header
+// tar itself stays below both.
+constexpr int mostDescribing = 8;              // extended headers of one member
+constexpr qint64 largestDescription = 1 << 20; // bytes of one extended header
 
 /// A number in a header, in bytes.
 struct NumberField
@@ -34,7 +35,7 @@ QByteArrayView bytesOf(QByteArrayView header, const NumberField &field)
     return header.sliced(field.offset, field.size);
 }
 
-/// Octal digits with blanks in front and blanks or NUL bytes behind, as every tar writes them.
+/// Octal digits between optional blanks, or NUL bytes at the end, as every tar writes them.
 bool isOctal(QByteArrayView field)
 {
     const auto digits = std::find_if(field.begin(), field.end(), [](char c) { return c != ' '; });
@@ -43,7 +44,7 @@ bool isOctal(QByteArrayView field)
         && std::all_of(end, field.end(), [](char c) { return c == ' ' || c == '\0'; });
 }
 
-/// A number too large for digits, or a negative one, in the last eight bytes.
+/// A negative number, or one too large for octal digits: it is binary, in the last eight bytes.
 bool isBinary(QByteArrayView field)
 {
     const char filler = field.front() == '\xff' ? '\xff' : '\0';
@@ -61,7 +62,7 @@ bool hasOddNumber(QByteArrayView header)
                        });
 }
 
-/// Of a field of octal digits.
+/// The value of a field of octal digits.
 qint64 octalNumber(QByteArrayView field)
 {
     qint64 number = 0;
@@ -96,7 +97,7 @@ void HeaderWalk::takeBlock(QByteArrayView block)
     if (m_descriptionLeft > 0) {
         takeDescription(block);
     } else if (hasOddNumber(block)) {
-        m_error = "a number in a header that is none";
+        m_error = "a malformed number in a header";
     } else {
         takeHeader(block);
     }
@@ -125,7 +126,7 @@ void HeaderWalk::startDescription(QByteArrayView header)
     m_descriptionLeft = octalNumber(size);
     if (!isOctal(size) || m_descriptionLeft > largestDescription
         || ++m_described > mostDescribing) {
-        m_error = "too much that describes a member";
+        m_error = "too many or too large extended headers";
     }
 }
 
@@ -144,3 +145,4 @@ bool HeaderWalk::hasContents() const
     const QByteArrayView field = bytesOf(m_header, sizeField);
     return !isOctal(field) || octalNumber(field) > 0;
 }
+} // namespace MkPackage

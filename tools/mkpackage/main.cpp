@@ -14,6 +14,8 @@
 #include <csignal>
 #include <cstdio>
 
+using namespace MkPackage;
+
 namespace {
 constexpr char usage[] =
     R"(Usage: talmero-mkpackage make --kind KIND --version N --target TEXT --output FILE FOLDER
@@ -24,29 +26,29 @@ constexpr char usage[] =
 
 Makes, inspects and checks packages for the panel's USB stick.
 
-make   Packs what is in FOLDER. The same contents give the same bytes.
+make   Packs the contents of FOLDER. The same contents give the same bytes.
   --kind KIND      application (.kpc), firmware (.fmw) or bios (.mo, add-ons .pkg)
-  --version N      0 to 4294967295. An application: the version of the runtime
-                   that it is for. Firmware, bios: its own version.
-  --target TEXT    At most 15 ASCII characters. An application: the panel model.
-                   Firmware: the OEM name. bios: not used, may be left out.
-  --output FILE    The package. Appears whole or not at all.
+  --version N      0 to 4294967295. For an application, the version of the runtime
+                   that it needs; for firmware and bios, their own version.
+  --target TEXT    At most 15 ASCII characters. For an application, the panel model;
+                   for firmware, the OEM name. Not used for bios.
+  --output FILE    The package. It appears whole or not at all.
 
 info   Shows the header and the contents of a package, and whether it is whole.
 
-verify Tells what a panel will say of a package, and whether it would do harm there.
-  --for MODEL      Asks for a panel of that model, and so do the next three:
-  --runtime N      with the runtime of that version
-  --oem NAME       with the OEM name
-  --bios N         with the settings program of that version
-  --rate MB        Megabytes a second that the panel unpacks; 10 if it is not given
+verify Reports what a panel would do with a package, and whether it would do harm.
+  --for MODEL      The panel's model.
+  --runtime N      The version of its runtime.
+  --oem NAME       Its OEM name.
+  --bios N         The version of its settings program.
+  --rate MB        How many megabytes it unpacks per second; the default is 10.
   --json           Prints one JSON object for programs.
 
-SOURCE_DATE_EPOCH is the time that the packed files get, in seconds since 1970;
-2000-01-01 if it is not set.
+The environment variable SOURCE_DATE_EPOCH sets the time of the packed files, in
+seconds since 1970. The default is 2000-01-01.
 
 Exit status: 0 done, or good; 1 not made, damaged, refused or dangerous; 2 wrong
-usage, or not readable, or standard output takes no more.
+usage, a file that cannot be read, or standard output that cannot be written.
 )";
 constexpr char version[] = "talmero-mkpackage " PANEL_VERSION "\n";
 
@@ -67,16 +69,15 @@ void say(std::FILE *stream, const QString &text)
     std::fprintf(stream, "talmero-mkpackage: %s\n", printable(text).constData());
 }
 
-/// What would change the archive, or what the tools print.
+/// Keeps the user's settings from changing the archive or the language of tar's messages.
 void shieldTools()
 {
     qunsetenv("TAR_OPTIONS");
     qunsetenv("GZIP");
     qputenv("LC_ALL", "C");
-    qputenv("TZ", "UTC");
 }
 
-/// A signal that is ignored, as below nohup, stays so.
+/// Signals that are ignored already, as under nohup, stay ignored.
 void catchSignals()
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -86,7 +87,7 @@ void catchSignals()
     }
 }
 
-/// A disk may be full only when what was kept back is written.
+/// A full disk may show only when the buffered output is written.
 int endOfOutput(int status)
 {
     const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
@@ -115,23 +116,37 @@ int make(const Options &options)
     return Done;
 }
 
-int info(const Options &options)
+int sayUnreadable(const QString &path)
 {
-    QFile out;
-    QFile errors;
-    const bool open
-        = out.open(stdout, QIODevice::WriteOnly) && errors.open(stderr, QIODevice::WriteOnly);
-    return open ? showPackage(options.file, out, errors) : int(WrongUsage);
+    say(stderr, "cannot read " + path);
+    return WrongUsage;
+}
+
+int showInfo(const Options &options)
+{
+    QFile file;
+    const PackageInfo info = openPlainFile(file, options.file) ? readPackage(file) : PackageInfo();
+    if (!info.readable) {
+        return sayUnreadable(options.file);
+    }
+    if (!info.header) {
+        say(stderr,
+            QString("%1 is not a package: it has only %2 bytes")
+                .arg(options.file)
+                .arg(info.fileSize));
+        return Failed;
+    }
+    std::fputs(infoText(info).constData(), stdout);
+    return isWhole(info) ? Done : Failed;
 }
 
 int verify(const Options &options)
 {
     QFile file;
-    const bool open = openPlainFile(file, options.file);
-    const Verification found = open ? verifyPackage(file, options.verify) : Verification();
+    const Verification found
+        = openPlainFile(file, options.file) ? verifyPackage(file, options.verify) : Verification();
     if (!found.readable) {
-        say(stderr, "cannot read " + options.file);
-        return WrongUsage;
+        return sayUnreadable(options.file);
     }
     const QByteArray report
         = options.json ? jsonReport(found, options.verify, options.file) : textReport(found);
@@ -149,7 +164,7 @@ int run(const Options &options)
     case Options::Task::Make:
         return make(options);
     case Options::Task::Info:
-        return info(options);
+        return showInfo(options);
     case Options::Task::Verify:
         return verify(options);
     case Options::Task::Version:

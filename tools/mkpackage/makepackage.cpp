@@ -17,6 +17,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace MkPackage {
 namespace {
 /// The names that @p listing gives, sorted by their bytes, each ended by a zero byte; none if they
 /// cannot all be read.
@@ -166,3 +167,4 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     }
     return putInPlace(package, options.output) ? QString() : cannotWrite;
 }
+} // namespace MkPackage

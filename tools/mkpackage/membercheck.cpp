@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qsizetype longestName = 255;  // bytes, of a file system
 constexpr qsizetype longestPath = 4095; // bytes, of the kernel
@@ -15,7 +16,7 @@ constexpr quint32 ownerUses = 0700; // of a folder
 
 using Type = TarMember::Type;
 
-/// Control characters, characters that are not seen, and bytes that are no UTF-8.
+/// Whether @p name has control characters, invisible characters or bytes that are not UTF-8.
 bool isOdd(const QByteArray &name)
 {
     if (!name.isValidUtf8()) {
@@ -33,15 +34,15 @@ bool isLink(Type type)
     return type == Type::SymLink || type == Type::HardLink;
 }
 
-/// What is wrong with where a symbolic link leads; null if nothing is. From a folder that is none
-/// of the package's links, and without turning back, a link to a place inside stays inside,
-/// whatever other such links stand on its way.
+/// What is wrong with the target of a symbolic link; null if nothing is. A relative target stays
+/// inside if each ".." is at its start and there are no more of them than folders above the link.
+/// Other such links on its way do not change that.
 const char *findTargetError(const TarMember &link)
 {
     const MemberPath target(link.target);
     const qsizetype folders = MemberPath(link.name).numbers.size() - 1;
     if (link.target.isEmpty()) {
-        return "leads to nothing";
+        return "has no target";
     }
     if (link.target.size() > longestPath) {
         return "leads to a path of more than 4095 bytes";
@@ -49,14 +50,14 @@ const char *findTargetError(const TarMember &link)
     if (target.isAbsolute || target.ups > folders) {
         return "leads out of the panel's folder";
     }
-    return target.turnsBack ? "turns back by \"..\" on its way" : nullptr;
+    return target.turnsBack ? "goes back through \"..\" on its way" : nullptr;
 }
 } // namespace
 
 void MemberCheck::add(const TarMember &member)
 {
     if (isOdd(member.name)) {
-        say(Check::Names, Level::Warning, member, "has characters that no name should have");
+        say(Check::Names, Level::Warning, member, "contains characters that no name should have");
     }
     checkPlace(member);
     checkRights(member);
@@ -73,7 +74,7 @@ void MemberCheck::checkPlace(const TarMember &member)
     if (path.isAbsolute) {
         say(Check::Names, Level::Error, member, "is an absolute path");
     } else if (path.leaves()) {
-        say(Check::Names, Level::Error, member, "leads out of the panel's folder by \"..\"");
+        say(Check::Names, Level::Error, member, "leaves the panel's folder through \"..\"");
     } else if (path.longestName > longestName) {
         say(Check::Names, Level::Error, member, "has a name of more than 255 bytes");
     } else if (member.name.size() > longestPath) {
@@ -81,7 +82,7 @@ void MemberCheck::checkPlace(const TarMember &member)
     } else if (path.isTop()) {
         checkTopFolder(member);
     } else if (path.asksForFolder && member.type != Type::Folder) {
-        say(Check::Names, Level::Error, member, "is the name of a folder, and is none");
+        say(Check::Names, Level::Error, member, "is named like a folder but is not one");
     } else {
         for (const quint64 parent : path.numbers.first(path.numbers.size() - 1)) {
             checkParent(member, parent);
@@ -98,22 +99,22 @@ void MemberCheck::checkParent(const TarMember &member, quint64 parent)
 {
     const auto before = m_known.constFind(parent);
     if (before == m_known.constEnd()) {
-        m_known.insert(parent, Type::Folder); // tar makes it
+        m_known.insert(parent, Type::Folder); // tar creates it
     } else if (isLink(*before)) {
-        say(Check::Links, Level::Error, member, "goes through a link of this package");
+        say(Check::Links, Level::Error, member, "passes through a link in this package");
     } else if (*before != Type::Folder) {
-        say(Check::Names, Level::Error, member, "lies in what is no folder");
+        say(Check::Names, Level::Error, member, "is inside something that is not a folder");
     }
 }
 
 void MemberCheck::checkSameName(const TarMember &member, Type before)
 {
     if (isLink(before) || isLink(member.type)) {
-        say(Check::Links, Level::Error, member, "comes twice, and is a link");
+        say(Check::Links, Level::Error, member, "occurs twice, once as a link");
     } else if (before == Type::Folder && member.type != Type::Folder) {
-        say(Check::Names, Level::Error, member, "is a folder before");
+        say(Check::Names, Level::Error, member, "was a folder earlier in the archive");
     } else if (member.type != Type::Folder || before != Type::Folder) {
-        say(Check::Names, Level::Warning, member, "comes twice; the last one stays");
+        say(Check::Names, Level::Warning, member, "occurs twice; the last one wins");
     }
 }
 
@@ -122,7 +123,7 @@ void MemberCheck::checkSymLink(const TarMember &member)
     const char *error = findTargetError(member);
     m_findings.add(Check::Links, error != nullptr ? Level::Error : Level::Warning,
                    shownName(member.name) + " -> " + shownName(member.target) + ": "
-                       + QLatin1String(error != nullptr ? error : "is a link within the folder"));
+                       + QLatin1String(error != nullptr ? error : "is a link inside the folder"));
 }
 
 void MemberCheck::checkHardLink(const TarMember &member)
@@ -131,24 +132,24 @@ void MemberCheck::checkHardLink(const TarMember &member)
     const bool isKnown = !target.leaves() && !target.isTop() && !target.asksForFolder
         && m_known.value(target.numbers.last(), Type::Other) == Type::File;
     say(Check::Links, isKnown ? Level::Warning : Level::Error, member,
-        isKnown ? "is a hard link" : "is a hard link to what is no file before it");
+        isKnown ? "is a hard link" : "is a hard link to something that is not an earlier file");
 }
 
 void MemberCheck::checkRights(const TarMember &member)
 {
     const bool isFolder = member.type == Type::Folder;
     if (isLink(member.type)) {
-        return; // have none of their own
+        return; // links have no permissions of their own
     }
-    if (member.type == Type::Device || member.type == Type::Pipe || member.type == Type::Other) {
-        say(Check::Rights, Level::Error, member, "is a device, a pipe or no file at all");
+    if (isDevice(member.type) || member.type == Type::Pipe || member.type == Type::Other) {
+        say(Check::Rights, Level::Error, member, "is a device, a pipe or another special file");
     } else if ((member.mode & specialBits) != 0) {
         say(Check::Rights, isFolder ? Level::Warning : Level::Error, member,
             "has the set-user-ID or set-group-ID bit");
     } else if ((member.mode & (othersWrite | sticky)) == othersWrite) {
-        say(Check::Rights, Level::Warning, member, "may be written by anyone");
+        say(Check::Rights, Level::Warning, member, "can be written by anyone");
     } else if ((member.mode & (isFolder ? ownerUses : ownerReads)) == 0) {
-        say(Check::Rights, Level::Warning, member, "may be read by root alone");
+        say(Check::Rights, Level::Warning, member, "can be read only by root");
     }
     if (member.user != 0 || member.group != 0) {
         m_findings.add(Check::Rights, Level::Warning,
@@ -159,15 +160,16 @@ void MemberCheck::checkRights(const TarMember &member)
     }
 }
 
-/// The panel's own folder, whose rights tar changes to the archive's.
+/// The member is the panel's own folder: tar gives that folder the owner and permissions of the
+/// member.
 void MemberCheck::checkTopFolder(const TarMember &member)
 {
     if (member.type != Type::Folder || member.name.isEmpty()) {
-        say(Check::Names, Level::Error, member, "is no name");
+        say(Check::Names, Level::Error, member, "is not a name");
     } else if ((member.mode & ownerUses) != ownerUses || (member.mode & othersWrite) != 0) {
-        say(Check::Rights, Level::Error, member, "takes its rights from the panel's folder");
+        say(Check::Rights, Level::Error, member, "gives the panel's folder unsafe permissions");
     } else {
-        say(Check::Rights, Level::Warning, member, "changes the rights of the panel's folder");
+        say(Check::Rights, Level::Warning, member, "changes the permissions of the panel's folder");
     }
 }
 
@@ -175,3 +177,4 @@ void MemberCheck::say(Check check, Level level, const TarMember &member, const c
 {
     m_findings.add(check, level, shownName(member.name) + ": " + QLatin1String(what));
 }
+} // namespace MkPackage

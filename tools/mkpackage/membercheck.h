@@ -5,8 +5,9 @@
 
 #include <QHash>
 
-/// Looks at the members of an archive, one after the other, for what does harm when root unpacks
-/// them on a panel. Remembers a number for each of them, not its name.
+namespace MkPackage {
+/// Checks the members of an archive, one after the other, for what does harm when root unpacks them
+/// on a panel. It remembers a number for each of them, not the name, to save memory.
 class MemberCheck
 {
 public:
@@ -17,7 +18,7 @@ public:
 
     void add(const TarMember &member);
 
-    /// What tar has to make, with the folders that are no members of their own.
+    /// How many files and folders tar creates, including folders that are not members themselves.
     qsizetype count() const { return m_known.size(); }
 
 private:
@@ -33,3 +34,4 @@ private:
     Findings &m_findings;
     QHash<quint64, TarMember::Type> m_known; ///< by the number of the path
 };
+} // namespace MkPackage

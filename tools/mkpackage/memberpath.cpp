@@ -4,8 +4,9 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
-// FNV-1a, which goes on from name to name.
+// FNV-1a; each name continues the number of its folder.
 constexpr quint64 firstNumber = 14695981039346656037ULL;
 constexpr quint64 prime = 1099511628211ULL;
 
@@ -39,3 +40,4 @@ MemberPath::MemberPath(QByteArrayView path)
         }
     }
 }
+} // namespace MkPackage

@@ -3,21 +3,24 @@
 #include <QByteArrayView>
 #include <QList>
 
-/// What counts of the path of a member, or of the target of a link.
+namespace MkPackage {
+/// What the checks need to know about the path of a member, or the target of a link.
 struct MemberPath
 {
     explicit MemberPath(QByteArrayView path);
 
-    /// Numbers of the folders above it, outermost first, and its own. Equal for paths that mean
-    /// the same, and different in each run, so that nobody can make two paths of one number.
+    /// One number for each folder of the path, outermost first, and one for the whole path. Paths
+    /// that mean the same have the same numbers. The numbers differ from run to run, so nobody can
+    /// prepare two paths that share one.
     QList<quint64> numbers;
 
     bool isAbsolute = false;
-    qsizetype ups = 0;         ///< ".." in front of all names
-    bool turnsBack = false;    ///< ".." behind a name
+    qsizetype ups = 0;         ///< number of ".." before the first name
+    bool turnsBack = false;    ///< there is a ".." after a name
     qsizetype longestName = 0; ///< bytes
-    bool asksForFolder;        ///< ends as only the path of a folder may, in a slash or a dot
+    bool asksForFolder;        ///< ends in a slash or a dot, as only the path of a folder may
 
     bool isTop() const { return numbers.isEmpty() && ups == 0; }
     bool leaves() const { return isAbsolute || ups > 0 || turnsBack; }
 };
+} // namespace MkPackage

@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include "packages/packagetypes.h"
 #include "system/textcodec.h"
 
 #include <QCommandLineParser>
@@ -8,6 +9,7 @@
 #include <limits>
 #include <span>
 
+namespace MkPackage {
 namespace {
 constexpr qint64 defaultFileTime = 946684800;            // 2000-01-01 00:00:00 UTC
 constexpr qint64 latestFileTime = (qint64(1) << 33) - 1; // eleven octal digits of a tar header
@@ -24,19 +26,18 @@ struct Kind
     PackageKind kind;
     const char *name;
     const char *target; ///< what its target names; null if it is not used
-    QStringList extensions;
-    Qt::CaseSensitivity extensionCase;
 };
+
+// clang-format off
+constexpr Kind kinds[] = {
+    {PackageKind::Application, "application", "panel model"},
+    {PackageKind::Firmware,    "firmware",    "OEM name"},
+    {PackageKind::BiosImage,   "bios",        nullptr},
+};
+// clang-format on
 
 const Kind *findKind(PackageKind kind)
 {
-    // clang-format off
-    static const Kind kinds[] = {
-        {PackageKind::Application, "application", "panel model", {".kpc"},         Qt::CaseSensitive},
-        {PackageKind::Firmware,    "firmware",    "OEM name",    {".fmw"},         Qt::CaseSensitive},
-        {PackageKind::BiosImage,   "bios",        nullptr,       {".mo", ".pkg"},  Qt::CaseInsensitive},
-    };
-    // clang-format on
     const auto *found = std::find_if(std::begin(kinds), std::end(kinds),
                                      [kind](const Kind &known) { return known.kind == kind; });
     return found != std::end(kinds) ? found : nullptr;
@@ -44,13 +45,10 @@ const Kind *findKind(PackageKind kind)
 
 std::optional<PackageKind> kindFromName(const QString &name)
 {
-    for (const auto kind :
-         {PackageKind::Application, PackageKind::Firmware, PackageKind::BiosImage}) {
-        if (kindName(kind) == name) {
-            return kind;
-        }
-    }
-    return std::nullopt;
+    const auto *found
+        = std::find_if(std::begin(kinds), std::end(kinds),
+                       [&name](const Kind &known) { return name == QLatin1String(known.name); });
+    return found != std::end(kinds) ? std::optional(found->kind) : std::nullopt;
 }
 
 std::optional<qint64> parseNumber(const QString &text)
@@ -71,15 +69,15 @@ QString targetError(const Kind &kind, const QString &target)
     if (!isPrintableAscii(target)) {
         return "--target must be printable ASCII";
     }
-    if (target.size() >= packageTargetSize) {
-        return QString("--target has %1 characters, and there is room for %2")
+    if (target.size() > longestPackageTarget) {
+        return QString("--target has %1 characters; at most %2 fit")
             .arg(target.size())
-            .arg(packageTargetSize - 1);
+            .arg(longestPackageTarget);
     }
     return {};
 }
 
-/// Reads the header that @p parser asks for. Result: what is wrong; empty if nothing is.
+/// Reads the options of the header. Result: what is wrong; empty if nothing is.
 QString readHeader(const QCommandLineParser &parser, PackageHeader &header)
 {
     const auto kind = kindFromName(parser.value("kind"));
@@ -91,13 +89,13 @@ QString readHeader(const QCommandLineParser &parser, PackageHeader &header)
         return "--version must be a number from 0 to 4294967295";
     }
     if (*kind == PackageKind::BiosImage && *version == 0) {
-        return "a panel installs no bios of version 0";
+        return "a panel does not install a bios of version 0";
     }
     header = {*kind, quint32(*version), parser.value(targetOption)};
     return targetError(*findKind(*kind), header.target);
 }
 
-/// Result: what is wrong if an option is there twice; empty if none is.
+/// Result: an error if an option is given twice; empty otherwise.
 QString findTwice(const QCommandLineParser &parser)
 {
     const QStringList given = parser.optionNames();
@@ -136,7 +134,7 @@ QString readMakeOptions(const QCommandLineParser &parser, Options &options)
 
 using OptionsReader = QString (*)(const QCommandLineParser &parser, Options &options);
 
-/// What the command line of @p task says, whose options @p names have values.
+/// Reads the command line of @p task. The options @p names take values.
 Options parseTask(QCommandLineParser &parser, Options::Task task,
                   std::span<const QLatin1String> names, const QStringList &arguments,
                   OptionsReader read)
@@ -251,21 +249,16 @@ Options parseOptions(const QStringList &arguments)
         return withoutCommand(Options::Task::Version);
     }
     return withoutCommand(Options::Task::Help,
-                          command.isEmpty() ? QString("there is nothing to do")
+                          command.isEmpty() ? QString("no command given")
                                             : QString("unknown command: %1").arg(command));
 }
 
 QStringList warningsFor(const PackageHeader &header, const QString &output)
 {
     QStringList warnings;
-    const Kind *kind = findKind(header.kind);
-    const bool found = std::any_of(kind->extensions.begin(), kind->extensions.end(),
-                                   [kind, &output](const QString &extension) {
-                                       return output.endsWith(extension, kind->extensionCase);
-                                   });
-    if (!found) {
-        warnings += QString("a panel looks for packages of this kind by the extension %1")
-                        .arg(kind->extensions.join(" or "));
+    if (!isListedAs(header.kind, output)) {
+        warnings += QString("a panel lists packages of this kind only with the extension %1")
+                        .arg(packageExtensions(header.kind).join(" or "));
     }
     if (header.kind == PackageKind::Firmware
         && header.version > quint32(std::numeric_limits<qint32>::max())) {
@@ -293,3 +286,4 @@ std::optional<qint64> fileTime(const QByteArray &value)
     const auto time = parseNumber(QString::fromLatin1(value));
     return time && *time <= latestFileTime ? time : std::nullopt;
 }
+} // namespace MkPackage

@@ -1,31 +1,32 @@
 #pragma once
 
+#include "packages/packageheader.h"
+
 #include <QByteArray>
-#include <QString>
+
+#include <optional>
 
 class QIODevice;
 
-/// The state of a package's archive.
-struct ArchiveState
+namespace MkPackage {
+/// What a package file holds.
+struct PackageInfo
 {
-    bool known = false;      ///< false: the tools could not be run to the end
-    bool gzipWhole = false;  ///< with nothing behind it
-    bool tarWhole = false;   ///< with the two empty blocks at its end
+    bool readable = false; ///< false: the file could not be read to its end; nothing else counts
+    std::optional<PackageHeader> header; ///< nothing if the file is shorter than a header
+    qint64 fileSize = 0;                 ///< bytes
     qint64 unpackedSize = 0; ///< bytes of the tar archive, as far as it could be unpacked
-    QByteArray listing;      ///< what "tar -tv" prints
+    bool gzipWhole = false;  ///< and nothing follows it
+    bool tarWhole = false;   ///< with the two blocks of zeros at its end, and nothing follows them
+    QByteArray listing;      ///< the members, see MemberListing
 };
 
-/// What "tar -tvR" prints of an archive.
-struct TarListing
-{
-    QByteArray members; ///< as "tar -tv" prints them
-    bool ended = false; ///< tar has met the empty block that ends an archive, not just no more data
-};
+/// Reads the package @p file once, in pieces. Nothing is unpacked to the disk and no tool runs.
+PackageInfo readPackage(QIODevice &file);
 
-/// Takes the block numbers and tar's lines about the end off the output of "tar -tvR". Names in
-/// it must be quoted, so that none can look like such a line.
-TarListing parseTarListing(const QByteArray &output);
+/// Whether the package is whole and of a known kind.
+bool isWhole(const PackageInfo &info);
 
-/// Writes what is in the package file at @p path to @p out, and what is wrong with it to
-/// @p errors. Result: an ExitStatus: Done if it is whole and of a known kind.
-int showPackage(const QString &path, QIODevice &out, QIODevice &errors);
+/// The lines that show a package with a header to a person.
+QByteArray infoText(const PackageInfo &info);
+} // namespace MkPackage

@@ -1,21 +1,17 @@
 #include "panelcheck.h"
 
 #include "options.h"
-#include "packageinfo.h"
 #include "packages/packagecheck.h"
 #include "packages/packagerefusal.h"
+#include "packages/packagetypes.h"
 #include "system/debugtext.h"
-#include "system/paths.h"
 #include "system/textcodec.h"
 #include "system/versionfiles.h"
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
-constexpr qsizetype reservedOffset = 8;
-constexpr qsizetype reservedSize = 12;
-constexpr qsizetype targetOffset = 20;
-
 bool isZero(const QByteArray &bytes)
 {
     return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c == 0; });
@@ -24,6 +20,16 @@ bool isZero(const QByteArray &bytes)
 QString shown(const QString &text)
 {
     return QString::fromLatin1(printable(text));
+}
+
+/// Whether the page that lists the file @p name installs in the folder of the settings program. If
+/// no page lists it, the kind decides.
+bool isForBiosFolder(const PackageHeader &header, const QString &name)
+{
+    const bool isTransferFile
+        = isListedAs(PackageKind::Application, name) || isListedAs(PackageKind::Firmware, name);
+    return isListedAs(PackageKind::BiosImage, name)
+        || (header.kind == PackageKind::BiosImage && !isTransferFile);
 }
 
 /// What a header asks for, in words.
@@ -53,6 +59,11 @@ QString refusalText(int result)
         .arg(QLatin1String(refusal->title), QLatin1String(refusal->text));
 }
 
+QString unpackText(PackageType type)
+{
+    return QString("unpacks it in %1").arg(QLatin1String(packageTypeInfo(type).folder));
+}
+
 void checkTransfer(const PackageHeader &header, const PanelFacts &panel, Findings &findings)
 {
     const QString version = QString::number(panel.runtimeVersion.value_or(header.version));
@@ -62,11 +73,9 @@ void checkTransfer(const PackageHeader &header, const PanelFacts &panel, Finding
     if (result != Installed) {
         findings.add(Check::Panel, Level::Error, refusalText(result));
     } else if (header.kind == PackageKind::Application) {
-        findings.add(Check::Panel, Level::Ok,
-                     QString("unpacks it in %1").arg(QLatin1String(Paths::applicationFolder)));
+        findings.add(Check::Panel, Level::Ok, unpackText(PackageType::Application));
     } else if (header.kind == PackageKind::Firmware) {
-        findings.add(Check::Panel, Level::Ok,
-                     QString("unpacks it in %1").arg(QLatin1String(Paths::firmwareFolder)));
+        findings.add(Check::Panel, Level::Ok, unpackText(PackageType::Firmware));
     } else {
         findings.add(Check::Panel, Level::Error,
                      "installs nothing of this kind, says nothing and keeps a copy of the archive");
@@ -79,8 +88,7 @@ void checkBios(const PackageHeader &header, const PanelFacts &panel, Findings &f
     const QString version = QString::number(panel.biosVersion.value_or(lowerVersion));
     switch (checkBiosPackage(header, version)) {
     case BiosInstalled:
-        findings.add(Check::Panel, Level::Ok,
-                     QString("unpacks it in %1").arg(QLatin1String(Paths::biosFolder)));
+        findings.add(Check::Panel, Level::Ok, unpackText(PackageType::BiosImage));
         break;
     case BiosNotNewer:
         findings.add(
@@ -94,33 +102,28 @@ void checkBios(const PackageHeader &header, const PanelFacts &panel, Findings &f
 }
 } // namespace
 
-bool isBiosFile(const QString &name)
-{
-    return name.endsWith(".mo", Qt::CaseInsensitive) || name.endsWith(".pkg", Qt::CaseInsensitive);
-}
-
 void checkHeader(const QByteArray &bytes, const PackageHeader &header, Findings &findings)
 {
-    const QByteArray target = bytes.mid(targetOffset, packageTargetSize);
+    const QByteArray target = fieldBytes(bytes, PackageFields::target);
     const qsizetype end = target.indexOf('\0');
     const bool isUsed = header.kind != PackageKind::BiosImage;
     const bool isKnown = !kindName(header.kind).isEmpty();
     findings.add(Check::Header, isKnown ? Level::Ok : Level::Error, wishOf(header));
-    if (!isZero(bytes.mid(reservedOffset, reservedSize))) {
-        findings.add(Check::Header, Level::Warning, "its reserved bytes are not all zero");
+    if (!isZero(fieldBytes(bytes, PackageFields::reserved))) {
+        findings.add(Check::Header, Level::Warning, "the reserved bytes are not all zero");
     }
     if (end < 0) {
         findings.add(Check::Header, Level::Warning,
-                     "its target is not ended by a NUL byte: " + shown(header.target));
+                     "the target does not end with a NUL byte: " + shown(header.target));
     } else if (!isZero(target.mid(end))) {
-        findings.add(Check::Header, Level::Warning, "more bytes stand behind its target");
+        findings.add(Check::Header, Level::Warning, "there are bytes after the end of the target");
     }
     if (isUsed && isKnown && header.target.isEmpty()) {
         findings.add(Check::Header, Level::Warning,
-                     "its target is empty: only a panel that was never set up takes it");
+                     "the target is empty: only a panel that was never set up accepts it");
     } else if (!isPrintableAscii(header.target)) {
         findings.add(Check::Header, Level::Warning,
-                     "its target is no printable ASCII: " + shown(header.target));
+                     "the target is not printable ASCII: " + shown(header.target));
     }
 }
 
@@ -131,17 +134,16 @@ void checkPanel(const PackageHeader &header, const QString &name, const PanelFac
     for (const QString &warning : isKnown ? warningsFor(header, name) : QStringList()) {
         findings.add(Check::Panel, Level::Warning, warning);
     }
-    const bool isTransferFile = name.endsWith(".kpc") || name.endsWith(".fmw");
-    const bool isBios
-        = isBiosFile(name) || (header.kind == PackageKind::BiosImage && !isTransferFile);
-    isBios ? checkBios(header, panel, findings) : checkTransfer(header, panel, findings);
+    isForBiosFolder(header, name) ? checkBios(header, panel, findings)
+                                  : checkTransfer(header, panel, findings);
 }
 
 void checkShortFile(qint64 size, const QString &name, Findings &findings)
 {
     findings.add(Check::Header, Level::Error,
-                 QString("%1 bytes: a package has %2 and more").arg(size).arg(packageHeaderSize));
+                 QString("%1 bytes: a package has at least %2").arg(size).arg(packageHeaderSize));
     findings.add(Check::Panel, Level::Error,
-                 isBiosFile(name) ? "installs nothing and says nothing"
-                                  : refusalText(OpenFileError));
+                 isListedAs(PackageKind::BiosImage, name) ? "installs nothing and says nothing"
+                                                          : refusalText(OpenFileError));
 }
+} // namespace MkPackage

@@ -5,7 +5,8 @@
 
 #include <optional>
 
-/// A panel as far as it is known. Of what is not, the package's own wish is taken.
+namespace MkPackage {
+/// What is known about a panel. Anything unknown is assumed to be as the package wants it.
 struct PanelFacts
 {
     std::optional<QString> model;
@@ -14,16 +15,14 @@ struct PanelFacts
     std::optional<quint32> biosVersion;
 };
 
-/// Looks for what a header should not have, in its @p bytes, and says what it asks for.
+/// Reports what a header asks for, and what should not be in its @p bytes.
 void checkHeader(const QByteArray &bytes, const PackageHeader &header, Findings &findings);
 
-/// Says what the panel @p panel makes of a package by its header, by the page that finds the file
-/// @p name.
+/// Reports what @p panel does with a package with this header. The name of the file decides which
+/// page installs it.
 void checkPanel(const PackageHeader &header, const QString &name, const PanelFacts &panel,
                 Findings &findings);
 
-/// Says what a panel makes of a file that is shorter than a header.
+/// Reports what a panel does with a file that is shorter than a header.
 void checkShortFile(qint64 size, const QString &name, Findings &findings);
-
-/// Whether the file @p name is picked for the folder of the settings program.
-bool isBiosFile(const QString &name);
+} // namespace MkPackage

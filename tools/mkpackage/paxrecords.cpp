@@ -4,8 +4,9 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
-constexpr char malformed[] = "an extended header that is malformed";
+constexpr char malformed[] = "a malformed extended header";
 
 bool isNumber(QByteArrayView text)
 {
@@ -13,7 +14,7 @@ bool isNumber(QByteArrayView text)
         && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-/// Seconds, also before 1970, also with parts of a second.
+/// Seconds since 1970, possibly negative or with a fraction.
 bool isTime(QByteArrayView text)
 {
     const QByteArrayView number = text.startsWith('-') ? text.sliced(1) : text;
@@ -24,11 +25,11 @@ bool isTime(QByteArrayView text)
 
 const char *findRecordError(QByteArrayView key, QByteArrayView value, bool forAll)
 {
-    if (forAll && key != QByteArrayView("comment")) { // as git writes
-        return "an extended header for all members";
+    if (forAll && key != QByteArrayView("comment")) { // git writes one
+        return "a global extended header";
     }
     if (key.startsWith(QByteArrayView("GNU.sparse."))) {
-        return "a file with holes";
+        return "a sparse file";
     }
     const bool isCount = key == QByteArrayView("size") || key == QByteArrayView("uid")
         || key == QByteArrayView("gid");
@@ -61,3 +62,4 @@ const char *findPaxError(QByteArrayView records, bool forAll)
     }
     return nullptr;
 }
+} // namespace MkPackage

@@ -2,7 +2,9 @@
 
 #include <QByteArrayView>
 
-/// Why the records of an extended tar header, which describe the next member or with @p forAll
-/// all that follow, are not to be trusted; null if nothing is wrong. What readers take for
-/// different things is wrong, such as a name for all members.
+namespace MkPackage {
+/// Why the records of an extended tar header cannot be trusted; null if nothing is wrong. The
+/// header describes the next member or, with @p forAll, all members that follow. Records that
+/// readers understand differently are wrong, such as a name for all members.
 const char *findPaxError(QByteArrayView records, bool forAll);
+} // namespace MkPackage

@@ -1,17 +1,16 @@
 #include "report.h"
 
+#include "common/report.h"
 #include "options.h"
-#include "packageinfo.h"
 #include "system/commandline.h"
 #include "system/debugtext.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+namespace MkPackage {
 namespace {
-constexpr qsizetype levelWidth = 9; // characters, with blanks behind
-constexpr qsizetype checkWidth = 8;
+constexpr ToolReport::Layout layout{8, "text"};
 
 QByteArray counted(int count, const char *what)
 {
@@ -53,16 +52,6 @@ QJsonValue headerObject(const std::optional<PackageHeader> &header)
     };
 }
 
-QJsonArray findingArray(const Findings &findings)
-{
-    QJsonArray array;
-    for (const PackageFinding &finding : findings.list()) {
-        array += QJsonObject{{"level", json(levelName(finding.level))},
-                             {"check", json(checkName(finding.check))},
-                             {"text", finding.text}};
-    }
-    return array;
-}
 } // namespace
 
 bool isGood(const Verification &verification)
@@ -72,12 +61,8 @@ bool isGood(const Verification &verification)
 
 QByteArray textReport(const Verification &verification)
 {
-    QByteArray text;
-    for (const PackageFinding &finding : verification.findings.list()) {
-        text += levelName(finding.level).leftJustified(levelWidth)
-            + checkName(finding.check).leftJustified(checkWidth) + finding.text.toLatin1() + '\n';
-    }
-    return text + verdictText(verification.findings);
+    return ToolReport::findingLines(verification.findings.list(), layout)
+        + verdictText(verification.findings);
 }
 
 QByteArray jsonReport(const Verification &verification, const VerifyTask &task, const QString &path)
@@ -94,7 +79,8 @@ QByteArray jsonReport(const Verification &verification, const VerifyTask &task, 
         {"seconds", verification.seconds},
         {"limitSeconds", std::chrono::duration<double>(unpackLimit).count()},
         {"megabytesPerSecond", task.rate},
-        {"findings", findingArray(verification.findings)},
+        {"findings", ToolReport::findingArray(verification.findings.list(), layout)},
     };
     return QJsonDocument(report).toJson(QJsonDocument::Compact) + '\n';
 }
+} // namespace MkPackage

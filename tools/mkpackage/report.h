@@ -2,12 +2,14 @@
 
 #include "verify.h"
 
-/// Whether a package may go on a stick: warnings do not count.
+namespace MkPackage {
+/// Whether a package may go on a stick. Warnings do not prevent it.
 bool isGood(const Verification &verification);
 
-/// One line for each finding, and one with the verdict, for a person.
+/// One line for each finding and one with the verdict, for a person.
 QByteArray textReport(const Verification &verification);
 
-/// The same of the file @p path for a program: one JSON object and a line end.
+/// The same for a program, about the file @p path: one JSON object and a line feed.
 QByteArray jsonReport(const Verification &verification, const VerifyTask &task,
                       const QString &path);
+} // namespace MkPackage

@@ -7,8 +7,10 @@
 
 #include <algorithm>
 
+namespace MkPackage {
 namespace {
 constexpr qint64 highestOwner = 4294967295;
+constexpr qint64 endOfArchiveSize = 1024; // bytes: two blocks of zeros
 
 TarMember::Type typeOf(archive_entry *entry)
 {
@@ -23,8 +25,9 @@ TarMember::Type typeOf(archive_entry *entry)
     case AE_IFLNK:
         return TarMember::Type::SymLink;
     case AE_IFCHR:
+        return TarMember::Type::CharacterDevice;
     case AE_IFBLK:
-        return TarMember::Type::Device;
+        return TarMember::Type::BlockDevice;
     case AE_IFIFO:
         return TarMember::Type::Pipe;
     default:
@@ -43,6 +46,9 @@ TarMember describe(archive_entry *entry)
     member.user = archive_entry_uid(entry);
     member.group = archive_entry_gid(entry);
     member.size = archive_entry_size(entry);
+    member.time = archive_entry_mtime(entry);
+    member.deviceMajor = archive_entry_rdevmajor(entry);
+    member.deviceMinor = archive_entry_rdevminor(entry);
     return member;
 }
 
@@ -57,7 +63,7 @@ TarReader::TarReader(GzipReader &gzip)
     , m_handle(archive_read_new())
 {
     archive_read_support_format_tar(m_handle);
-    archive_read_open(m_handle, this, nullptr, readPiece, nullptr); // next() tells if it fails
+    archive_read_open(m_handle, this, nullptr, readPiece, nullptr); // next() reports a failure
 }
 
 TarReader::~TarReader()
@@ -72,12 +78,13 @@ ssize_t TarReader::readPiece(archive *, void *reader, const void **buffer)
     self->m_piece = self->m_gzip.read();
     self->m_walk.feed(self->m_piece, self->m_pieceStart);
     *buffer = self->m_piece.data();
-    return self->m_walk.error() == nullptr ? self->m_piece.size() : 0; // it shall look no further
+    return self->m_walk.error() == nullptr ? self->m_piece.size()
+                                           : 0; // 0 ends the archive for libarchive
 }
 
 TarReader::Step TarReader::next(TarMember &member)
 {
-    // By itself, so that it is known where a member ends.
+    // A step of its own, to learn where the member ends.
     int result = m_hasMember ? archive_read_data_skip(m_handle) : ARCHIVE_OK;
     m_hasMember = true;
     m_membersEnd = archive_filter_bytes(m_handle, 0);
@@ -94,13 +101,26 @@ TarReader::Step TarReader::next(TarMember &member)
     if (result == ARCHIVE_EOF) {
         return Step::End;
     }
-    if (result != ARCHIVE_OK) { // a mere warning too: tar may see something else then
+    if (result != ARCHIVE_OK) { // or a warning: tar may then see something else
         m_error = QString::fromLatin1(archive_error_string(m_handle));
         return Step::Damaged;
     }
     member = describe(entry);
     m_error = headerError(entry, member);
     return m_error.isEmpty() ? Step::Member : Step::Damaged;
+}
+
+QString TarReader::findError() const
+{
+    if (!m_error.isEmpty()) {
+        return "damaged: " + m_error;
+    }
+    if (m_gzip.contentEnd() > m_membersEnd) {
+        return "something follows its end";
+    }
+    return m_gzip.unpackedSize() - m_membersEnd < endOfArchiveSize
+        ? QString("the two blocks of zeros at its end are missing")
+        : QString();
 }
 
 QByteArray TarReader::content(qsizetype size)
@@ -110,19 +130,20 @@ QByteArray TarReader::content(qsizetype size)
     return bytes.left(std::max<qsizetype>(read, 0));
 }
 
-/// What tar and the library that reads here could take for different things.
+/// What tar and libarchive could understand differently.
 QString TarReader::headerError(archive_entry *entry, const TarMember &member) const
 {
     if (archive_entry_sparse_count(entry) > 0) {
-        return "a file with holes";
+        return "a sparse file";
     }
     if (!m_walk.isDone() || m_walk.end() != archive_filter_bytes(m_handle, 0)) {
-        return "a header that is not where it should be";
+        return "a header in an unexpected place";
     }
     if (!isOwner(member.user) || !isOwner(member.group)) {
-        return "an owner that cannot be";
+        return "an impossible owner";
     }
     const bool mayHaveContents = member.type == TarMember::Type::File;
     return mayHaveContents || !m_walk.hasContents() ? QString()
-                                                    : "contents of a member that can have none";
+                                                    : "contents in a member that cannot have any";
 }
+} // namespace MkPackage

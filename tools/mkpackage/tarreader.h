@@ -6,25 +6,44 @@
 #include <QByteArrayView>
 #include <QString>
 
-class GzipReader;
 struct archive;
 struct archive_entry;
 
-/// A member of a tar archive, as its header has it.
+namespace MkPackage {
+class GzipReader;
+
+/// A member of a tar archive, as its header describes it.
 struct TarMember
 {
-    enum class Type { File, Folder, SymLink, HardLink, Device, Pipe, Other };
+    enum class Type {
+        File,
+        Folder,
+        SymLink,
+        HardLink,
+        CharacterDevice,
+        BlockDevice,
+        Pipe,
+        Other,
+    };
 
     QByteArray name;
     QByteArray target; ///< of a link
     Type type = Type::File;
-    quint32 mode = 0644; ///< with the special bits
+    quint32 mode = 0644; ///< permissions with the special bits
     qint64 user = 0;
     qint64 group = 0;
-    qint64 size = 0; ///< of a file, holes included
+    qint64 size = 0;         ///< of a file, holes included
+    qint64 time = 0;         ///< of the last change, in seconds since 1970
+    quint64 deviceMajor = 0; ///< of a device
+    quint64 deviceMinor = 0;
 };
 
-/// Reads a tar archive member by member, and nothing but their headers unless asked.
+constexpr bool isDevice(TarMember::Type type)
+{
+    return type == TarMember::Type::CharacterDevice || type == TarMember::Type::BlockDevice;
+}
+
+/// Reads a tar archive member by member. Contents are skipped unless content() asks for them.
 class TarReader
 {
 public:
@@ -37,14 +56,12 @@ public:
     /// Goes on to the next member and describes it in @p member.
     Step next(TarMember &member);
 
-    /// The first @p size bytes of the member, of which nothing has been read.
+    /// The first @p size bytes of the current member. May be called once for each member.
     QByteArray content(qsizetype size);
 
-    /// After Damaged: in what way.
-    QString error() const { return m_error; }
-
-    /// After End: where the last member ended in the unpacked data.
-    qint64 membersEnd() const { return m_membersEnd; }
+    /// What is wrong with the archive; empty if nothing is. Only valid once next() has returned End
+    /// or Damaged and the gzip data has been read to its end.
+    QString findError() const;
 
 private:
     static ssize_t readPiece(archive *handle, void *reader, const void **buffer);
@@ -56,6 +73,7 @@ private:
     QByteArrayView m_piece;
     qint64 m_pieceStart = 0; ///< in the unpacked data
     HeaderWalk m_walk;
-    qint64 m_membersEnd = 0;
-    QString m_error;
+    qint64 m_membersEnd = 0; ///< where the last member ended in the unpacked data
+    QString m_error;         ///< what is wrong with a member
 };
+} // namespace MkPackage

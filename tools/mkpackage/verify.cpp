@@ -3,6 +3,7 @@
 #include "gzipreader.h"
 #include "membercheck.h"
 #include "packages/packagecheck.h"
+#include "packages/packagetypes.h"
 #include "system/commandline.h"
 #include "system/textcodec.h"
 #include "tarreader.h"
@@ -12,24 +13,24 @@
 #include <algorithm>
 #include <cmath>
 
+namespace MkPackage {
 namespace {
 constexpr qint64 megabyte = 1'000'000;
-constexpr qint64 endOfArchiveSize = 1024; // bytes: two blocks of zeros
-constexpr qint64 memberCost = 2000;       // bytes that are written while a file is made
-constexpr double slowShare = 0.5;         // of the time limit, from which on a warning is due
+constexpr qint64 memberCost = 2000; // bytes; creating a file takes as long as writing them
+constexpr double slowShare = 0.5;   // of the time limit; a warning is due above it
 
-// No panel unpacks as much in the time that it has; more is not even looked at.
+// No panel can unpack more than this within the time limit, so reading stops here.
 constexpr qint64 largestSize = 4096 * megabyte;
 constexpr qint64 highestCount = 1'000'000;
 
-// Real projects shrink to a tenth, many empty files to a hundredth; gzip can do a thousandth.
+// Real projects shrink to a tenth and many empty files to a hundredth; gzip can reach a thousandth.
 constexpr qint64 highestRatio = 200;
-constexpr qint64 smallSize = 20 * megabyte; // is harmless whatever its ratio
+constexpr qint64 smallSize = 20 * megabyte; // bytes; harmless at any ratio
 
 constexpr char versionFile[] = "bios.version";
-constexpr qsizetype versionFileSize = 32; // bytes, more than a number has
+constexpr qsizetype versionFileSize = 32; // bytes; no number is longer
 
-/// The walk through one package.
+/// Verifies one package.
 class Verifier
 {
 public:
@@ -49,7 +50,7 @@ private:
     void addSize(const TarMember &member);
     void checkVersionFile(TarReader &tar, const PackageHeader &header);
     void judgeGzip(const GzipReader &gzip);
-    void judgeTar(const TarReader &tar, const GzipReader &gzip);
+    void judgeTar(const TarReader &tar);
     void judgeSize();
     void judgeTime();
     void say(Check check, Level level, const QString &text)
@@ -61,8 +62,7 @@ private:
     const VerifyTask &m_task;
     Verification m_result;
     MemberCheck m_members{m_result.findings};
-    TarReader::Step m_step = TarReader::Step::Member; ///< what reading the members came to
-    qint64 m_contentSize = 0;                         ///< of all files, holes included
+    qint64 m_contentSize = 0; ///< of all files, holes included
     bool m_isTooMuch = false;
     bool m_hasVersionFile = false;
 };
@@ -76,8 +76,7 @@ Verification Verifier::run()
         checkPanel(*m_result.header, m_task.name, m_task.panel, m_result.findings);
         readArchive(*m_result.header);
     } else {
-        char more = 0;
-        m_result.readable = m_file.read(&more, 1) == 0;
+        m_result.readable = isAtEnd(m_file);
         checkShortFile(bytes.size(), m_task.name, m_result.findings);
     }
     return m_result;
@@ -88,8 +87,8 @@ void Verifier::readArchive(const PackageHeader &header)
     GzipReader gzip(m_file, largestSize);
     TarReader tar(gzip);
     readMembers(tar, header);
-    while (!m_isTooMuch && !gzip.read().isEmpty()) {
-        // what tar does not look at must be whole as well
+    if (!m_isTooMuch) {
+        gzip.skipRest(); // what tar ignores must be whole as well
     }
     m_isTooMuch = m_isTooMuch || gzip.state() == GzipState::TooLarge;
     m_result.readable = gzip.state() != GzipState::Unreadable;
@@ -98,7 +97,7 @@ void Verifier::readArchive(const PackageHeader &header)
     m_result.count = m_members.count();
     judgeGzip(gzip);
     if (gzip.state() == GzipState::Whole && !m_isTooMuch) {
-        judgeTar(tar, gzip);
+        judgeTar(tar);
     }
     judgeSize();
     judgeTime();
@@ -107,7 +106,7 @@ void Verifier::readArchive(const PackageHeader &header)
 void Verifier::readMembers(TarReader &tar, const PackageHeader &header)
 {
     TarMember member;
-    while (!m_isTooMuch && (m_step = tar.next(member)) == TarReader::Step::Member) {
+    while (!m_isTooMuch && tar.next(member) == TarReader::Step::Member) {
         m_members.add(member);
         addSize(member);
         if (header.kind == PackageKind::BiosImage && member.type == TarMember::Type::File
@@ -116,7 +115,7 @@ void Verifier::readMembers(TarReader &tar, const PackageHeader &header)
         }
     }
     if (header.kind == PackageKind::BiosImage && !m_hasVersionFile
-        && !m_task.name.endsWith(QLatin1String(".pkg"), Qt::CaseInsensitive)) {
+        && !isListedAs(PackageType::AddOn, m_task.name)) {
         say(Check::Panel, Level::Warning,
             "it has no file bios.version: the panel will not know that it is installed");
     }
@@ -151,21 +150,18 @@ void Verifier::judgeGzip(const GzipReader &gzip)
     }
 }
 
-void Verifier::judgeTar(const TarReader &tar, const GzipReader &gzip)
+void Verifier::judgeTar(const TarReader &tar)
 {
-    if (m_step == TarReader::Step::Damaged) {
-        say(Check::Tar, Level::Error, "damaged: " + tar.error());
-    } else if (gzip.contentEnd() > tar.membersEnd()) {
-        say(Check::Tar, Level::Error, "something stands behind its end");
-    } else if (gzip.unpackedSize() - tar.membersEnd() < endOfArchiveSize) {
-        say(Check::Tar, Level::Error, "its end is missing: two blocks of zeros");
+    const QString error = tar.findError();
+    if (!error.isEmpty()) {
+        say(Check::Tar, Level::Error, error);
     } else if (m_members.count() == 0) {
-        say(Check::Tar, Level::Error, "nothing is in it that a panel could unpack");
+        say(Check::Tar, Level::Error, "it holds nothing that a panel could unpack");
     } else {
         say(Check::Tar, Level::Ok, QString("whole, files and folders: %1").arg(m_result.count));
-        say(Check::Names, Level::Ok, "all lie in the panel's folder");
+        say(Check::Names, Level::Ok, "all inside the panel's folder");
         say(Check::Links, Level::Ok, "none");
-        say(Check::Rights, Level::Ok, "no special bits, no devices, and all of root");
+        say(Check::Rights, Level::Ok, "no special bits, no devices, everything owned by root");
     }
 }
 
@@ -174,12 +170,12 @@ void Verifier::judgeSize()
     const qint64 ratio = m_result.unpackedSize / std::max<qint64>(m_result.packedSize, 1);
     if (m_isTooMuch) {
         say(Check::Size, Level::Error,
-            QString("more than %1 MB or %2 files: not looked at to its end")
+            QString("more than %1 MB or %2 files: not read to the end")
                 .arg(largestSize / megabyte)
                 .arg(highestCount));
     } else if (m_result.unpackedSize > smallSize && ratio > highestRatio) {
         say(Check::Size, Level::Error,
-            QString("%1 bytes unpacked, %2 times as large as packed: made to fill a disk")
+            QString("%1 bytes unpacked, %2 times the packed size: made to fill a disk")
                 .arg(m_result.unpackedSize)
                 .arg(ratio));
     } else {
@@ -192,10 +188,10 @@ void Verifier::judgeTime()
     const qint64 bytes = m_result.unpackedSize + m_result.count * memberCost;
     const double limit = std::chrono::duration<double>(unpackLimit).count();
     m_result.seconds = std::ceil(10 * double(bytes) / double(m_task.rate * megabyte)) / 10;
-    const QString text = QString("up to %1 s of the %2 s that a panel gives it, at %3 MB/s")
+    const QString text = QString("up to %1 s at %2 MB/s; a panel allows %3 s")
                              .arg(m_result.seconds, 0, 'f', 1)
-                             .arg(limit)
-                             .arg(m_task.rate);
+                             .arg(m_task.rate)
+                             .arg(limit);
     const bool isSlow = m_result.seconds > limit * slowShare;
     const bool isTooSlow = m_result.seconds > limit;
     say(Check::Time, isTooSlow ? Level::Error : isSlow ? Level::Warning : Level::Ok, text);
@@ -206,3 +202,4 @@ Verification verifyPackage(QIODevice &file, const VerifyTask &task)
 {
     return Verifier(file, task).run();
 }
+} // namespace MkPackage

@@ -8,16 +8,17 @@
 
 class QIODevice;
 
-/// How fast a panel unpacks if nobody says better, in megabytes a second: a twentieth of what a
-/// desktop computer does.
+namespace MkPackage {
+/// How fast a panel is assumed to unpack, in megabytes per second: a twentieth of the rate of a
+/// desktop computer.
 inline constexpr int defaultRate = 10;
 
-/// What is asked of a package before it goes on a stick.
+/// How to verify a package.
 struct VerifyTask
 {
-    QString name; ///< of the file: its extension tells which page finds it
+    QString name; ///< of the file; its extension decides which page lists it
     PanelFacts panel;
-    int rate = defaultRate; ///< at which the panel unpacks, in megabytes a second
+    int rate = defaultRate; ///< at which the panel unpacks, in megabytes per second
 };
 
 /// What has been found out about a package.
@@ -27,11 +28,12 @@ struct Verification
     std::optional<PackageHeader> header;
     qint64 packedSize = 0; ///< bytes of the archive in the file
     qint64 unpackedSize = 0;
-    qint64 count = 0;   ///< of members, and of folders that tar has to make for them
-    double seconds = 0; ///< that a panel takes to unpack it
+    qint64 count = 0;   ///< of members, and of folders that tar creates for them
+    double seconds = 0; ///< that a panel needs at most to unpack it
     Findings findings;
 };
 
-/// Reads the package @p file from its start to its end, in pieces, unpacks nothing to the disk
-/// and runs no tool. It stops where a package becomes larger than any panel could take.
+/// Verifies the package @p file, which is read once, in pieces. Nothing is unpacked to the disk and
+/// no tool runs. Reading stops when the package becomes larger than any panel could take.
 Verification verifyPackage(QIODevice &file, const VerifyTask &task);
+} // namespace MkPackage
