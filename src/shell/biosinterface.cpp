@@ -39,8 +39,7 @@ int fontPixelSizeFor(const QStringList &model)
     return fontPixelSize;
 }
 
-/// Takes what room the window has. Asking all pages how much they need would lay out each of them,
-/// with its fonts, before the first one is seen.
+/// Takes the room that the window has: a page must not make the window larger than the screen.
 class PageStack : public QStackedWidget
 {
 public:
@@ -139,8 +138,6 @@ void BiosInterface::init()
 {
     setUpWindow();
     QApplication::setStyle(new TouchStyle);
-    // Now, while the window has no children that would each take the style's colours anew.
-    QCoreApplication::sendPostedEvents(this, QEvent::ApplicationPaletteChange);
     m_inputContext = std::make_unique<MyInputPanelContext>();
     connect(m_inputContext.get(), &MyInputPanelContext::aboutToShow, this,
             &BiosInterface::makeRoomForKeypad);
@@ -148,12 +145,7 @@ void BiosInterface::init()
     installInputContext(m_inputContext.get());
     setUpFont();
     createPageStack();
-    // A line edit asks for the application's font before it has its own. The usual one, which no
-    // page shows, would have to be looked for among all fonts.
-    const QFont usualFont = QApplication::font();
-    QApplication::setFont(font());
     buildPages();
-    QApplication::setFont(usualFont);
 }
 
 void BiosInterface::setUpWindow()
