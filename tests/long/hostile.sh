@@ -10,7 +10,7 @@ usage() {
 Usage: tests/long/hostile.sh [SEED...]
 
 Builds the program as released and tries the packages and sticks that
-tests/hostile/make-sticks makes of each seed, 1 and 2 if none is given: all of them,
+tests/robustness/hostile/make-sticks makes of each seed, 1 and 2 if none is given: all of them,
 the 1,000 with a flipped bit too, with the program's own code and by taps on the
 running program. One more package keeps tar busy until it is cut off. The tool that
 verifies packages looks at all of them, too. Prints a table a seed. Takes some five minutes a seed. Needs root or sudo.
@@ -31,7 +31,7 @@ status=0
 # run DISPLAY TEST: prints the rows of its table, what failed, and the sum
 run() {
     HOSTILE_ALL=1 HOSTILE_SEED=$seed simulator/panel --build build --display "$1" -- \
-        "build/tests/$2" -maxwarnings 0 >"$log" 2>&1 || status=1
+        "build/bin/$2" -maxwarnings 0 >"$log" 2>&1 || status=1
     grep -aE '^\|' "$log" || true
     grep -aA 3 -E '^(FAIL!|XPASS|QFATAL)' "$log" || true
     grep -a '^Totals' "$log" || { echo "$2 did not end" && status=1; }
