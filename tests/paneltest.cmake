@@ -4,7 +4,18 @@
 function(panel_add_test name display)
     add_executable(${name} ${name}.cpp)
     target_link_libraries(${name} PRIVATE ${ARGN} panel_testsupport panel_options)
+    panel_reuse_headers(${name} ${ARGN})
     panel_register_test(${name} ${display})
+endfunction()
+
+# panel_reuse_headers(NAME LIBRARY...): lets a program of tests that links these use the precompiled
+# headers of tests. They hold for one set of Qt's modules: what links others goes without.
+function(panel_reuse_headers name)
+    if("${ARGN}" MATCHES "^panel_(core|doctorsupport|hostile)$|^mkpackage$|^doctor$")
+        target_precompile_headers(${name} REUSE_FROM panel_testsupport)
+    elseif("${ARGN}" MATCHES "panel_(ui|widgetsupport|vanishingstick)$")
+        target_precompile_headers(${name} REUSE_FROM panel_widgetsupport)
+    endif()
 endfunction()
 
 # panel_register_test(NAME DISPLAY ARGUMENT...): runs the program NAME so.
