@@ -283,7 +283,8 @@ void TestEthernetPage::hangingIfconfigIsCutOff()
     QElapsedTimer timer;
     timer.start();
     page.open();
-    QVERIFY2(qAbs(timer.elapsed() - 10000) < 1500, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() >= 10000 && timer.elapsed() < 20000,
+             qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(page.shown().section(" / ", 1, 1), QString("DHCP [NULL] [255.255.255.0] disabled"));
     QCOMPARE(m_tools->calls().filter("ifconfig"), QStringList{"ifconfig [eth1]"});
 }
@@ -452,7 +453,8 @@ void TestEthernetPage::hangingDhcpClientIsCutOff()
     QElapsedTimer timer;
     timer.start();
     page.ok();
-    QVERIFY2(qAbs(timer.elapsed() - 10000) < 1500, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() >= 10000 && timer.elapsed() < 20000,
+             qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(readPanelFile("bios.ini"), QByteArray("ethernet.eth0=dhcp\n"));
 }
 
