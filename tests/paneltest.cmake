@@ -16,6 +16,9 @@ function(panel_reuse_headers name)
     elseif("${ARGN}" MATCHES "panel_(ui|widgetsupport|vanishingstick)$")
         target_precompile_headers(${name} REUSE_FROM panel_widgetsupport)
     endif()
+    # what moc has for a program of one file is empty, and loading the headers would take half a second
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/mocs_compilation.cpp
+        PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
 # panel_register_test(NAME DISPLAY ARGUMENT...): runs the program NAME so.
