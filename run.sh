@@ -90,7 +90,7 @@ build() {
 
 need_panel
 # shellcheck disable=SC2154 # the lists and the folder come from common.sh
-[[ -x $project_root/build/talmero-bios ]] || need_space 100
+[[ -x $project_root/build/bin/talmero-bios ]] || need_space 100
 install_packages "${build_packages[@]}" "${panel_packages[@]}" || exit
 build || exit
 
@@ -102,4 +102,4 @@ elif display_is_usable; then
 else
     panel+=(--display web)
 fi
-exec "${panel[@]}" -- "$project_root/build/talmero-bios"
+exec "${panel[@]}" -- "$project_root/build/bin/talmero-bios"

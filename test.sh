@@ -49,7 +49,7 @@ places=$((2 * $(nproc) + 2))
 build_preset release
 if [ "$quick" = no ]; then
     scripts/check-code.sh build
-    tests/fuzz/run.sh --seconds 20 --jobs "$((2 * $(nproc)))"
+    tests/robustness/fuzz/run.sh --seconds 20 --jobs "$((2 * $(nproc)))"
     build_preset sanitize
     run_tests sanitize
 fi

@@ -113,7 +113,7 @@ measure() { # SIZE PROGRAM ARGS...
     # shellcheck disable=SC2154 # the folder comes from common.sh
     "$project_root/simulator/panel" --build "$project_root/build-bench" --display xvfb \
         --size "$size" -- bash -c "$quietly_on_a_bus" bash \
-        "$project_root/build-bench/bench/$program" "$@"
+        "$project_root/build-bench/bin/$program" "$@"
     case $? in
     0) ;;
     1) status=1 ;;
@@ -175,7 +175,7 @@ measure_parts() {
     if is_wanted poll; then
         measure 800x600 pollmemory
         "$project_root/simulator/panel" --display xorg -- "$project_root/bench/rescuepoll.sh" \
-            "$project_root/build-bench/talmero-bios" || status=1
+            "$project_root/build-bench/bin/talmero-bios" || status=1
     fi
     ! is_wanted slow || measure_slowly
     return "$status"

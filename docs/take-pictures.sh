@@ -45,7 +45,7 @@ take() {
     local status=0
     mkdir -p "$taken/$1"
     simulator/panel --build "$build" --display xvfb --size "$1" --share "$taken" -- \
-        "$build/tests/takepictures" "$stored/$1" "$taken/$1" || status=$?
+        "$build/bin/takepictures" "$stored/$1" "$taken/$1" || status=$?
     [ "$status" -le 1 ] || echo "the pictures of $1 could not be taken"
     return "$status"
 }
@@ -89,7 +89,7 @@ TEXT
     done <"$captions"
 }
 
-[ -x "$build/tests/takepictures" ] || die "no $build/tests/takepictures: build it first, see --help"
+[ -x "$build/bin/takepictures" ] || die "no $build/bin/takepictures: build it first, see --help"
 status=0
 take_all || status=1
 cat "$build/pictures.log"

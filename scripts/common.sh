@@ -6,7 +6,7 @@ export project_root
 
 # Debian packages by purpose.
 # shellcheck disable=SC2034
-build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
+build_packages=(g++ ninja-build cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
     libarchive-dev zlib1g-dev libfuse3-dev)
 # shellcheck disable=SC2034
 package_packages=(dpkg-dev debhelper git)
@@ -143,19 +143,21 @@ install_packages() {
 # build_preset PRESET [TARGET...]: configures and builds a preset of CMakePresets.json; all targets
 # by default. Silent if everything is up to date.
 build_preset() {
-    local preset=$1
+    local preset=$1 folder=build-$1 fresh=()
     shift
+    [ "$preset" != release ] || folder=build
     cd "$project_root" || die "cannot enter $project_root"
     { [ -w . ] && { [ ! -e build ] || [ -w build ]; }; } ||
         die "cannot write in $project_root: it belongs to another user"
     case $project_root in
-    *[\#\$\;:\'\"\&\(\)\\\`\<\>\|]*)
-        die "make cannot build below $project_root: rename the folder, letters and blanks will do"
+    *[\#\;\"\\\<\>\|\?\[\]]*)
+        die "CMake cannot build below $project_root: rename the folder, it has one of # ; \" \\ < > | ? [ ]"
         ;;
     esac
-    cmake --preset "$preset" >/dev/null || die "cmake could not configure the preset $preset"
-    # CMake prints these lines even if there is nothing to build.
+    # CMake refuses a folder that was configured for make.
+    ! grep -qs '^CMAKE_GENERATOR:.*Makefiles' "$folder/CMakeCache.txt" || fresh=(--fresh)
+    cmake "${fresh[@]}" --preset "$preset" >/dev/null || die "cmake could not configure the preset $preset"
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1+--target "$@"} |
-        sed --unbuffered '/Automatic .* for target/d'
+        sed --unbuffered '/^ninja: no work to do/d'
     [ "${PIPESTATUS[0]}" -eq 0 ] || die "the build of the preset $preset failed"
 }

@@ -19,7 +19,7 @@ std::filesystem::path ownFolder()
 
 std::filesystem::path instantToolsFolder()
 {
-    return ownFolder() / "tools";
+    return ownFolder() / "instant-tools";
 }
 
 void useInstantTools()

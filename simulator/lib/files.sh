@@ -7,8 +7,8 @@ install_files() {
         # a stick is a separate file system, so moving a file off it copies the file
         mount -t tmpfs panel /media/usb0 &&
         cp -r "$simulator/files/." / || fail "cannot install the panel's files"
-    if [[ -x $build/simulator/standin-runtime ]]; then
-        cp "$build/simulator/standin-runtime" /opt/talmero/hmi/runtime
+    if [[ -x $build/bin/standin-runtime ]]; then
+        cp "$build/bin/standin-runtime" /opt/talmero/hmi/runtime
     fi
     if [[ -d $build/simulator/stick ]]; then
         cp -r "$build/simulator/stick/." /media/usb0

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/commandline.h"
 #include "system/interfacesfile.h"
 #include "system/presstimer.h"
 #include "system/settingsfile.h"
@@ -68,8 +69,9 @@ public:
     };
 
     /// Reads the settings, applies the display settings and builds all pages. Blocks while the
-    /// tools run that this takes. A tool or file that is missing is passed over.
-    explicit BiosInterface(QWidget *parent = nullptr);
+    /// tools run that this takes. A tool or file that is missing is passed over, a tool that hangs
+    /// is ended after its time in @p limits.
+    explicit BiosInterface(QWidget *parent = nullptr, const ToolLimits &limits = {});
     ~BiosInterface() override;
 
     /// Debug level from the settings, 0 if not set. Above 0 adds the "Home Key" button.
@@ -324,6 +326,7 @@ private:
     int m_debugLevel = 0;
     QTimer m_clockTick;      ///< runs while the miscellaneous page shows the time
     QString m_displayOutput; ///< name for xrandr, empty if none is connected
+    const ToolLimits m_limits;
     QTimer *m_rescuePoll = nullptr;
     QString m_touchDevice{"null"}; ///< "null": not found yet
     PressTimer m_pressTimer;

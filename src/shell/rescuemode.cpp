@@ -22,7 +22,7 @@ void BiosInterface::slotRescueTimesup()
         qDebug().noquote() << Q_FUNC_INFO << "Device Name Error";
         return;
     }
-    const QString state = readOutput(deviceStateCommand(m_touchDevice), queryLimit);
+    const QString state = readOutput(deviceStateCommand(m_touchDevice), m_limits.query);
     if (m_pressTimer.poll(firstButtonState(state), QDateTime::currentMSecsSinceEpoch())) {
         m_rescuePoll->stop(); // for good: rescue comes once in a run of the program
         rescueMode();
@@ -36,7 +36,7 @@ bool BiosInterface::findTouchDevice()
     if (!m_touchDevice.contains(unknownDevice)) {
         return true;
     }
-    const ProcessResult list = runLimited(deviceListCommand(), queryLimit);
+    const ProcessResult list = runLimited(deviceListCommand(), m_limits.query);
     const QString name = touchDeviceName(QString::fromLocal8Bit(list.output));
     if (!name.isEmpty()) {
         m_touchDevice = name;
@@ -50,6 +50,6 @@ void BiosInterface::rescueMode()
     const QStringList fullBrightness = brightnessCommand(m_displayOutput, "1");
     m_settings.insert(SettingsKeys::brightness, QString(QChar(rescueBrightness)));
     writeINI();
-    runAndWait(fullBrightness, settingLimit);
+    runAndWait(fullBrightness, m_limits.setting);
     runAndWait(calibrationCommand());
 }

@@ -14,6 +14,14 @@ inline constexpr std::chrono::milliseconds queryLimit{30000};
 /// hangs must still start.
 inline constexpr std::chrono::milliseconds settingLimit{30000};
 
+/// The limits of the tools that the settings window runs without being asked to. A test of tools
+/// that hang makes them shorter.
+struct ToolLimits
+{
+    std::chrono::milliseconds query = queryLimit;
+    std::chrono::milliseconds setting = settingLimit;
+};
+
 /// How long the Ethernet page waits for the address of a port.
 inline constexpr std::chrono::milliseconds addressQueryLimit{10000};
 

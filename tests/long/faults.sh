@@ -15,7 +15,7 @@ esac
 install_packages "${build_packages[@]}" "${panel_packages[@]}"
 build_preset release tst_toolfaults tst_vanishingstick
 # Standard error has Qt's warnings about the processes that it ends.
-simulator/panel --build build --display xvfb -- build/tests/tst_toolfaults hangs waitsWithoutLimit \
+simulator/panel --build build --display xvfb -- build/bin/tst_toolfaults hangs waitsWithoutLimit \
     2>/dev/null
 STICK_STEP=4096 STICK_HANG=45000 simulator/panel --build build --display xvfb -- \
-    build/tests/tst_vanishingstick packageIsCutAnywhere hangingReadIsWaitedFor 2>/dev/null
+    build/bin/tst_vanishingstick packageIsCutAnywhere hangingReadIsWaitedFor 2>/dev/null

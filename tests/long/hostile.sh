@@ -32,7 +32,7 @@ status=0
 # run DISPLAY TEST: prints the rows of the table, the failures and the totals
 run() {
     HOSTILE_ALL=1 HOSTILE_SEED=$seed simulator/panel --build build --display "$1" -- \
-        "build/tests/$2" -maxwarnings 0 >"$log" 2>&1 || status=1
+        "build/bin/$2" -maxwarnings 0 >"$log" 2>&1 || status=1
     grep -aE '^\|' "$log" || true
     grep -aA 3 -E '^(FAIL!|XPASS|QFATAL)' "$log" || true
     grep -a '^Totals' "$log" || { echo "$2 did not end" && status=1; }

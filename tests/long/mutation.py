@@ -40,6 +40,14 @@ def test_seconds():
     return seconds
 
 
+def link_command(library):
+    """The words of the command that links LIBRARY, run in BUILD."""
+    commands = subprocess.run(["ninja", "-C", BUILD, "-t", "commands", "-s", f"src/lib{library}.so"],
+                              check=True, capture_output=True, text=True).stdout
+    words = shlex.split(commands.splitlines()[-1])
+    return words[words.index("&&") + 1:][:-2]  # CMake puts ": &&" before it and "&& :" behind
+
+
 class Worker:
     """A folder with a library of its own, which takes the place of that of the build."""
 
@@ -59,19 +67,18 @@ class Worker:
         changed.write_text(text)
         # what the compiler merely warns of is for the tests to find
         compile_words = [word for word in shlex.split(command) if word != "-Werror"] + ["-w"]
-        original = BUILD / "src" / compile_words[compile_words.index("-o") + 1]
+        original = BUILD / compile_words[compile_words.index("-o") + 1]
         made = self.folder / "changed.o"
         compile_words[compile_words.index("-o") + 1] = str(made)
         compile_words[compile_words.index("-c") + 1] = str(changed)
-        if subprocess.run(compile_words, cwd=BUILD / "src", stderr=subprocess.DEVNULL).returncode:
+        if subprocess.run(compile_words, cwd=BUILD, stderr=subprocess.DEVNULL).returncode:
             return None
         if made.read_bytes() == original.read_bytes():
             return False
-        link_words = [str(made) if BUILD / "src" / word == original else word
-                      for word in shlex.split(link)]
+        link_words = [str(made) if BUILD / word == original else word for word in link]
         library = link_words.index("-o") + 1
         link_words[library] = str(self.folder / pathlib.Path(link_words[library]).name)
-        if subprocess.run(link_words, cwd=BUILD / "src", stderr=subprocess.DEVNULL).returncode:
+        if subprocess.run(link_words, cwd=BUILD, stderr=subprocess.DEVNULL).returncode:
             return None
         return True
 
@@ -97,9 +104,8 @@ class Run:
         commands = json.loads((BUILD / "compile_commands.json").read_text())
         # fuzz targets compile some of the files once more
         self.commands = {entry["file"]: entry["command"] for entry in commands
-                         if entry["directory"] == str(BUILD / "src")}
-        self.links = {name: (BUILD / f"src/CMakeFiles/{name}.dir/link.txt").read_text().strip()
-                      for name in ("panel_core", "panel_ui")}
+                         if " -o src/" in entry["command"]}
+        self.links = {name: link_command(name) for name in ("panel_core", "panel_ui")}
         self.workers = queue.SimpleQueue()
         for number in range(options.jobs):
             self.workers.put(Worker(number))

@@ -34,5 +34,5 @@ done
 
 install_packages "${build_packages[@]}" "${panel_packages[@]}" "${coverage_packages[@]}"
 [ -d build-coverage/coverage-sum ] || tests/long/coverage.sh
-build_preset mutation
+build_preset mutation all panel-ifupdown
 exec python3 -B tests/long/mutation.py "$@"

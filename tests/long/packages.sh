@@ -103,8 +103,8 @@ boot() {
     # shellcheck disable=SC2016
     in_cgroups 'mkdir "$group" && echo $$ >"$group/cgroup.procs" && umount /mnt &&
         exec simulator/panel --no-files --share "$work/pictures" -- \
-            tests/packages/boot-installed.sh "$root" \
-            tests/packages/session.sh build/tests/sessiontouches "$work/pictures"'
+            tests/long/packages/boot-installed.sh "$root" \
+            tests/long/packages/session.sh build/bin/sessiontouches "$work/pictures"'
 }
 
 if [ "$keep_root" = no ]; then

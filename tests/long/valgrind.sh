@@ -24,7 +24,7 @@ simulator/panel --build build-debug --share "$report" --display xvfb -- env QT_E
     valgrind --tool=memcheck --suppressions=tests/valgrind.supp --log-file="$report/log" \
     --child-silent-after-fork=yes --num-callers=40 --leak-check=full --show-leak-kinds=definite \
     --errors-for-leak-kinds=definite --error-exitcode=99 \
-    build-debug/tests/tst_pagecrawl -nocrashhandler -o "$report/tests,txt" >/dev/null 2>&1 || status=$?
+    build-debug/bin/tst_pagecrawl -nocrashhandler -o "$report/tests,txt" >/dev/null 2>&1 || status=$?
 grep -a '^Totals' "$report/tests"
 grep -aE 'definitely lost:|ERROR SUMMARY' "$report/log"
 [ "$status" -eq 0 ] || die "errors or failed tests; see $report/log"

@@ -131,14 +131,14 @@ void TestDoctor::cleanupTestCase()
 
 void TestDoctor::healthyPanel()
 {
-    const DoctorRun text = runDoctor();
+    const ToolRun text = runDoctor();
     QCOMPARE(complaintsIn(text.output), QByteArrayList());
     QCOMPARE(text.errors, QByteArray());
     QCOMPARE(text.status, 0);
     QVERIFY2(text.time < healthyLimit, QByteArray::number(text.time));
     QVERIFY(text.output.count('\n') > 50);
 
-    const DoctorRun json = runDoctor({"--json"});
+    const ToolRun json = runDoctor({"--json"});
     QCOMPARE(json.status, 0);
     QCOMPARE(QJsonDocument::fromJson(json.output).object().value("status"), QJsonValue(0));
     m_quickSleep = std::make_unique<FakeTools>(QStringList{"sleep"});
@@ -157,7 +157,7 @@ void TestDoctor::brokenPanel()
     QFETCH(qsizetype, index);
     const Break &broken = breaks[index];
     shellBytes(broken.breakIt);
-    const DoctorRun text = runDoctor();
+    const ToolRun text = runDoctor();
     shellBytes(broken.repairIt);
     const QByteArrayList complaints = complaintsIn(text.output);
     QVERIFY2(complaints.size() == 1 && complaints.first().startsWith(broken.line),
@@ -179,8 +179,8 @@ void TestDoctor::jsonSaysTheSame()
     const FakeTools tools({"ifconfig"});
     tools.setBody("ifconfig", todaysIfconfig);
     writeFile(Paths::settingsFile, "app.\x1b=\"\\\"\nno \xff\n");
-    const DoctorRun text = runDoctor();
-    const DoctorRun json = runDoctor({"--json"});
+    const ToolRun text = runDoctor();
+    const ToolRun json = runDoctor({"--json"});
     QCOMPARE(complaintsIn(text.output).size(), 5);
     QCOMPARE(json.status, text.status);
     const QJsonObject object = QJsonDocument::fromJson(json.output).object();
@@ -203,7 +203,7 @@ void TestDoctor::fullTemporaryFolder()
     const SmallDisk disk("/srv", "size=4k");
     writeFile("/srv/filler", QByteArray(4096, 'x'));
     qputenv("TMPDIR", "/srv");
-    const DoctorRun text = runDoctor();
+    const ToolRun text = runDoctor();
     qunsetenv("TMPDIR");
     const QByteArrayList complaints = complaintsIn(text.output);
     QCOMPARE(complaints.size(), 2);
@@ -214,9 +214,9 @@ void TestDoctor::fullTemporaryFolder()
 void TestDoctor::display()
 {
     qunsetenv("DISPLAY");
-    const DoctorRun guessed = runDoctor();
+    const ToolRun guessed = runDoctor();
     qputenv("DISPLAY", ":7");
-    const DoctorRun none = runDoctor();
+    const ToolRun none = runDoctor();
     qputenv("DISPLAY", ":0");
     QCOMPARE(guessed.status, 0);
     QVERIFY(guessed.output.contains("ok       display: :0 answers (DISPLAY is not set)\n"));
@@ -235,8 +235,8 @@ void TestDoctor::ordinaryUser()
 {
     // this user may be kept out of the folder with the build
     QVERIFY(QFile::copy(DOCTOR, "/tmp/copy"));
-    const DoctorRun text = runCommand(
-        {"setpriv", "--reuid", "65534", "--clear-groups", "env", "PATH=/usr/bin", "/tmp/copy"});
+    const ToolRun text = runTool(
+        "setpriv", {"--reuid", "65534", "--clear-groups", "env", "PATH=/usr/bin", "/tmp/copy"});
     QFile::remove("/tmp/copy");
     QVERIFY(text.output.startsWith("warning  user: user 65534; the program runs as root"));
     QVERIFY(text.output.contains("ok       tool ifconfig: /usr/sbin/ifconfig\n"));
@@ -246,7 +246,7 @@ void TestDoctor::ordinaryUser()
 
 void TestDoctor::usage()
 {
-    const DoctorRun wrong = runDoctor({"--repair\x1b"});
+    const ToolRun wrong = runDoctor({"--repair\x1b"});
     QCOMPARE(wrong.status, int(WrongUsage));
     QCOMPARE(wrong.output, QByteArray());
     QCOMPARE(wrong.errors,
@@ -259,7 +259,7 @@ void TestDoctor::usage()
 
 void TestDoctor::outputThatIsLost()
 {
-    const DoctorRun run = runCommand({"/bin/sh", "-c", "'" DOCTOR "' >/dev/full"});
+    const ToolRun run = runTool("/bin/sh", {"-c", "'" DOCTOR "' >/dev/full"});
     QCOMPARE(run.status, int(OutputLost));
     QCOMPARE(run.errors, QByteArray("talmero-doctor: cannot write to standard output\n"));
 }
@@ -270,7 +270,7 @@ void TestDoctor::documentedExamples()
     const QByteArrayList examples = examplesOfManualPage("tools/doctor/talmero-doctor.1");
     QCOMPARE(examples.size(), 3);
     for (const QByteArray &example : examples) {
-        const DoctorRun done = runCommand({"/bin/sh", "-c", withProgram(DOCTOR, example)});
+        const ToolRun done = runTool("/bin/sh", {"-c", withProgram(DOCTOR, example)});
         QVERIFY2(done.status == 0 && done.errors.isEmpty(), example.constData());
         if (example.contains("grep")) {
             QCOMPARE(done.output, QByteArray("nothing to do\n"));

@@ -78,7 +78,7 @@ void TestDoctorFaults::brokenAnswer()
     } else {
         tools.setBody(tool, body);
     }
-    const DoctorRun text = runDoctor();
+    const ToolRun text = runDoctor();
     const QByteArrayList complaints = complaintsIn(text.output);
     QVERIFY2(complaints.size() == lines.size(), text.output.constData());
     for (qsizetype index = 0; index < lines.size(); ++index) {
@@ -93,7 +93,7 @@ void TestDoctorFaults::allToolsHang()
     for (const QString &tool : askedTools) {
         tools.setBody(tool, "trap '' TERM; echo part; exec /usr/bin/sleep 60");
     }
-    const DoctorRun text = runDoctor({"--limit", "0.7"});
+    const ToolRun text = runDoctor({"--limit", "0.7"});
     QVERIFY2(text.time < hangingLimit, QByteArray::number(text.time));
     QCOMPARE(text.status, 2);
     QCOMPARE(text.errors, QByteArray());
@@ -126,7 +126,7 @@ void TestDoctorFaults::allToolsMisbehave()
     for (const QString &tool : askedTools) {
         tools.setBody(tool, body);
     }
-    const DoctorRun text = runDoctor();
+    const ToolRun text = runDoctor();
     QCOMPARE(text.status, 2);
     QCOMPARE(text.errors, QByteArray());
     QVERIFY(complaintsIn(text.output).size() >= 8);

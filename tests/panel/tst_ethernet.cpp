@@ -17,7 +17,7 @@
 #include <memory>
 
 namespace {
-constexpr int leaseLimit = 12000; // ms until a save with DHCP comes back at the latest
+constexpr int leaseTime = 12000; // ms until a save with DHCP comes back at the latest
 
 // On a screen of 800x600.
 constexpr QPoint ethernetButton = pageButtons[1].place;
@@ -168,7 +168,7 @@ void TestEthernet::technicianSetsBothPorts()
     tapClose();
     tapScreen(dhcp2);
     tapScreen(okButton);
-    QTRY_VERIFY_WITH_TIMEOUT(showsMainPage(), leaseLimit);
+    QTRY_VERIFY_WITH_TIMEOUT(showsMainPage(), leaseTime);
 
     QCOMPARE(readPanelFile("bios.ini"),
              QByteArray("ethernet.eth0=192.168.10.5\nethernet.eth0.mask=255.255.255.0\n"
@@ -319,7 +319,7 @@ void TestEthernet::noDhcpServer()
     QElapsedTimer timer;
     timer.start();
     const auto result = window.autoDetectIPProcess(0);
-    QVERIFY2(timer.elapsed() < leaseLimit, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < leaseTime, qPrintable(QString::number(timer.elapsed())));
     window.writeINI();
     QCOMPARE(reopenedPort(0), QString("DHCP [NULL] [255.255.255.0]"));
     // Once the server is back the next save obtains a lease: nothing was left in its way.

@@ -68,13 +68,13 @@ both() {
 }
 
 all_is_there() {
-    one_line 0 'panel --size 800x600 --trace --display web -- .*/build/talmero-bios' "${as_user[@]}" "$checkout/run.sh" &&
+    one_line 0 'panel --size 800x600 --trace --display web -- .*/build/bin/talmero-bios' "${as_user[@]}" "$checkout/run.sh" &&
         one_line 0 'ctest --preset release --parallel [0-9]+' "${as_user[@]}" "$checkout/test.sh" --quick
 }
 
 in_a_folder_with_blanks() {
     mv "$checkout" "$work/my own checkout" && mkdir "$checkout" && cd / &&
-        one_line 0 'panel .* -- .*/my own checkout/build/talmero-bios' "${as_user[@]}" "$work/my own checkout/run.sh"
+        one_line 0 'panel .* -- .*/my own checkout/build/bin/talmero-bios' "${as_user[@]}" "$work/my own checkout/run.sh"
 }
 
 started_by_sh() {
@@ -112,9 +112,14 @@ disk_is_small() {
         umount "$work/small"
 }
 
-folder_that_make_refuses() {
-    cp -a "$checkout" "$checkout (1)" &&
-        one_line 1 "run.sh: make cannot build below $checkout .1.: .*" "$checkout (1)/run.sh"
+folder_that_cmake_refuses() {
+    cp -a "$checkout" "$checkout #1" &&
+        one_line 1 "run.sh: CMake cannot build below $checkout #1: .*" "$checkout #1/run.sh"
+}
+
+folder_with_odd_signs() {
+    cp -a "$checkout" "$checkout's (\$1)" && cd / &&
+        one_line 0 'panel .* -- .*/build/bin/talmero-bios' "${as_user[@]}" "$checkout's (\$1)/run.sh"
 }
 
 no_apt() {
@@ -167,7 +172,8 @@ on_a_new_machine "says that sudo has no terminal" sudo_without_terminal
 on_a_new_machine "says that sudo refuses" sudo_that_refuses
 on_a_new_machine "names a container without rights" container_without_rights
 on_a_new_machine "names a disk that is too small" disk_is_small
-on_a_new_machine "names a folder that make refuses" folder_that_make_refuses
+on_a_new_machine "names a folder that CMake refuses" folder_that_cmake_refuses
+on_a_new_machine "runs in a folder with odd signs" folder_with_odd_signs
 on_a_new_machine "names the missing network" no_network
 on_a_new_machine "names the missing network of a system without lists" no_network_and_no_lists
 on_a_new_machine "names another system" other_system

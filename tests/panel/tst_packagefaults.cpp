@@ -97,7 +97,7 @@ void TestPackageFaults::unreadablePackages()
     QCOMPARE(seteuid(0), 0);
     QCOMPARE(result, int(OpenFileError));
     QCOMPARE(biosResult, int(NoBiosImage));
-    QVERIFY(timer.elapsed() < 1000);
+    QVERIFY(timer.elapsed() < 10000);
     QCOMPARE(installedState(), before);
     shellBytes(QString("rm -rf '%1'").arg(packagePath));
     QCOMPARE(installPackage(""), int(OpenFileError));
@@ -327,7 +327,7 @@ void TestPackageFaults::hangingTarIsCutOff()
     QTest::ignoreMessage(QtWarningMsg,
                          "QProcess: Destroyed while process (\"tar\") is still running.");
     QCOMPARE(installBIOSPackage(packagePath), int(BiosInstalled));
-    QVERIFY2(qAbs(timer.elapsed() - unpackLimit) < 500,
+    QVERIFY2(timer.elapsed() >= unpackLimit && timer.elapsed() < 2 * unpackLimit,
              qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(kill(readFile("/run/tar.pid").trimmed().toInt(), 0), -1);
 }

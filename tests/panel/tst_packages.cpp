@@ -4,7 +4,7 @@
 #include "panelfiles.h"
 #include "panelguard.h"
 #include "panelprogram.h"
-#include "transferscreen.h"
+#include "panelscreen.h"
 
 #include <QDir>
 #include <QImage>

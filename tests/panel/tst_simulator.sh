@@ -252,7 +252,7 @@ interrupt_leaves_nothing() {
     local before after run
     before=$(mounts_and_displays)
     setsid "$root/simulator/panel" --build "$build" --display xorg -- \
-        "$build/talmero-bios" >"$work/run" 2>&1 &
+        "$build/bin/talmero-bios" >"$work/run" 2>&1 &
     run=$!
     sleep 2
     kill -INT -- "-$run"

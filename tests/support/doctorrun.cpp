@@ -1,29 +1,13 @@
 #include "doctorrun.h"
 
-#include <QElapsedTimer>
-#include <QProcess>
-
 const char todaysIfconfig[]
     = "printf '%s: flags=4163<UP>  mtu 1500\\n' eth0\n"
       "printf '        inet 192.168.0.5  netmask 255.255.255.0\\n'\n"
       "printf '        ether 02:00:00:00:00:01  txqueuelen 1000  (Ethernet)\\n'\n";
 
-DoctorRun runCommand(const QStringList &command)
+ToolRun runDoctor(const QStringList &arguments)
 {
-    QElapsedTimer timer;
-    timer.start();
-    QProcess process;
-    process.start(command.first(), command.mid(1));
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
-        qFatal("talmero-doctor crashes or hangs");
-    }
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError(),
-            timer.elapsed()};
-}
-
-DoctorRun runDoctor(const QStringList &arguments)
-{
-    return runCommand(QStringList{DOCTOR} + arguments);
+    return runTool(DOCTOR, arguments);
 }
 
 QByteArrayList complaintsIn(const QByteArray &report)

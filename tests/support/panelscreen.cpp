@@ -34,6 +34,15 @@ ShownList shownList(int rows)
     }
     return {};
 }
+
+constexpr int transferRowHeight = 45;
+constexpr int firstTransferRow = 143;
+
+/// The bar of a chosen row is a gradient of blues; nothing else on the pages is blue.
+bool isBlue(const QColor &color)
+{
+    return color.red() < 90 && color.blue() > 170;
+}
 } // namespace
 
 QString windowInfo(const QStringList &arguments)
@@ -143,4 +152,50 @@ void chooseRow(QPoint box, int rows, int row)
     QTRY_VERIFY((list = shownList(rows)).rowHeight > 0);
     tapScreen(list.place + QPoint(50, 1 + row * list.rowHeight + list.rowHeight / 2));
     QTRY_VERIFY(shownList(rows).rowHeight == 0);
+}
+
+QPoint transferRow(int row)
+{
+    return {600, firstTransferRow + row * transferRowHeight};
+}
+
+bool isChosen(QPoint row)
+{
+    return isBlue(screenColor(row + QPoint(50, 10)));
+}
+
+void choose(QPoint row)
+{
+    tapScreen(row);
+    QTRY_VERIFY(isChosen(row));
+}
+
+bool showsDialog(const QString &title)
+{
+    return !dialogPlace(title).isNull();
+}
+
+void acceptWarning(const QString &title)
+{
+    QTRY_VERIFY_WITH_TIMEOUT(showsDialog(title), startLimit);
+    tapScreen(dialogPlace(title).bottomRight() - QPoint(60, 35));
+    QTRY_VERIFY(!showsDialog(title));
+    QTRY_VERIFY(showsMainPage());
+}
+
+std::unique_ptr<PanelProgram> startAtPage(QPoint button)
+{
+    auto program = std::make_unique<PanelProgram>();
+    openMainPage();
+    tapScreen(button);
+    if (!QTest::qWaitFor(showsSettingsPage)) {
+        qFatal("the page does not open");
+    }
+    return program;
+}
+
+void returnToMainPage(QPoint button)
+{
+    tapScreen(button);
+    QTRY_VERIFY_WITH_TIMEOUT(showsMainPage(), startLimit);
 }

@@ -32,13 +32,15 @@ void sendMouse(QWidget *widget, QEvent::Type type, QPoint at)
 }
 } // namespace
 
-SettingsPage::SettingsPage(const QString &buttonName, const QByteArray &settings)
+SettingsPage::SettingsPage(const QString &buttonName, const QByteArray &settings, Start start)
     : m_buttonName(buttonName)
 {
     writePanelFile("bios.ini", settings);
     m_window = std::make_unique<BiosInterface>();
     m_window->show();
-    open();
+    if (start == OpensPage) {
+        open();
+    }
 }
 
 QWidget *SettingsPage::page() const

@@ -11,9 +11,11 @@
 class SettingsPage
 {
 public:
-    /// Makes @p settings the settings file and opens the page of the button named
-    /// @p buttonName, "label:index".
-    SettingsPage(const QString &buttonName, const QByteArray &settings);
+    enum Start { OpensPage, StaysClosed };
+
+    /// Makes @p settings the settings file, shows the window and opens the page of the button named
+    /// @p buttonName, "label:index", unless @p start says that the test does so itself.
+    SettingsPage(const QString &buttonName, const QByteArray &settings, Start start = OpensPage);
 
     BiosInterface *window() const { return m_window.get(); }
     QWidget *page() const;

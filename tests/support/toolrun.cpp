@@ -1,13 +1,17 @@
 #include "toolrun.h"
 
+#include <QElapsedTimer>
 #include <QProcess>
 
 ToolRun runTool(const QString &program, const QStringList &arguments)
 {
+    QElapsedTimer timer;
+    timer.start();
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(20000) || process.exitStatus() != QProcess::NormalExit) {
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
         qFatal("%s crashes or hangs", qPrintable(program));
     }
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError(),
+            timer.elapsed()};
 }

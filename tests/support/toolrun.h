@@ -6,9 +6,10 @@
 /// One run of a tool of ours.
 struct ToolRun
 {
-    int status;
+    int status = -1;
     QByteArray output;
     QByteArray errors;
+    qint64 time = 0; ///< ms
 };
 
 /// Runs @p program and waits for its end. The test program ends if it crashes or hangs.

@@ -10,6 +10,7 @@ class TestCommandLine : public QObject
     Q_OBJECT
 private slots:
     void fixedCommands();
+    void limitsOfAPanel();
     void toolsAreNamedInOnePlace();
     void screenSaving_data();
     void screenSaving();
@@ -30,6 +31,13 @@ void TestCommandLine::fixedCommands()
     QCOMPARE(deviceStateCommand("a \"b\""), (QStringList{"xinput", "query-state", "a \"b\""}));
     QCOMPARE(hardwareClockCommand(), (QStringList{"hwclock", "-w"}));
     QCOMPARE(calibrationCommand(), QStringList{"xCal"});
+}
+
+/// Tests of tools that hang run with shorter ones.
+void TestCommandLine::limitsOfAPanel()
+{
+    QCOMPARE(ToolLimits().query.count(), 30000);
+    QCOMPARE(ToolLimits().setting.count(), 30000);
 }
 
 /// A name anywhere else would be a tool of which the list of tools does not know.

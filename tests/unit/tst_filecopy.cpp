@@ -115,7 +115,7 @@ void TestFileCopy::opensPlainFilesOnly()
     }
     QCOMPARE(read("/dev/zero"), QByteArray("not read"));
     QCOMPARE(read(""), QByteArray("not read"));
-    QVERIFY(timer.elapsed() < 1000);
+    QVERIFY(timer.elapsed() < 10000);
 }
 
 void TestFileCopy::unreadable()

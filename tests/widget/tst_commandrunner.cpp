@@ -120,8 +120,9 @@ void TestCommandRunner::cutsOffAtTheLimit()
     QElapsedTimer timer;
     timer.start();
     const auto result
-        = m_window->doProcess("sh", {"-c", "echo early; echo late >&2; exec sleep 5"}, 3000);
-    QVERIFY2(qAbs(timer.elapsed() - 3000) < 500, qPrintable(QString::number(timer.elapsed())));
+        = m_window->doProcess("sh", {"-c", "echo early; echo late >&2; exec sleep 60"}, 3000);
+    QVERIFY2(timer.elapsed() >= 3000 && timer.elapsed() < 20000,
+             qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(result.first, QString("early\n"));
     QCOMPARE(result.second, QString("not finished")); // what it wrote to standard error is gone
     QVERIFY(log.lines().value(0).endsWith(" false \"early\n\" \"late\n\""));

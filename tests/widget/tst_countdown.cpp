@@ -121,7 +121,7 @@ void TestCountDown::countsDownForSixSeconds()
         QCOMPARE(zero.count(), 0);
     }
     QVERIFY(zero.wait(2 * second));
-    QVERIFY2(qAbs(timer.elapsed() - qint64(6) * second) < 300,
+    QVERIFY2(timer.elapsed() > 5700 && timer.elapsed() < 8000,
              qPrintable(QString::number(timer.elapsed())));
     // No colour for -1: no ring, not even a black one, but the number.
     const QRect number(centre - QPoint(30, 20), QSize(60, 40));
@@ -164,7 +164,7 @@ void TestCountDown::showingAgainRestarts()
     QCOMPARE(ringCount(button), 5);
     QVERIFY(zero.wait(8 * second));
     // The first show's timer still ticks and must not count.
-    QVERIFY2(qAbs(timer.elapsed() - qint64(6) * second) < 300,
+    QVERIFY2(timer.elapsed() > 5700 && timer.elapsed() < 8000,
              qPrintable(QString::number(timer.elapsed())));
     QTest::qWait(2 * second);
     QCOMPARE(zero.count(), 1);

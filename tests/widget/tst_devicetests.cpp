@@ -166,13 +166,13 @@ void TestDeviceTests::beepThatFails()
 void TestDeviceTests::tonesDoNotBlock()
 {
     const FactoryWindow factory({"beep"});
-    factory.tools().setBody("beep", "exec sleep 3");
+    factory.tools().setBody("beep", "exec sleep 30");
     factory.click("Test");
     QElapsedTimer timer;
     timer.start();
     factory.click("Beep", 1);
     factory.click("Beep f:2900 t:1000");
-    QVERIFY2(timer.elapsed() < 1500, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
     QTRY_COMPARE(factory.calls().filter("beep").size(), 2);
 }
 

@@ -4,8 +4,8 @@
 #include "faketools.h"
 #include "panelfiles.h"
 #include "panelmain.h"
+#include "settingspage.h"
 #include "widgets/radiobutton.h"
-#include "widgets/settingsbutton.h"
 
 #include <QAbstractItemView>
 #include <QButtonGroup>
@@ -21,25 +21,15 @@ namespace {
 const QStringList displayTools{"xrandr", "xset", "xinput", "date", "hwclock"};
 
 /// The settings window with its miscellaneous page, worked by clicks.
-class Page
+class Page : public SettingsPage
 {
 public:
     explicit Page(const QByteArray &settings = {})
+        : SettingsPage("Miscellaneous:6", settings, StaysClosed)
     {
-        writePanelFile("bios.ini", settings);
-        m_window = std::make_unique<BiosInterface>();
-        m_window->show();
-        m_window->goToSettingsPage();
+        window()->goToSettingsPage();
     }
 
-    void open() const { click(m_window->findChild<SettingsButton *>("Miscellaneous:6")); }
-    void leave(const char *button) const { click(page()->findChild<SettingsButton *>(button)); }
-
-    BiosInterface *window() const { return m_window.get(); }
-    QWidget *page() const
-    {
-        return m_window->findChild<QStackedWidget *>()->widget(BiosInterface::MiscPage);
-    }
     RadioButton *choice(int row, int index) const
     {
         return page()->findChildren<RadioButton *>().at(row * 2 + index);
@@ -64,9 +54,6 @@ public:
     }
 
     static void click(QWidget *widget) { QTest::mouseClick(widget, Qt::LeftButton); }
-
-private:
-    std::unique_ptr<BiosInterface> m_window;
 };
 } // namespace
 

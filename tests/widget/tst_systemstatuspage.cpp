@@ -358,7 +358,8 @@ void TestSystemStatusPage::hangingIfconfigIsCutOff()
     QElapsedTimer timer;
     timer.start();
     page.open();
-    QVERIFY2(qAbs(timer.elapsed() - 3000) < 1500, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() >= 3000 && timer.elapsed() < 20000,
+             qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(page.firstAddress(), QString("1:2:eth0")); // what it had said until then
     QCOMPARE(page.secondAddress(), QString("1:2:eth1"));
     QCOMPARE(page.size(), QString("12M/16384M"));

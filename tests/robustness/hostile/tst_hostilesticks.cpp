@@ -7,7 +7,7 @@
 #include "panelfiles.h"
 #include "panelguard.h"
 #include "panelprogram.h"
-#include "transferscreen.h"
+#include "panelscreen.h"
 
 #include <QElapsedTimer>
 #include <QImage>

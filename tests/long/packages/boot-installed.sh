@@ -7,8 +7,8 @@ set -euo pipefail
 root=$1
 shift
 [ -e /run/talmero-panel ] || { echo "This runs in the simulated panel only" >&2 && exit 1; }
-simulator=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../simulator" && pwd)
-build=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../build" && pwd)
+simulator=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../../simulator" && pwd)
+build=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../../build" && pwd)
 size=800x600
 # shellcheck source=simulator/lib/display.sh
 source "$simulator/lib/display.sh"
@@ -17,7 +17,7 @@ source "$simulator/lib/display.sh"
 add_panel_files() {
     cp -r "$simulator/files/opt/." "$root/opt"
     mkdir -p "$root/opt/talmero/hmi" "$root/media/usb0"
-    cp "$build/simulator/standin-runtime" "$root/opt/talmero/hmi/runtime"
+    cp "$build/bin/standin-runtime" "$root/opt/talmero/hmi/runtime"
     cp "$build/simulator/stick/apps/line-1.kpc" "$root/media/usb0"
     install -m 755 "$root/usr/share/doc/talmero-bios/examples/xinitrc" "$root/root/.xinitrc"
     chroot "$root" systemctl --quiet enable talmero-session

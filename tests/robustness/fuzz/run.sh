@@ -3,11 +3,11 @@
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=scripts/common.sh
-. "$here/../../scripts/common.sh"
+. "$here/../../../scripts/common.sh"
 
 usage() {
     cat <<'TEXT'
-Usage: tests/fuzz/run.sh [OPTION...] HOURS [TARGET...]
+Usage: tests/robustness/fuzz/run.sh [OPTION...] HOURS [TARGET...]
 
 Builds the fuzz targets and runs each for HOURS hours. Prints a table: inputs,
 inputs per second, processor time, and inputs that reached new code. Then prints
@@ -62,12 +62,12 @@ fuzz() {
     LSAN_OPTIONS=suppressions=$project_root/tests/leaks.supp:print_suppressions=0 \
     LLVM_PROFILE_FILE=$output/profiles/raw-$target \
         bash -c 'times=$1; shift; "$@"; status=$?; times >"$times"; exit $status' fuzz "$log.times" \
-        "$output/tests/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=4096 -timeout=10 \
+        "$output/bin/fuzz_$target" -max_total_time="$seconds" -max_len=4096 -timeout=10 \
         -rss_limit_mb=2048 -print_final_stats=1 -dict="$here/words.dict" \
         -artifact_prefix="$output/failures/$target-" \
         "$corpus" "$here/corpus/$target" >"$log" 2>&1 && return
     grep -aE 'ERROR|SUMMARY|Test unit written' "$log" >&2 || tail -n 5 "$log" >&2
-    echo "$target failed; run it on that file again: $output/tests/fuzz/fuzz_$target FILE" >&2
+    echo "$target failed; run it on that file again: $output/bin/fuzz_$target FILE" >&2
     return 1
 }
 export -f fuzz
@@ -101,7 +101,7 @@ echo "Lines of the parsers that were reached"
 llvm-profdata-14 merge -o "$output/profiles/merged" \
     "${targets[@]/#/$output/profiles/raw-}"
 llvm-cov-14 export --summary-only --instr-profile="$output/profiles/merged" \
-    "${targets[@]/#/--object=$output/tests/fuzz/fuzz_}" |
+    "${targets[@]/#/--object=$output/bin/fuzz_}" |
     python3 -c 'import json, os, sys
 for file in json.load(sys.stdin)["data"][0]["files"]:
     lines = file["summary"]["lines"]

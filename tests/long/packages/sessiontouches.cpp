@@ -2,7 +2,7 @@
 // that screen was started. Usage: sessiontouches STEP...; FILE.png saves a picture.
 #include "panelguard.h"
 #include "panelprogram.h"
-#include "transferscreen.h"
+#include "panelscreen.h"
 
 #include <QGuiApplication>
 #include <QTest>

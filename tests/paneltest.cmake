@@ -1,0 +1,48 @@
+# panel_add_test(NAME DISPLAY LIBRARY...): builds NAME.cpp and runs it on that display, labelled with
+# ${panel_test_label}. Every test runs in a simulated panel of its own, so that it may write the real
+# paths.
+function(panel_add_test name display)
+    add_executable(${name} ${name}.cpp)
+    target_link_libraries(${name} PRIVATE ${ARGN} panel_testsupport panel_options)
+    panel_reuse_headers(${name} ${ARGN})
+    panel_register_test(${name} ${display})
+endfunction()
+
+# panel_reuse_headers(NAME LIBRARY...): lets a program of tests that links these use the precompiled
+# headers of tests. They hold for one set of Qt's modules: what links others goes without.
+function(panel_reuse_headers name)
+    if("${ARGN}" MATCHES "^panel_(core|doctorsupport|hostile)$|^mkpackage$|^doctor$")
+        target_precompile_headers(${name} REUSE_FROM panel_testsupport)
+    elseif("${ARGN}" MATCHES "panel_(ui|widgetsupport|vanishingstick)$")
+        target_precompile_headers(${name} REUSE_FROM panel_widgetsupport)
+    endif()
+    # what moc has for a program of one file is empty, and loading the headers would take half a second
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/mocs_compilation.cpp
+        PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+endfunction()
+
+# panel_register_test(NAME DISPLAY ARGUMENT...): runs the program NAME so.
+function(panel_register_test name display)
+    set(share)
+    set(environment
+        "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0")
+    if(PANEL_COVERAGE) # counters of its own tell which lines this test runs; they outlive the panel
+        set(counters ${CMAKE_BINARY_DIR}/coverage/${name})
+        file(MAKE_DIRECTORY ${counters})
+        set(share --share ${counters})
+        string(REGEX MATCHALL "/" depth ${CMAKE_BINARY_DIR})
+        list(LENGTH depth depth)
+        list(APPEND environment GCOV_PREFIX=${counters} GCOV_PREFIX_STRIP=${depth})
+    endif()
+    add_test(NAME ${name}
+        COMMAND ${CMAKE_SOURCE_DIR}/simulator/panel --build ${CMAKE_BINARY_DIR}
+                --display ${display} ${share} -- $<TARGET_FILE:${name}> ${ARGN})
+    set_tests_properties(${name} PROPERTIES LABELS ${panel_test_label} TIMEOUT 240 PROCESSORS 2
+        ENVIRONMENT "${environment}")
+endfunction()
+
+# panel_add_script_test(NAME SECONDS COMMAND...): runs a script that makes its panels itself.
+function(panel_add_script_test name limit)
+    add_test(NAME ${name} COMMAND ${ARGN})
+    set_tests_properties(${name} PROPERTIES LABELS ${panel_test_label} TIMEOUT ${limit} PROCESSORS 2)
+endfunction()
