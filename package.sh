@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the Debian packages of the program, its tools and what a panel needs besides.
+# Builds the Debian packages.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/common.sh
@@ -9,12 +9,12 @@ usage() {
     cat <<'TEXT'
 Usage: ./package.sh [OPTION]
 
-Installs what is missing, builds the Debian packages from the files of this checkout
-and puts them into dist/. Runs no tests: ./test.sh does. Root or sudo is needed only
-where something is missing.
+Installs missing build dependencies, builds the Debian packages from this checkout
+and puts them into dist/. Runs no tests: ./test.sh does. Needs root or sudo only if
+something has to be installed.
 
-  --check   Builds twice, in folders of different names, and fails unless both give
-            the same packages byte for byte.
+  --check   Builds twice, in folders with different names, and fails unless both
+            builds give the same packages, byte for byte.
   --help    Shows this text.
 TEXT
 }
@@ -28,20 +28,20 @@ case "${1:-}" in
     *) usage >&2 && exit 2 ;;
 esac
 
-umask 022 # what is packed has the same rights whoever builds it
+umask 022 # the packed files have the same modes whoever builds them
 work=build-package
 output=dist
 
-# The files of the checkout, changed ones as they are now, without what was built.
+# The files of the checkout, with uncommitted changes and without build results.
 list_sources() {
-    # the checkout may belong to another user, of whom git would be wary
+    # git refuses a checkout of another user otherwise
     git -c safe.directory='*' ls-files -z --cached --others --exclude-standard 2>/dev/null |
         while IFS= read -r -d '' file; do
             [ ! -e "$file" ] || printf '%s\0' "$file"
         done
 }
 
-# One time for all that is packed: the last commit's, or else the changelog's.
+# The time stamp of all packed files: the last commit's, or the changelog's without git.
 source_date() {
     git -c safe.directory='*' log -1 --format=%ct 2>/dev/null || dpkg-parsechangelog --show-field Timestamp
 }
@@ -54,13 +54,13 @@ build() {
     mkdir -p "$folder/talmero-bios"
     list_sources | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
     [ -e "$folder/talmero-bios/debian/control" ] ||
-        die "the files could not be copied to $folder: this must be a git checkout, and have room"
+        die "the files could not be copied to $folder: this must be a git checkout with enough free space"
     (cd "$folder/talmero-bios" &&
         dpkg-buildpackage --no-sign --build=full) >"$log" 2>&1 ||
         die "the build failed, see $log: $(grep -m 1 -E 'error:|Error:|No space' "$log" || tail -n 1 "$log")"
 }
 
-# Packages and their sums, as dpkg-buildpackage left them in a folder.
+# Checksums of the packages that dpkg-buildpackage left in a folder.
 sums() {
     (cd "$work/$1" && sha256sum -- *.deb *.dsc *.tar.xz)
 }
@@ -78,7 +78,7 @@ if [ "$check" = yes ]; then
     echo "Building them again"
     build second-time
     different=$(diff <(sums first) <(sums second-time) | sed -n 's/^< [0-9a-f]*  //p') || true
-    [ -z "$different" ] || die "not the same bytes twice: ${different//$'\n'/ }"
+    [ -z "$different" ] || die "the two builds differ: ${different//$'\n'/ }"
     echo "Both builds gave the same bytes"
 fi
 rm -rf "$output"

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Builds talmero-bios and runs it on a simulated panel.
-[ -n "${BASH_VERSION-}" ] || exec bash "$0" "$@" # was started as "sh run.sh"
+[ -n "${BASH_VERSION-}" ] || exec bash "$0" "$@" # started as "sh run.sh"
 set -u
 
 # shellcheck source=scripts/common.sh
@@ -15,18 +15,18 @@ show_help() {
     cat <<'HELP'
 Usage: ./run.sh [OPTIONS]
 
-Installs what is missing, builds talmero-bios and runs it on a simulated panel.
-The panel is a window where there is a display; otherwise it is shown in the
-browser, and the address is printed. The terminal shows one line for each tool
-that the program runs. Ctrl-C ends everything. Nothing outside the checkout is
-changed, apart from the packages that had to be installed.
+Installs missing Debian packages, builds talmero-bios and runs it on a simulated
+panel. The panel is a window if there is a display. Otherwise a browser shows it,
+at the address that is printed. The terminal lists each tool that the program
+runs. Ctrl-C stops everything. Apart from the installed packages, nothing outside
+the checkout changes.
 
   --factory           Starts with the factory marker on the panel's USB stick.
-  --size WxH          Size of the panel in pixels, 800x600 if not given.
-  --screenshot FILE   Needs no display: runs the program, saves a picture of the
-                      panel as PNG and ends.
-  --after SECONDS     Takes the picture so long after the program's window came
-                      up, 3 if not given. Decimals are allowed.
+  --size WxH          Size of the panel in pixels (default: 800x600).
+  --screenshot FILE   Runs the program without a display, saves a screenshot of
+                      the panel as PNG and exits.
+  --after SECONDS     Time between the program's window appearing and the
+                      screenshot (default: 3). Decimals are allowed.
   --help              Shows this text.
 HELP
 }
@@ -63,7 +63,7 @@ done
 [[ -z $after || $after =~ ^([0-9]+\.?[0-9]*|\.[0-9]+)$ ]] ||
     usage_error "--after takes a number of seconds, not $after"
 
-# Told before the build, not after it.
+# Checked before the build, which takes minutes.
 if [[ -n $screenshot ]]; then
     [[ -d $(dirname -- "$screenshot") && ! -d $screenshot ]] ||
         usage_error "cannot write a file $screenshot"
@@ -73,12 +73,12 @@ display_is_usable() {
     [[ -n ${DISPLAY-} ]] && xset q >/dev/null 2>&1
 }
 
-# In a session of its own, so that all the compilers can be ended with it.
+# In its own session, so that a signal to the process group reaches every compiler.
 build() {
     # shellcheck disable=SC2016 # expanded by the inner shell
     setsid bash -c 'source "$1" && build_preset release talmero-bios standin-runtime panel-stick' \
         run.sh "$project_root/scripts/common.sh" &
-    # shellcheck disable=SC2064 # the number of this build is wanted
+    # shellcheck disable=SC2064 # expanded now: $! is this build
     trap "kill -TERM -$! 2>/dev/null; wait; exit 143" TERM HUP
     # shellcheck disable=SC2064
     trap "kill -TERM -$! 2>/dev/null; wait; exit 130" INT

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, checks the code and runs every test in the simulated panel.
-[ -n "${BASH_VERSION-}" ] || exec bash "$0" "$@" # was started as "sh test.sh"
+# Installs missing packages, builds, checks the code and runs all tests on the simulated panel.
+[ -n "${BASH_VERSION-}" ] || exec bash "$0" "$@" # started as "sh test.sh"
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/common.sh
@@ -10,11 +10,11 @@ usage() {
     cat <<'TEXT'
 Usage: ./test.sh [OPTION]
 
-Installs the missing Debian packages, builds, checks format and code, fuzzes the
-readers of foreign text, and runs every test twice: with the address and
-undefined-behaviour sanitizers, then as released. Needs root or sudo.
+Installs missing Debian packages, builds, checks the format and the code, fuzzes
+the parsers, and runs all tests twice: with the address and undefined-behaviour
+sanitizers, and as released. Needs root or sudo.
 
-  --quick   Leaves out the code checks, the fuzzing and the run with sanitizers.
+  --quick   Skips the code checks, the fuzzing and the run with sanitizers.
   --help    Shows this text.
 TEXT
 }
@@ -29,7 +29,7 @@ for argument in "$@"; do
 done
 
 run_tests() { # PRESET
-    need_root # sudo may have forgotten the password since
+    need_root # the build may have outlasted sudo's password timeout
     ctest --preset "$1" --parallel "$places"
 }
 
@@ -40,11 +40,11 @@ else
     [ -e build-sanitize ] || need_space 1200
 fi
 needed=("${build_packages[@]}" "${panel_packages[@]}" "${test_packages[@]}" "${valgrind_packages[@]}")
-# all code is checked, also that of benchmarks
+# the checks cover all code, including the benchmarks
 [ "$quick" = yes ] ||
     needed+=("${check_packages[@]}" "${bench_packages[@]}" "${fuzz_packages[@]}")
 install_packages "${needed[@]}"
-# A test counts as two of these, one that only waits as one: there is a place for the waiting ones.
+# Most tests take two places. A test that mostly waits takes one, and can use the two extra places.
 places=$((2 * $(nproc) + 2))
 build_preset release
 if [ "$quick" = no ]; then

@@ -1,6 +1,7 @@
 #!/bin/bash
-# CPU time of the idle program with its rescue poll, against a shell loop that runs the same
-# xinput command at the same rate. Runs in the simulated panel: rescuepoll.sh PROGRAM
+# Compares the CPU time of the idle program, including its rescue poll, with that of a shell loop
+# that runs the same xinput command at the same rate. Usage, in the simulated panel:
+# rescuepoll.sh PROGRAM
 set -u
 
 program=$1
@@ -10,7 +11,7 @@ device="PenMount USB Touchscreen"
 target=1.10
 [[ -e /run/talmero-panel ]] || exit 2
 
-# CPU time of a process and of what it has waited for, in clock ticks.
+# CPU time of a process and its finished children, in clock ticks.
 ticks_of() {
     local fields
     read -ra fields <"/proc/$1/stat"
@@ -22,7 +23,7 @@ shell_loop() {
     exec {pipe}<> <(:)
     while :; do
         xinput query-state "$device" >/dev/null
-        read -r -t 0.2 -u "$pipe" # waits without starting a process
+        read -r -t 0.2 -u "$pipe" # sleeps without starting a process
     done
 }
 
@@ -38,7 +39,7 @@ sleep 2
 shell_loop &
 peer=$!
 
-# Side by side in the same seconds: whatever else runs then hits both.
+# Both run at the same time, so that other load affects both.
 ours_figures=()
 peer_figures=()
 ratios=()

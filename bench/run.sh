@@ -1,5 +1,5 @@
 #!/bin/bash
-# Measures start-up, memory, painting, taps, packages and long lists in the simulated panel.
+# Measures start-up, memory, painting, taps, packages and long lists on the simulated panel.
 set -u
 
 # shellcheck source=scripts/common.sh
@@ -15,38 +15,36 @@ show_help() {
     cat <<'HELP'
 Usage: bench/run.sh [OPTION...] [PART...]
 
-Installs what is missing, builds talmero-bios and its benchmarks (preset "bench")
-and measures in the simulated panel the parts that are named, all if none is:
+Installs missing packages, builds talmero-bios and its benchmarks (preset "bench"),
+and measures the given parts on the simulated panel. The default is all parts:
 
-  start    the start until the first frame is on the screen, the memory then, the
-           size and the libraries, against a bare window of the toolkit, and against
-           lxqt-config and xfce4-settings-manager;
-  paint    the painting of whole pages;
-  tap      the time from a tap to the painted next page, and from a key of the
-           keypad to its character;
-  settings reading and writing a settings file of 100,000 keys against QSettings;
-  list     filling the list of packages with 10,000 and 100,000 of them;
-  walk     the search for packages among 100,000 files against find, and its growth
-           up to a million;
-  install  the installation of an application package against tail, tar and rm, and
-           the memory that packages of several sizes take;
-  poll     the CPU time of the idle program with its rescue poll, against a shell
-           loop that runs the same tool at the same rate, and the memory that an
-           hour of polls costs;
-  slow     start, tap and paint once more with a fifth of one processor, as on an
-           old panel. They have no targets.
+  start     time until the first frame is on the screen, memory, size and libraries;
+            peers: a bare Qt window, lxqt-config and xfce4-settings-manager
+  paint     painting of whole pages
+  tap       time from a tap until the next page is painted, and from a tap on a key
+            of the keypad until its character appears
+  settings  reading and writing a settings file with 100,000 keys; peer: QSettings
+  list      filling the list with 10,000 and 100,000 packages
+  walk      searching for packages among 100,000 files, and growth of the time up to
+            a million files; peer: find
+  install   installing an application package, and the memory that packages of
+            several sizes need; peer: tail, tar and rm
+  poll      CPU time of the idle program with its rescue poll, and memory growth in
+            an hour of polls; peer: a shell loop that runs xinput at the same rate
+  slow      start, tap and paint with a fifth of one processor, as on an old panel;
+            no limits
 
-Prints one table, ours and the peer's in turn. The end status is 1 if a target is
-missed. A target is for the ratio of the medians, where there is a peer, for the
-worst of all taps and keys, and for the median otherwise. The tools that the program
-runs, its pause of a second at the start among them, are replaced by ones that return
-at once. Let nothing else run meanwhile.
+Prints one table. The program and its peer run alternately. The exit status is 1 if a
+limit is missed. If there is a peer, the limit applies to the ratio of the medians.
+For taps and keys it applies to the slowest, otherwise to the median. The tools that
+the program runs, including its pause of one second at the start, are replaced by ones
+that return at once. Nothing else should run on the machine meanwhile.
 
-  --runs N            Starts each of the programs N times, 20 if not given.
-  --store             Puts the table into docs/performance.md too.
-  --package-size MIB  Files in the largest package that is installed, together, 64 if
-                      not given. 1024 takes some minutes, and 3 GiB of memory, in
-                      which the panel keeps its files.
+  --runs N            Starts each program N times (default: 20).
+  --store             Also puts the rows with a limit into docs/performance.md.
+  --package-size MIB  Size of the files in the largest package that is installed
+                      (default: 64). 1024 takes some minutes and 3 GiB of memory,
+                      because the panel's files are in memory.
   --help              Shows this text.
 HELP
 }
@@ -79,20 +77,20 @@ while (($#)); do
     shift
 done
 
-idle_ticks() { # of all processors, 100 a second each
+idle_ticks() { # all processors, 100 per second each
     local idle
     read -r _ _ _ _ idle _ </proc/stat
     echo "$idle"
 }
 
-# The program and the X server take turns on the processors; a third party shifts the ratios.
+# The program and the X server share the processors. Any other load shifts the ratios.
 warn_if_busy() {
     local before share
     before=$(idle_ticks)
     sleep 2
     share=$((($(idle_ticks) - before) / 2 / $(nproc)))
     ((share >= 90)) ||
-        echo "bench/run.sh: the machine is only $share % idle, figures will be too high" >&2
+        echo "bench/run.sh: the machine is only $share % idle, so the figures will be too high" >&2
 }
 
 is_wanted() { # PART
@@ -104,8 +102,8 @@ is_wanted() { # PART
     return 1
 }
 
-# The programs of desktops end without a message bus: there is one for all. What its server and
-# the services that it starts say is thrown away.
+# The desktop programs need a message bus to start. The output of the bus and its services is
+# discarded.
 quietly_on_a_bus='exec 3>&1 4>&2 >/dev/null 2>&1
 dbus-run-session -- bash -c "exec \"\$@\" >&3 2>&4" bash "$@"'
 
@@ -129,8 +127,8 @@ install_packages "${build_packages[@]}" "${panel_packages[@]}" "${bench_packages
 build_preset bench talmero-bios startup painting filling walking installing settingsfile \
     pollmemory || exit
 
-# A fifth of a processor for what follows in this shell, in slices of 5 ms: within longer ones a
-# whole start would run at full speed.
+# Limits this shell to a fifth of a processor, in slices of 5 ms. In a longer slice, a whole start
+# could run at full speed.
 limit_processor() {
     local group
     if [[ -w /sys/fs/cgroup/cpu/cgroup.procs ]]; then
@@ -144,10 +142,10 @@ limit_processor() {
     fi && echo "$BASHPID" >"$group/cgroup.procs"
 }
 
-# Without the columns of the targets: these are for a whole processor.
-measure_slowly() ( # in a process of its own, which takes the limit along
+# Without the column of the limits, which are for a whole processor.
+measure_slowly() ( # in a subshell, so that the limit ends with it
     limit_processor || {
-        echo "bench/run.sh: this machine cannot limit a processor, part \"slow\" is left out" >&2
+        echo "bench/run.sh: this machine cannot limit processor time: skipping part \"slow\"" >&2
         exit 0
     }
     echo "with a fifth of a processor:"
@@ -161,7 +159,7 @@ measure_slowly() ( # in a process of its own, which takes the limit along
 )
 
 measure_parts() {
-    # The columns are those of bench/support/resulttable.cpp.
+    # The same columns as in bench/support/resulttable.cpp.
     printf '%-48s %9s %9s %-5s %6s %15s %8s\n' "what; peer" ours peer "" ratio spread "at most"
     ! is_wanted start || measure 1024x768 startup "$runs" lxqt-config xfce4-settings-manager
     ! is_wanted paint || measure 1280x800 painting pages
@@ -190,13 +188,21 @@ machine() {
         "$(date +%Y-%m-%d)"
 }
 
-# Puts the table in place of the one between the two marks.
+# The rows with a limit, and the header. An indented row needs the row above it.
+rows_with_limits() { # FILE
+    awk '
+        /^what;/ { print }
+        /^[^ ]/ { above = $0 }
+        /(met|MISSED)$/ { if (/^ / && above != shown) print above; print; shown = above }' "$1"
+}
+
+# Replaces the table between the two marks.
 store_table() { # FILE
     local document=$project_root/docs/performance.md
     {
         sed '/^<!-- table -->$/q' "$document"
         printf '\n%s\n\n```text\n' "$(machine)"
-        cat "$1"
+        rows_with_limits "$1"
         printf '```\n\n'
         sed -n '/^<!-- end of table -->$/,$p' "$document"
     } >"$document.new"

@@ -9,14 +9,15 @@ usage() {
     cat <<'TEXT'
 Usage: docs/take-pictures.sh [OPTION]...
 
-Takes a picture of all that the program shows, on screens of six sizes, and
-compares them with those in docs/pictures. A picture in which a user sees a
-difference takes the place of the stored one, and docs/picture-book.md is written
-anew. Needs the program that takes them: cmake --build --preset release.
+Takes pictures of every page and dialog, on screens of six sizes, and compares
+them with those in docs/pictures. Pictures with a visible difference replace the
+stored ones, and docs/picture-book.md is generated again.
+Build first: cmake --build --preset release
 
-  --check        Changes nothing in docs: says what differs, leaves the new
-                 pictures in the build folder and ends with status 1.
-  --build DIR    Folder with the built programs, "build" if not given.
+  --check        Changes nothing in docs: lists the differences, leaves the new
+                 pictures in the build folder and exits with status 1 if there
+                 are any.
+  --build DIR    Folder with the built programs (default: build).
   --help         Shows this text.
 TEXT
 }
@@ -33,13 +34,13 @@ while [ $# -gt 0 ]; do
     shift
 done
 
-# The smallest panel first: its pictures are those in the text of the documents.
+# The documents show the first size.
 sizes=(800x600 600x800 1024x768 768x1024 1280x800 800x1280)
 stored=docs/pictures
 taken=$build/pictures
 captions=$stored/captions.txt
 
-# take SIZE: takes the pictures on a screen of this size and keeps those that differ.
+# take SIZE: takes the pictures on a screen of this size and keeps the ones that differ.
 take() {
     local status=0
     mkdir -p "$taken/$1"
@@ -49,7 +50,7 @@ take() {
     return "$status"
 }
 
-# Three screens at a time: a window waits for its tools more than it works.
+# Three screens at a time: a window spends most of the time waiting for tools.
 take_all() {
     rm -rf "$taken"
     export -f take
@@ -58,7 +59,7 @@ take_all() {
     printf '%s\n' "${sizes[@]}" | xargs -P 3 -I '{}' bash -c 'take "$1"' take '{}' >"$build/pictures.log"
 }
 
-# A palette takes a third of the place; of its colours no eye misses one.
+# A palette of 256 colours takes a third of the space and looks the same.
 compress() {
     find "$taken" -name '*.png' -print0 |
         xargs -0 -r -n 16 -P 2 pngquant --force --ext .png --nofs --strip --speed 3 256
@@ -69,8 +70,8 @@ write_book() {
     cat <<'TEXT'
 # Picture book
 
-All that the program shows, on the smallest panel, 800x600. The links lead to the same
-on other screens. `docs/take-pictures.sh` takes the pictures and writes this page; the
+Every page and dialog of the program on an 800x600 panel. The links below each picture show
+it on other screens. `docs/take-pictures.sh` takes the pictures and generates this page; the
 captions are in [captions.txt](pictures/captions.txt).
 TEXT
     while IFS=: read -r name caption; do
@@ -95,7 +96,7 @@ cat "$build/pictures.log"
 ! grep -q 'could not be taken' "$build/pictures.log" || exit 1
 if [ "$check" = yes ]; then
     [ "$status" -eq 0 ] ||
-        echo "If the new pictures are right, take them over: docs/take-pictures.sh --build $build"
+        echo "If the new pictures are right, store them: docs/take-pictures.sh --build $build"
     exit "$status"
 fi
 

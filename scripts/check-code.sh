@@ -1,10 +1,9 @@
 #!/usr/bin/env bash
-# Checks format and code: clang-format, cppcheck, clang-tidy, shellcheck, mandoc, and who includes
-# whom.
+# Checks format, include rules, documents, scripts, man pages and code.
 # Usage: scripts/check-code.sh BUILD_FOLDER [--tests]
-# The folder must be configured, for its compile_commands.json. clang-tidy looks at the tests only
-# with --tests, which takes as long again: each run of test.sh runs them with the sanitizers.
-# A file that was found clean is not looked at again until it or a header changes.
+# The folder must be configured, because clang-tidy reads its compile_commands.json. clang-tidy
+# checks the tests only with --tests, which doubles the time. A clean file is not checked again
+# until it or a header changes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=${1:?build folder}
@@ -12,7 +11,7 @@ tested=':!tests'
 [ "${2:-}" != --tests ] || tested='*.cpp'
 
 sources() {
-    # the checkout may belong to another user, of whom git would be wary
+    # git refuses a checkout of another user otherwise
     git -c safe.directory='*' ls-files --cached --others --exclude-standard -- "$@"
 }
 
@@ -28,7 +27,7 @@ echo "Format"
 clang-format --dry-run --Werror "${code[@]}"
 
 echo "Include rules"
-# folder: folders of ours that it may include besides itself
+# folder, then the folders that it may include
 while read -r folder allowed; do
     forbidden=$(grep -nHoE '^#include "[a-z]+/' -r "$folder" |
         grep -vE "\"(${folder##*/}|${allowed// /|})/" || true)
@@ -50,10 +49,10 @@ tools/doctor common packages system
 RULES
 
 echo "Hazards"
-# a test that the register names and nobody can find pins nothing
+# each test that the document names must exist
 while IFS=: read -r file _ function; do
     grep -qsE "^void [A-Za-z]+::$function\\(\\)" tests/*/"$file.cpp" || {
-        echo "docs/hazards.md names $file::$function, which is not there"
+        echo "docs/hazards.md names $file::$function, which does not exist"
         exit 1
     }
 done < <(grep -oE 'tst_[a-z]+::[A-Za-z]+' docs/hazards.md | sort -u)
@@ -61,8 +60,8 @@ done < <(grep -oE 'tst_[a-z]+::[A-Za-z]+' docs/hazards.md | sort -u)
 echo "Links"
 scripts/check-links.sh
 
-echo "Headers" # each compiles by itself
-# What compiles a source file, up to the name of the output.
+echo "Headers" # each must compile on its own
+# The compile command of a source file, without its output.
 compiler_of() {
     python3 -c 'import json, sys
 print(next(unit["command"] for unit in json.load(open(sys.argv[1])) if unit["file"] == sys.argv[2]))' \
@@ -71,13 +70,13 @@ print(next(unit["command"] for unit in json.load(open(sys.argv[1])) if unit["fil
 for header in "${headers[@]}"; do
     unit=${header%.h}.cpp
     name=${header##*/}
-    if [ ! -f "$unit" ]; then # as one that includes it is compiled; twice, which must do no harm
+    if [ ! -f "$unit" ]; then # included twice, with the options of a file that includes it
         unit=$(grep -lE "^#include \"(.*/)?$name\"" "${units[@]}" | head -n 1)
         eval "$(compiler_of "$unit") -fsyntax-only -x c++ -" <<TEXT
 #include "$PWD/$header"
 #include "$PWD/$header"
 TEXT
-    elif ! grep -m 1 '^#include' "$unit" | grep -qE "[\"/]$name\"$"; then # its file sees to it
+    elif ! grep -m 1 '^#include' "$unit" | grep -qE "[\"/]$name\"$"; then # compiling it proves the header
         echo "$unit must include its own header first"
         exit 1
     fi
@@ -90,7 +89,7 @@ echo "Manual pages"
 sources '*.[1-8]' | xargs mandoc -T lint -W warning
 
 echo "Code"
-# Unused is what neither the program nor a tool uses: what only a test uses counts as unused.
+# The tests are left out, so that a function used only by tests is reported as unused.
 cppcheck --quiet --error-exitcode=1 --std=c++20 --library=qt -I src \
     -I tools -I tools/mkpackage -I tools/doctor \
     --enable=warning,style,performance,portability,unusedFunction \

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# Looks whether each file that a document links to exists, and whether each picture is in one.
-# Usage: scripts/check-links.sh [FOLDER] (of the checkout, this one if not given)
+# Checks that every file that a document links to exists, and that a document shows every picture.
+# Usage: scripts/check-links.sh [CHECKOUT] (default: this one)
 set -euo pipefail
 cd "${1:-$(dirname "${BASH_SOURCE[0]}")/..}"
 
-# The targets of links in the documents, from the top of the checkout; pages elsewhere are left out.
+# The targets of all links, relative to the checkout. Web addresses are skipped.
 linked() {
     local document target
     for document in README.md docs/*.md; do
-        { grep -oP '\]\(\K[^)#]+(?=[)#])' "$document" || true; } | # some link to nothing
+        { grep -oP '\]\(\K[^)#]+(?=[)#])' "$document" || true; } | # a document may have no links
             while read -r target; do
                 [[ $target == *://* ]] ||
                     realpath -m --relative-to=. "$(dirname "$document")/$target"
@@ -27,8 +27,8 @@ report() { # TEXT FILE...
 
 mapfile -t targets < <(linked)
 for target in "${targets[@]}"; do
-    [ -e "$target" ] || report "linked and not there" "$target"
+    [ -e "$target" ] || report "broken link" "$target"
 done
 mapfile -t unused < <(comm -13 <(printf '%s\n' "${targets[@]}") <(find docs -name '*.png' | sort))
-report "in no document" "${unused[@]}"
+report "picture that no document shows" "${unused[@]}"
 [ "$broken" = no ]

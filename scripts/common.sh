@@ -1,10 +1,10 @@
-# Shared by run.sh, test.sh and bench/run.sh: what they install and how they build.
+# Installing packages and building, shared by the scripts.
 # shellcheck shell=bash
 
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export project_root
 
-# Debian package names, by what needs them. Read by run.sh and test.sh.
+# Debian packages by purpose.
 # shellcheck disable=SC2034
 build_packages=(g++ make cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
     libarchive-dev zlib1g-dev libfuse3-dev)
@@ -22,7 +22,7 @@ coverage_packages=(gcovr)
 fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14 python3)
 # shellcheck disable=SC2034
 bench_packages=(libxcb1-dev libxcb-damage0-dev)
-# What the benchmarks measure against.
+# The peers of the benchmarks.
 # shellcheck disable=SC2034
 peer_packages=(binutils dbus lxqt-config xfce4-settings)
 # shellcheck disable=SC2034
@@ -35,14 +35,14 @@ panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-
     x11-xserver-utils xdotool xinput xinput-calibrator imagemagick
     openbox x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)
 
-# One line on stderr, then the end.
+# Prints one line on standard error and exits.
 die() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
     exit 1
 }
 
-# Reads the command line of a script that takes nothing but seeds into the array seeds: 1 and 2 if
-# it is empty. The script's own usage() tells the rest.
+# Reads the command line of a script that takes only seeds into the array "seeds"; the default is 1
+# and 2. The script defines usage().
 read_seeds() {
     local argument
     seeds=()
@@ -56,7 +56,7 @@ read_seeds() {
     [ "${#seeds[@]}" -gt 0 ] || seeds=(1 2)
 }
 
-# Runs a command as root: directly, or through sudo where the user is not root.
+# Runs a command as root, with sudo if necessary.
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
@@ -69,35 +69,35 @@ has_terminal() {
     { : </dev/tty; } 2>/dev/null
 }
 
-# Ends with one line if as_root() would fail. Asks for the password now, not in the middle.
+# Exits if as_root() would fail. Asks for the password now rather than in the middle of the work.
 need_root() {
     [ "$(id -u)" -ne 0 ] || return 0
     command -v sudo >/dev/null || die "this needs root: run it as root or install sudo"
     ! sudo --non-interactive true 2>/dev/null || return 0
     has_terminal || die "sudo asks for a password: run this in a terminal, or as root"
-    sudo true || die "this needs root: sudo did not give it"
+    sudo true || die "this needs root: sudo refused"
 }
 
-# Ends with one line where the simulated panel cannot be made, before anybody waits for the build.
+# Exits if the simulated panel cannot be created, so that nobody waits for the build in vain.
 need_panel() {
     need_root
     as_root unshare --mount true 2>/dev/null ||
         die "root may not mount here: the simulated panel needs a machine or a privileged container"
 }
 
-# need_space MEGABYTES: ends with one line if the checkout's disk has less.
+# need_space MEGABYTES: exits if less is free on the disk with the checkout.
 need_space() {
     local free
     free=$(df --output=avail --block-size=1M "$project_root" | tail -n 1)
     [ "$free" -ge "$1" ] ||
-        die "the build needs $1 MB in $project_root, and $((free)) MB are free there"
+        die "the build needs $1 MB in $project_root, but only $((free)) MB are free"
 }
 
 is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
-# Name of the system that this is, if it is not the one whose packages are named above.
+# The name of this system, if it is not Debian 12.
 foreign_system() {
     (
         ID='' VERSION_ID='' PRETTY_NAME="an unknown system"
@@ -107,14 +107,14 @@ foreign_system() {
     ) 2>/dev/null
 }
 
-# The one line that tells why apt-get failed: explain_apt OUTPUT_OF_UPDATE OUTPUT_OF_INSTALL
+# explain_apt OUTPUT_OF_UPDATE OUTPUT_OF_INSTALL: one line that says why apt-get failed.
 explain_apt() {
     local reason system
     reason=$(grep -m 1 'No space left on device' <<<"$2" || grep -m 1 '^E: ' <<<"$2" || tail -n 1 <<<"$2")
     system=$(foreign_system)
     case $reason in
     "E: Unable to locate"* | "E: Package "*)
-        # Without its lists apt knows no package; why they did not come is the reason then.
+        # apt knows no packages without its lists, so the cause is whatever kept them from loading.
         reason=$(grep -m 1 'Failed to fetch' <<<"$1" || echo "$reason")
         ;;
     esac
@@ -122,7 +122,7 @@ explain_apt() {
     echo "${reason# }${system:+; this is $system, and Debian 12 is needed}"
 }
 
-# Installs what is missing of the given Debian packages. Says and does nothing if all are there.
+# Installs the given Debian packages that are missing. Silent if none is.
 install_packages() {
     local package updated installed missing=()
     for package in "$@"; do
@@ -131,17 +131,17 @@ install_packages() {
     [ "${#missing[@]}" -gt 0 ] || return 0
     command -v apt-get >/dev/null || die "there is no apt-get here: Debian 12 is needed"
     need_root
-    echo "Installing, which can take minutes: ${missing[*]}"
-    # What is wrong with a source matters only if a package does not come.
+    echo "Installing, which can take some minutes: ${missing[*]}"
+    # A broken source matters only if a package cannot be installed.
     updated=$(as_root env LC_ALL=C.UTF-8 apt-get update -qq 2>&1) || true
-    # A fresh system updates itself and holds the lock meanwhile.
+    # A fresh system may be updating itself and hold the lock.
     installed=$(as_root env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
         --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}" 2>&1) ||
         die "the packages could not be installed: $(explain_apt "$updated" "$installed")"
 }
 
-# Configures and builds a preset of CMakePresets.json: build_preset PRESET [TARGET...], all targets
-# if none is given. Says nothing if all is up to date.
+# build_preset PRESET [TARGET...]: configures and builds a preset of CMakePresets.json; all targets
+# by default. Silent if everything is up to date.
 build_preset() {
     local preset=$1
     shift
@@ -154,7 +154,7 @@ build_preset() {
         ;;
     esac
     cmake --preset "$preset" >/dev/null || die "cmake could not configure the preset $preset"
-    # CMake names each target whose generated code it looks at, even if nothing is to be done.
+    # CMake prints these lines even if there is nothing to build.
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1+--target "$@"} |
         sed --unbuffered '/Automatic .* for target/d'
     [ "${PIPESTATUS[0]}" -eq 0 ] || die "the build of the preset $preset failed"

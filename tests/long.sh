@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs the tests that take too long for test.sh, one part after the other.
+# Runs the tests that take too long for test.sh, one after the other.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -9,12 +9,12 @@ usage() {
     cat <<TEXT
 Usage: tests/long.sh [PART...]
 
-Runs the long tests, or only the named ones, and goes on after one that fails.
-Exit status: 0 if all passed, 1 if one failed, 2 for wrong usage.
-docs/reliability.md has the last results.
+Runs all long tests, or only the given ones. Continues after a failure.
+Exit status: 0 if all passed, 1 if any failed, 2 for wrong usage.
+docs/reliability.md says what they guarantee.
 
 Parts: ${known[*]}
-Each is a script in tests/long that has options of its own; see its --help.
+Each is a script in tests/long with its own options; see its --help.
 TEXT
 }
 

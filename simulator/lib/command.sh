@@ -1,11 +1,11 @@
-# Running the command, and ending with its status. Sourced.
+# Runs the command and exits with its status. Sourced.
 # shellcheck shell=bash
 
 status=0
 command_process=
 
-# Root of the panel is not root of the machine: its clock, its kernel and its
-# devices are out of reach even for the real tools.
+# Root in the panel has no power over the machine: even the real tools cannot reach its clock,
+# kernel and devices.
 readonly dropped=-sys_time,-sys_boot,-sys_module,-syslog,-sys_rawio,-mknod
 readonly without_rights=(setpriv --bounding-set "$dropped" --inh-caps "$dropped" --)
 
@@ -16,7 +16,7 @@ set_environment() {
     unset -v "${!SUDO_@}"
 }
 
-# Ctrl-C reaches every process of the terminal; only the command shall get it.
+# A session of its own keeps Ctrl-C away from the servers: only the command must get it.
 start_server() { # LOG COMMAND...
     local log=$1
     shift
@@ -30,7 +30,7 @@ start_server() { # LOG COMMAND...
 
 run_command() {
     unset -v "${!PANEL_@}"
-    # A background command would get no input and would ignore Ctrl-C.
+    # bash starts background commands without input and with Ctrl-C ignored; this restores both.
     env --default-signal=INT,QUIT PATH="${command_path:-$PATH}" \
         "${without_rights[@]}" "${command[@]}" \
         <&0 20<&- 21<&- 22<&- 23<&- 24>&- 30<&- &
@@ -40,13 +40,13 @@ run_command() {
         take_screenshot
         end_command
     else
-        wait "$command_process" 2>/dev/null # bash would report a signal in its own words
+        wait "$command_process" 2>/dev/null # bash would print a message for a signal
         status=$?
     fi
     end_tracing
 }
 
-# The command may want to write something before it goes; it has two seconds.
+# Gives the command two seconds to finish.
 end_command() {
     local tenth
     [[ -n $command_process ]] || return 0

@@ -1,4 +1,4 @@
-# The panel's display, always ":0", and what belongs to it. Sourced.
+# The panel's display, which is always ":0", and its helpers. Sourced.
 # shellcheck shell=bash
 
 readonly touch_name="PenMount USB Touchscreen"
@@ -26,8 +26,8 @@ start_display() {
     fi
 }
 
-# start_ready NAME COMMAND...: waits until the server has written a line to file
-# descriptor 3, or ended without it. The line is left in $answer.
+# start_ready NAME COMMAND...: starts a server and waits until it writes a line to descriptor 3. The
+# line is in $answer. Fails after 30 s, or if the server ends first.
 start_ready() {
     local name=$1 pipe=/run/panel/$1.ready log=/run/panel/$1.log
     shift
@@ -46,10 +46,10 @@ start_xvfb() { # DISPLAY SIZE
 
 write_xorg_conf() {
     local width=${size%x*} height=${size#*x}
-    # The dummy driver has no timing; the numbers only have to agree with each other.
+    # The dummy driver ignores the timing, but the numbers must be consistent.
     local htotal=$((width + 160)) vtotal=$((height + 30))
     local clock=$((htotal * vtotal * 60 / 1000))
-    # outside of this the driver refuses the mode or takes another one
+    # outside this range the driver rejects the mode or picks another
     ((clock >= 12000)) || clock=12000
     ((clock <= 300000)) || clock=300000
     cat <<CONF
@@ -97,7 +97,7 @@ CONF
 }
 
 start_xorg() {
-    local server=/usr/lib/xorg/Xorg # not its wrapper, which asks for a console
+    local server=/usr/lib/xorg/Xorg # its wrapper would need a console
     [[ -x $server ]] || server=Xorg
     write_xorg_conf >/run/panel/xorg.conf
     start_ready Xorg "$server" :0 -config /run/panel/xorg.conf -logfile /run/panel/xorg.log \
@@ -113,7 +113,7 @@ start_xephyr() {
     DISPLAY=:1 start_ready Xephyr Xephyr :0 -screen "$size" "${server_options[@]}" -displayfd 3
 }
 
-# The window's server is the only process that sees the user's display.
+# Only the window's server can reach the user's display.
 start_window() {
     local width=${size%x*} height=${size#*x}
     reaching_out=yes start_ready Xephyr \
@@ -124,7 +124,7 @@ start_window() {
     ln -s "/proc/$server/root/tmp/.X11-unix/X$answer" /tmp/.X11-unix/X0
 }
 
-# Neither of the two can say that it is ready.
+# Polled, because neither server reports that it is ready.
 wait_for_page() {
     local try
     for ((try = 0; try < 200; try++)); do
@@ -138,7 +138,7 @@ wait_for_page() {
     return 1
 }
 
-# The page is served in the machine's network, the display in the panel's.
+# The web page is in the machine's network, the display in the panel's.
 start_web() {
     local page="http://127.0.0.1:$web_port/vnc.html?autoconnect=1&resize=scale"
     start_server /run/panel/x11vnc.log x11vnc -display :0 -unixsock "$vnc_socket" -rfbport 0 \

@@ -4,7 +4,7 @@
 install_files() {
     [[ $files == yes ]] || return 0
     mkdir -p /opt/talmero/hmi /home/dest /media/usb0 /usr/share/fonts/truetype/freefont &&
-        # a stick is a file system of its own: moving a file off it copies
+        # a stick is a separate file system, so moving a file off it copies the file
         mount -t tmpfs panel /media/usb0 &&
         cp -r "$simulator/files/." / || fail "cannot install the panel's files"
     if [[ -x $build/simulator/standin-runtime ]]; then

@@ -1,6 +1,6 @@
 #!/bin/bash
-# The panel's first process. Started by "panel" in namespaces of its own; when it
-# ends, the kernel ends everything else in the panel.
+# The panel's first process. "panel" starts it in new namespaces. When it ends, the kernel ends
+# everything else in the panel.
 set -u
 
 eval "$PANEL_CONFIG"
@@ -8,7 +8,7 @@ unset -v PANEL_CONFIG
 panel_error=125
 caller_folder=$PWD
 
-# shellcheck disable=SC2317 # the files sourced below use it
+# shellcheck disable=SC2317 # used by the files sourced below
 fail() {
     printf 'panel: %s\n' "$1" >&2
     exit "$panel_error"
@@ -19,7 +19,7 @@ for topic in rootfs far-side network serial files tools display screenshot comma
     source "$simulator/lib/$topic.sh"
 done
 
-# A first process ignores signals that it does not catch.
+# The kernel drops signals to a first process that has no handler for them.
 trap 'end_by_signal 1' HUP
 trap 'end_by_signal 2' INT
 trap 'end_by_signal 15' TERM

@@ -1,29 +1,28 @@
-# The panel's network: two ports, their cables, and what is at the far ends. Sourced.
+# The panel's network: two ports, their cables and the machines at the far ends. Sourced.
 # shellcheck shell=bash
 #
-# The client is Debian's own dhclient with Debian's settings: it asks at once, and asks
-# again after 3 to 20 seconds. What it leaves behind matters to whoever runs it twice:
-# - With a lease it stays in the background and renews. Running it again for the same
-#   port adds another process; both stay.
-# - It writes /run/dhclient.pid only after the command has returned. "-r" in that moment
-#   releases the lease, but ends no client.
-# - All of them write that file, so it names the last one only. "-r" ends the process in
-#   it, even if that serves the other port, and takes the address off its own port. An
-#   earlier process goes on, and its renewal after half an hour sets the address again.
-# - While it waits for an offer it is two processes, and no file tells of them. The child
-#   does the work. If only the parent is ended, as with a signal to its number, the child
-#   goes on asking, sets the address as soon as a server answers, and then ends: nobody
-#   renews that lease. A signal must go to the process group, as timeout sends it.
-# - Without an offer for a minute it says so on standard error if it was given "-v", ends
-#   with status 0 and stays in the background as well, with its number in the file.
+# The DHCP client is Debian's dhclient with Debian's settings. It sends a request at once, and again
+# after 3 to 20 seconds. Running it more than once has side effects:
+# - With a lease, it stays in the background and renews. Running it again for the same port adds a
+#   second process; both stay.
+# - It writes /run/dhclient.pid only after the command has returned. Until then "-r" releases the
+#   lease but ends no client.
+# - All clients write that file, so it names only the last one. "-r" ends that process, even if it
+#   serves the other port, and removes the address from its own port. An earlier process continues,
+#   and its renewal after half an hour sets the address again.
+# - While it waits for an offer, it is two processes, and the file names neither. The child does the
+#   work. If a signal ends only the parent, the child keeps asking, sets the address when a server
+#   answers, and then ends: nothing renews that lease. A signal must go to the process group, as
+#   timeout sends it.
+# - Without an offer for a minute, the command ends with status 0; with "-v" it says so on standard
+#   error. The client stays in the background, and the file names it.
 
-# A DHCP client would ask for the address that this machine once had.
+# With this machine's leases, a client would ask for an address that the machine once had.
 forget_leases() {
     mkdir -p /var/lib/dhcp && mount -t tmpfs -o mode=755 panel /var/lib/dhcp
 }
 
-# The cables are fixed to their far ends: only there can they be pulled without
-# the port being switched off as well.
+# A cable can be unplugged only at its far end: at the panel's end this would disable the port too.
 connect_ports() {
     local port
     {
@@ -58,7 +57,7 @@ is_listening() { # PROCESS TCP_PORT, in the network of that process
     return 1
 }
 
-# BusyBox cannot say that it is ready.
+# Polled, because BusyBox does not report that it is ready.
 wait_for_echo() { # PROCESS
     local try
     for ((try = 0; try < 500; try++)); do
@@ -96,7 +95,7 @@ set_up_network() {
     done
 }
 
-# Beside the rest of the set-up, because its servers take most of a short panel's time.
+# In the background: the servers take most of the time that a panel needs to start.
 start_network() {
     set_up_network &
     network_setup=$!
@@ -104,6 +103,6 @@ start_network() {
 
 finish_network() {
     wait "$network_setup" || exit "$panel_error"
-    # on the production line a unit has an address in the network of the echo peer
+    # on the production line a unit has an address in the echo peer's network
     [[ $factory == no ]] || ip address add 192.168.0.10/24 dev eth0 || fail "cannot set an address"
 }

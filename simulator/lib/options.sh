@@ -13,7 +13,7 @@ shares=()
 command=()
 
 readonly usage_error=2
-readonly panel_error=125 # the panel itself failed; a command can hardly mean this by it
+readonly panel_error=125 # the panel itself failed; commands hardly use this status
 
 fail() {
     printf 'panel: %s\n' "$1" >&2
@@ -24,38 +24,37 @@ show_help() {
     cat <<'HELP'
 Usage: simulator/panel [OPTIONS] [--] COMMAND [ARGS...]
 
-Makes a throw-away touch panel out of this machine and runs COMMAND in it.
-COMMAND sees the files of this machine under their own paths and may change all
-of them; at the end every change is gone. Of /home, /tmp, /run and /media it sees
-only the checkout. It has no network but its own, which
-simulator/network controls, no disk, loopback plugs in its serial ports,
-which simulator/serial changes, and it cannot set the clock.
-Root is needed; sudo is used where it is there. The end status is that of COMMAND,
-128 and the signal's number if a signal ended it, or 125 if the panel could not be
-made.
+Creates a throw-away touch panel from this machine and runs COMMAND in it.
+COMMAND sees this machine's files under their own paths and can change them; all
+changes are discarded at the end. In /home, /tmp, /run and /media it sees only the
+checkout. The panel has no disk and cannot set the clock. It has its own network,
+which simulator/network controls, and loopback plugs in its serial ports, which
+simulator/serial replaces.
+This needs root, or sudo. The exit status is that of COMMAND, 128 plus the signal
+number if a signal ended it, or 125 if the panel could not be created.
 
   --display none      No display. This is the default.
   --display xvfb      A plain display in memory.
   --display xorg      A display in memory with a touch controller. Brightness
-                      works. simulator/finger touches it.
+                      works, and simulator/finger can touch the screen.
   --display xephyr    A display in memory that can be rotated.
   --display window    A window on your display. It can be rotated.
-  --display web       Like xorg, shown in the browser. The address is printed.
-                      A press in the browser is a finger on the panel.
-  --size WxH          Size of the display in pixels, 800x600 if not given.
-  --share DIR         COMMAND may write into this folder for real. The option
-                      may be given several times.
-  --build DIR         Folder with the built programs, otherwise "build" in the
-                      checkout. The stand-in of the HMI runtime comes from there.
-  --factory           Puts the marker of factory setup on the USB stick.
-  --no-files          Leaves out the panel's own files and the stick's.
+  --display web       Like xorg, shown in a browser at the address that is
+                      printed. A mouse press in the browser touches the panel.
+  --size WxH          Size of the display in pixels (default: 800x600).
+  --share DIR         What COMMAND writes into this folder is kept. Can be given
+                      several times.
+  --build DIR         Folder with the built programs, such as the stand-in for the
+                      HMI runtime (default: "build" in the checkout).
+  --factory           Puts the factory marker on the USB stick.
+  --no-files          Leaves out the panel's own files and those on the stick.
   --trace             Prints one line on standard error for each tool that COMMAND
-                      runs. A line that repeats at once is shown only once more.
+                      runs. Repeated lines are shortened to one.
                       /run/panel/tools.log in the panel has every line.
-  --screenshot FILE   Saves a picture of the display as PNG, then ends the panel
-                      with status 0.
-  --after SECONDS     Takes the picture so long after the first window came up,
-                      3 if not given. Decimals are allowed.
+  --screenshot FILE   Saves a screenshot of the display as PNG, then ends the
+                      panel with status 0.
+  --after SECONDS     Time between the first window appearing and the screenshot
+                      (default: 3). Decimals are allowed.
   --help              Shows this text.
 HELP
 }
@@ -111,7 +110,7 @@ take_value() {
     esac
 }
 
-# Separate from the parsing, because a folder may be readable for root only.
+# Separate from the parsing, because a folder may be readable only by root.
 check_options() {
     local i
     for i in "${!shares[@]}"; do

@@ -1,11 +1,11 @@
-# What happens on the side of the machine that the panel is made from. Sourced.
+# The part of "panel" that runs on the machine, outside the panel. Sourced.
 # shellcheck shell=bash
 
 web_port=
 status=0
 
-# A script's background command ignores INT from birth, and bash cannot take that
-# back by itself. The panel must end on INT however it was started.
+# A script's background command ignores INT, and bash cannot undo that. The panel must end on INT
+# however it was started.
 accept_interrupts() {
     if [[ $(trap -p INT QUIT) ]]; then
         exec env --default-signal=INT,QUIT "$simulator/panel" "$@"
@@ -14,14 +14,13 @@ accept_interrupts() {
 
 become_root() {
     ((EUID)) || return 0
-    type -P sudo >/dev/null || fail "root is needed, and there is no sudo here"
-    # sudo may drop what leads to the user's display
+    type -P sudo >/dev/null || fail "this needs root: run it as root or install sudo"
+    # sudo may drop the variables that point to the user's display
     exec sudo -- env ${DISPLAY+"DISPLAY=$DISPLAY"} \
         "XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}" "$simulator/panel" "$@"
 }
 
-# A desktop session's addresses and look must not reach into the panel, or a test
-# would depend on who runs it.
+# The panel must not see the variables of a desktop session, or a test would depend on who runs it.
 forget_the_callers_session() {
     local name
     export PANEL_HOST_DISPLAY=${DISPLAY-} PANEL_HOST_XAUTHORITY=${XAUTHORITY:-${HOME-}/.Xauthority}
@@ -53,8 +52,8 @@ prepare_outside() {
     fi
 }
 
-# The panel hands these to the one helper that must reach the user's display or
-# browser. As a process of the panel that helper ends with it in any case.
+# The panel passes these to the one helper that must reach the user's display or browser. The helper
+# is a process of the panel, so it always ends with the panel.
 keep_host_namespaces() {
     exec 20</proc/self/ns/mnt 21</proc/self/ns/net 22</proc/self/ns/uts 23</proc/self/ns/ipc
 }
@@ -66,7 +65,7 @@ find_free_port() {
     fail "no free port from 6080 to 6179 for the browser"
 }
 
-# Opened out here: the panel can then fill this one file and see no other.
+# Opened outside, so that the panel can write this file and no other.
 open_screenshot() {
     { exec 24>"$screenshot"; } 2>/dev/null || fail "cannot write $screenshot"
     if [[ -n ${SUDO_UID-} && -n ${SUDO_GID-} ]]; then
@@ -74,7 +73,7 @@ open_screenshot() {
     fi
 }
 
-# unshare keeps INT and TERM from itself, so they go to its child, the panel's first process.
+# unshare ignores INT and TERM, so they go directly to its child, the panel's first process.
 pass_on() {
     local first=
     { read -r first <"/proc/$panel_process/task/$panel_process/children"; } 2>/dev/null
@@ -90,7 +89,7 @@ wait_for_panel() {
     local name
     stopped_by=
     for name in INT TERM HUP; do
-        # shellcheck disable=SC2064 # the name of this round is wanted
+        # shellcheck disable=SC2064 # expanded now, in the loop
         trap "pass_on $name" "$name"
     done
     while kill -0 "$panel_process" 2>/dev/null; do

@@ -1,8 +1,8 @@
-# The panel's root file system: the machine's own, below a layer that takes the
-# writes and is forgotten. Sourced.
+# The panel's root file system: the machine's own, under a layer that takes all writes and is
+# discarded at the end. Sourced.
 # shellcheck shell=bash
 
-# Nothing of the machine shows in these; the panel has its own.
+# The panel has its own, empty versions of these.
 readonly fresh_folders=(/tmp /run /media)
 
 is_below() { # PATH FOLDER: true for the folder itself too
@@ -17,7 +17,7 @@ is_fresh() {
     return 1
 }
 
-# The folder is covered while the panel is built, so nothing that is needed may lie in it.
+# The staging folder is covered during set-up, so it must not contain anything that is needed.
 choose_staging() {
     local needed
     for staging in /mnt /srv /media /opt; do
@@ -30,30 +30,30 @@ choose_staging() {
     fail "no free folder to build the panel in"
 }
 
-# overlay SOURCE: shows the folder in the new root, writes go to memory
+# overlay SOURCE: shows the folder in the new root; writes go to memory
 layers=0
 overlay() {
     local layer=$staging/layer$((layers++))
     mkdir -p "$layer/upper" "$layer/work" "$root$1" || return
-    # renaming a folder of the lower layer must work as on a real disk
+    # redirect_dir makes renaming a folder of the lower layer work as on a real disk
     mount -t overlay -o "lowerdir=${1//:/\\:},upperdir=$layer/upper,workdir=$layer/work,redirect_dir=on" \
         panel "$root$1" 2>/dev/null && return
-    # not every file system can be a lower layer
+    # some file systems cannot be a lower layer
     mount -o bind,ro "$1" "$root$1" || fail "cannot show $1 in the panel"
 }
 
-# A panel's /home is empty and on the same file system as its /opt. The device 0, 0 hides what lies
-# below it, if it is in the upper layer before that is mounted.
+# A panel's /home is empty, and on the same file system as its /opt. In an upper layer, a device 0:0
+# hides the entry below it, if it exists before the overlay is mounted.
 hide_home() {
     mkdir -p "$staging/layer0/upper" && mknod "$staging/layer0/upper/home" c 0 0 ||
         fail "cannot hide /home"
 }
 
-# Other file systems of the machine are not part of its root's layer.
+# An overlay of / does not include the other file systems mounted below it.
 add_file_systems() {
     local target needed
     while read -r _ _ _ _ target _; do
-        printf -v target %b "$target" # blanks are written in octal there
+        printf -v target %b "$target" # mountinfo writes blanks in octal
         [[ $target != / && -d $target ]] || continue
         is_fresh "$target" && continue
         is_below "$target" "$staging" && continue
@@ -72,7 +72,7 @@ add_file_systems() {
     done <<<"$host_mounts"
 }
 
-# The checkout may lie below /tmp or /home, which are fresh.
+# The checkout may be below /tmp or /home, which are empty in the panel.
 add_hidden_folders() {
     local folder
     for folder in "$checkout" "$build" "$caller_folder"; do
@@ -90,7 +90,7 @@ add_shares() {
     done
 }
 
-# Only what a program takes for granted: no disk, no serial port of the machine, no clock.
+# Only the devices that every program expects: no disk, serial port or clock of the machine.
 make_dev() {
     local nodes=(/dev/null /dev/zero /dev/full /dev/random /dev/urandom /dev/tty)
     [[ -c /dev/fuse ]] && nodes+=(/dev/fuse)
@@ -103,14 +103,14 @@ make_dev() {
         ln -s /proc/self/fd /proc/self/fd/0 "$root/dev" && mv "$root/dev/0" "$root/dev/stdin" &&
         ln -s /proc/self/fd/1 "$root/dev/stdout" &&
         ln -s /proc/self/fd/2 "$root/dev/stderr" || return
-    mount -t mqueue panel "$root/dev/mqueue" 2>/dev/null # not every kernel has it
+    mount -t mqueue panel "$root/dev/mqueue" 2>/dev/null # some kernels lack it
     return 0
 }
 
 make_kernel_folders() {
     mount -t proc -o nosuid,nodev,noexec panel "$root/proc" || return
     echo panel >/proc/sys/kernel/hostname || return
-    # most of what can be set there is the machine's
+    # most of its settings are the machine's
     mount -o bind,ro "$root/proc/sys" "$root/proc/sys" || return
     if [[ -e $root/proc/sysrq-trigger ]]; then
         mount --bind "$root/dev/null" "$root/proc/sysrq-trigger" || return
@@ -145,6 +145,6 @@ enter_root() {
         umount -l /run/old-root && rmdir /run/old-root || fail "cannot enter the panel"
     mkdir -p /run/panel /run/lock /run/user /tmp/.X11-unix && mkdir -m 700 /run/user/0
     chmod 1777 /tmp/.X11-unix /run/lock
-    echo "simulated panel" >/run/talmero-panel # the tests refuse to run where this is missing
+    echo "simulated panel" >/run/talmero-panel # the tests refuse to run without it
     cd "$caller_folder" 2>/dev/null || cd /
 }

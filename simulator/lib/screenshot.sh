@@ -1,8 +1,8 @@
-# The picture of the display. Sourced.
+# Takes the screenshot of the display. Sourced.
 # shellcheck shell=bash
 
-# Watching must have begun before the command starts, or its first window is missed.
-# The watcher does not say when it is ready, so something is done for it to see.
+# The watcher must be ready before the command starts, or it misses the first window. It does not
+# report that it is ready, so this sets a property until the watcher sees one.
 watch_for_window() {
     local line='' try
     mkfifo /run/panel/windows

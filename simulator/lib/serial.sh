@@ -1,13 +1,13 @@
-# What is plugged into the panel's serial ports. Sourced by init.sh and by "serial".
+# The loopback plugs in the panel's serial ports. Sourced by init.sh and "serial".
 # shellcheck shell=bash
 
 readonly serial_pid_file=/run/panel/serial.pid
 
-compose_serial_plugs() { # MODE MODE MODE: leaves the command in serial_plugs
+compose_serial_plugs() { # MODE MODE MODE: puts the command into serial_plugs
     serial_plugs=("$simulator/echo-peer" --pid-file "$serial_pid_file" serial "$@")
 }
 
-# Beside the rest of the set-up, like the network.
+# In the background, like the network.
 start_serial() {
     compose_serial_plugs whole whole whole
     start_server /run/panel/serial.log "${serial_plugs[@]}"

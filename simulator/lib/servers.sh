@@ -1,7 +1,7 @@
-# Ending what serves the panel. Sourced by "network" and "serial".
+# Ends servers of the panel. Sourced by "network" and "serial".
 # shellcheck shell=bash
 
-# end_server PID_FILE NAME: nothing happens if it does not run
+# end_server PID_FILE NAME: does nothing if the server is not running
 end_server() {
     local process try
     { read -r process <"$1"; } 2>/dev/null || return 0

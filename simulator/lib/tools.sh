@@ -1,9 +1,9 @@
-# Stand-ins for tools of the machine, and the lines that say which tools run. Sourced.
+# Stand-ins for tools of the machine, and the trace of the tools that run. Sourced.
 # shellcheck shell=bash
 
 readonly traced_tools=(xrandr xset xinput date hwclock ifconfig dhclient tar du rm mv sync
     sleep beep xCal)
-readonly real_tools=/usr/lib/talmero-panel # what a stand-in covers, for those that pass on
+readonly real_tools=/usr/lib/talmero-panel # the tools that the stand-ins replace and may still call
 readonly trace_log=/run/panel/tools.log
 readonly trace_pipe=/run/panel/tools.pipe
 
@@ -23,7 +23,7 @@ install_tools() {
     if [[ -d $build/simulator/ifupdown/files ]]; then
         cp -r "$build/simulator/ifupdown/files/." / || fail "cannot install ifupdown"
     fi
-    # the program reads the classic layout, which net-tools has given up
+    # the program reads the classic format, which current net-tools no longer print
     busybox=$(type -P busybox) && ln -sf "$busybox" /usr/sbin/ifconfig
 }
 
@@ -31,7 +31,7 @@ start_tracing() {
     local tool wrappers=()
     [[ $trace == yes ]] || return 0
     for tool in "${traced_tools[@]}"; do
-        # a tool that is missing must be missing for the program too
+        # a tool that is missing on the machine must be missing for the program too
         type -P "$tool" >/dev/null && wrappers+=("$tool")
     done
     mkdir /run/panel/tools && cp "$simulator/tools/trace" /run/panel/trace || fail "cannot trace tools"
@@ -40,13 +40,13 @@ start_tracing() {
     done | xargs -n 2 ln -s
     : >"$trace_log"
     mkfifo "$trace_pipe"
-    exec 30<>"$trace_pipe" # kept open, or a tool would wait for a reader
+    exec 30<>"$trace_pipe" # kept open, so that no tool waits for a reader
     follow_trace &
     follower=$!
     command_path=/run/panel/tools:$PATH
 }
 
-# Rescue mode asks for the touch state five times a second.
+# Shortens repeats, because the rescue poll runs xinput five times a second.
 follow_trace() {
     local line last='' repeated=no
     while IFS= read -r line <&30 && [[ -n $line ]]; do
@@ -63,6 +63,6 @@ follow_trace() {
 
 end_tracing() {
     [[ $trace == yes ]] || return 0
-    echo >&30 # the empty line ends the follower behind the last tool's line
+    echo >&30 # an empty line ends the follower after the last tool's line
     wait "$follower"
 }

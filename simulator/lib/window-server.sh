@@ -1,7 +1,7 @@
 #!/bin/sh
 # Shows a panel in a window: window-server.sh DISPLAY XAUTHORITY XEPHYR-OPTIONS...
-# Runs with a mount namespace of its own, in which it may cover /tmp: the server's
-# socket and lock then leave no trace on the machine, not even if it is killed.
+# Runs in its own mount namespace and covers /tmp there, so that the server's socket and lock leave
+# no trace on the machine, even if the server is killed.
 set -eu
 DISPLAY=$1
 XAUTHORITY=$2
@@ -22,5 +22,5 @@ fi
 mount --move /mnt /tmp
 XAUTHORITY=/tmp/authority
 export DISPLAY XAUTHORITY
-# Shared memory would not work across the panel's border.
+# Shared memory does not work between the panel and the machine.
 exec Xephyr -title "TALMERO panel" -extension MIT-SHM "$@"

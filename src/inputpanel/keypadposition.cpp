@@ -12,3 +12,9 @@ QPoint keypadPosition(const QRect &field, int height, const QRect &available)
     }
     return below;
 }
+
+int keypadShift(const QRect &field, int height, const QRect &available)
+{
+    const int missing = available.top() - keypadPosition(field, height, available).y();
+    return missing > 0 && field.bottom() + missing <= available.bottom() ? missing : 0;
+}

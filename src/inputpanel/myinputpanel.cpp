@@ -1,7 +1,6 @@
 #include "inputpanel/myinputpanel.h"
 
 #include <QApplication>
-#include <QShowEvent>
 
 /// The collection is linked in from a static library, which does not register it by itself. The
 /// macro wants a function outside any namespace.
@@ -36,13 +35,10 @@ bool MyInputPanel::event(QEvent *e)
     return QWidget::event(e);
 }
 
-/// Reading a picture loads all that the toolkit has for pictures: a start does without.
-void MyInputPanel::showEvent(QShowEvent *event)
+void MyInputPanel::hideEvent(QHideEvent *event)
 {
-    if (form.panelButton_hash->icon().isNull()) {
-        form.panelButton_hash->setIcon(QIcon(":/images/backspace.png"));
-    }
-    QWidget::showEvent(event);
+    QWidget::hideEvent(event);
+    emit hidden();
 }
 
 void MyInputPanel::saveFocusWidget(QWidget *, QWidget *newFocus)

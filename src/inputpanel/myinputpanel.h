@@ -19,9 +19,12 @@ signals:
     /// A key was tapped. The backspace key gives '#'.
     void characterGenerated(QChar character);
 
+    /// The keypad was hidden, by a call or by its button.
+    void hidden();
+
 protected:
     bool event(QEvent *e) override;
-    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private slots:
     void saveFocusWidget(QWidget *oldFocus, QWidget *newFocus);

@@ -11,13 +11,24 @@
 
 namespace {
 constexpr QChar backspaceKey('#');
+
+QRect availablePlace()
+{
+    return QGuiApplication::primaryScreen()->availableGeometry();
 }
+
+QRect placeOf(const QWidget *field)
+{
+    return {field->mapToGlobal(QPoint(0, 0)), field->size()};
+}
+} // namespace
 
 MyInputPanelContext::MyInputPanelContext()
     : inputPanel(std::make_unique<MyInputPanel>())
 {
     connect(inputPanel.get(), &MyInputPanel::characterGenerated, this,
             &MyInputPanelContext::sendCharacter);
+    connect(inputPanel.get(), &MyInputPanel::hidden, this, &MyInputPanelContext::hidden);
 }
 
 MyInputPanelContext::~MyInputPanelContext() = default;
@@ -48,6 +59,7 @@ bool MyInputPanelContext::filterEvent(const QEvent *event)
         if (targetLineEdit == nullptr) {
             return false;
         }
+        emit aboutToShow(targetLineEdit);
         updatePosition();
         showPanel();
         return true;
@@ -62,12 +74,24 @@ bool MyInputPanelContext::filterEvent(const QEvent *event)
 void MyInputPanelContext::updatePosition()
 {
     const QWidget *widget = QApplication::focusWidget();
-    if (widget == nullptr) {
-        return;
+    if (widget != nullptr) {
+        inputPanel->move(positionAt(widget));
     }
-    const QRect field(widget->mapToGlobal(QPoint(0, 0)), widget->size());
-    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
-    inputPanel->move(keypadPosition(field, inputPanel->height(), available));
+}
+
+QPoint MyInputPanelContext::positionAt(const QWidget *field) const
+{
+    return keypadPosition(placeOf(field), inputPanel->height(), availablePlace());
+}
+
+bool MyInputPanelContext::panelFitsAt(const QWidget *field) const
+{
+    return availablePlace().contains(QRect(positionAt(field), inputPanel->size()));
+}
+
+int MyInputPanelContext::shiftFor(const QWidget *field) const
+{
+    return keypadShift(placeOf(field), inputPanel->height(), availablePlace());
 }
 
 QWidget *MyInputPanelContext::panel() const

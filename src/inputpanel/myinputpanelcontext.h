@@ -35,14 +35,29 @@ public:
     /// the bottom. It is never shifted sideways. Does nothing if nothing has the focus.
     void updatePosition();
 
+    /// Whether the whole keypad would be on the screen if @p field asked for it.
+    bool panelFitsAt(const QWidget *field) const;
+
+    /// How many pixels @p field must move down for the keypad to be whole above it; 0 if it need
+    /// not, or if that would not help.
+    int shiftFor(const QWidget *field) const;
+
     /// The keypad's window.
     QWidget *panel() const;
+
+signals:
+    /// The keypad is about to be placed at @p field and shown.
+    void aboutToShow(QWidget *field);
+
+    /// The keypad was hidden.
+    void hidden();
 
 private slots:
     void sendCharacter(QChar character);
 
 private:
     void showPanel();
+    QPoint positionAt(const QWidget *field) const;
     void deleteLastCharacter();
 
     std::unique_ptr<MyInputPanel> inputPanel;

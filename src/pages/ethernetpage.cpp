@@ -97,7 +97,6 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     auto *maskCaption = new QLabel(tr("Netmask:"), page);
     for (QLabel *editCaption : {addressCaption, maskCaption}) {
         setWidgetWithStyle(editCaption);
-        useRowFont(editCaption);
     }
     auto *edits = new QGridLayout;
     edits->setHorizontalSpacing(captionSpacing);
@@ -108,7 +107,6 @@ void BiosInterface::createEthernetPort(int lan, QBoxLayout *layout)
     edits->addWidget(port.mask, 1, 1);
 
     QLabel *caption = createHeading(tr(look.caption), page);
-    useRowFont(caption);
     layout->addWidget(caption);
     layout->addWidget(port.disable);
     layout->addWidget(port.dhcp);
@@ -169,40 +167,38 @@ void BiosInterface::setEthernetEditsEnabled(int lan, bool enabled)
     port.mask->setEnabled(enabled);
 }
 
-PortMode BiosInterface::shownPortMode(int lan) const
+PortSetup BiosInterface::shownPort(int lan) const
 {
     const EthernetPort &port = m_ports.at(size_t(lan));
     if (port.disable->isChecked()) {
-        return PortMode::Disabled;
+        return {};
     }
-    return port.dhcp->isChecked() ? PortMode::Dhcp : PortMode::Static;
+    if (port.dhcp->isChecked()) {
+        return {PortMode::Dhcp, {}, {}};
+    }
+    return {PortMode::Static, port.address->text(), port.mask->text()};
 }
 
 bool BiosInterface::saveEthernetSettings()
 {
-    QString address[2];
-    QString mask[2];
+    const PortSetups ports{shownPort(0), shownPort(1)};
     for (const int lan : {0, 1}) {
-        saveEthernetPort(lan, &address[lan], &mask[lan]);
+        applyPort(lan, ports.at(size_t(lan)));
     }
     writeINI();
-    writeEthInterface(address[0], address[1], mask[0], mask[1]);
+    writeInterfaces(ports);
     return true;
 }
 
-/// Applies and stores what the page shows. @p address and @p mask are set for a fixed address.
-void BiosInterface::saveEthernetPort(int lan, QString *address, QString *mask)
+void BiosInterface::applyPort(int lan, const PortSetup &port)
 {
-    const EthernetPort &port = m_ports.at(size_t(lan));
-    switch (shownPortMode(lan)) {
+    switch (port.mode) {
     case PortMode::Disabled:
         m_settings.remove(ethernetKeys(lan).address);
         m_settings.remove(ethernetKeys(lan).mask);
         break;
     case PortMode::Static:
-        *address = port.address->text();
-        *mask = port.mask->text();
-        manualSetIPProcess(*address, *mask, lan);
+        manualSetIPProcess(port.address, port.mask, lan);
         break;
     case PortMode::Dhcp:
         autoDetectIPProcess(lan);

@@ -34,21 +34,22 @@ void warn(const QString &title, const QString &text)
 void BiosInterface::initFileTransferPage()
 {
     QWidget *page = m_pages->widget(FileTransferPage);
-    auto *application = new RadioButton(tr("Application"), page);
-    application->setObjectName(applicationName);
-    application->setChecked(true);
+    m_transfer.application = new RadioButton(tr("Application"), page);
+    m_transfer.application->setObjectName(applicationName);
+    m_transfer.application->setChecked(true);
     auto *firmware = new RadioButton(tr("Firmware"), page);
     firmware->setObjectName(firmwareName);
     // Alone: choosing the other one takes the choice off this one.
-    connect(application, &RadioButton::toggled, this, &BiosInterface::loadFiletransferSettings);
+    connect(m_transfer.application, &RadioButton::toggled, this,
+            &BiosInterface::loadFiletransferSettings);
 
     auto *choices = new QHBoxLayout;
-    for (RadioButton *choice : {application, firmware}) {
-        choices->addWidget(choice);
-    }
+    choices->addWidget(m_transfer.application);
+    choices->addWidget(firmware);
+    m_transfer.files = createFileTable(FileTransferPage, 2);
     QVBoxLayout *content = createContent(contentMargin);
     content->addLayout(choices);
-    content->addWidget(createFileTable(FileTransferPage, 2));
+    content->addWidget(m_transfer.files);
     setPageLayout(createTitleBar(tr("File Transfer"), true, true), content, page);
 }
 
@@ -62,28 +63,27 @@ QTableWidget *BiosInterface::createFileTable(Page page, int columns)
 
 bool BiosInterface::loadFiletransferSettings()
 {
-    const QWidget *page = m_pages->widget(FileTransferPage);
-    auto *table = page->findChild<QTableWidget *>();
-    const auto *application = page->findChild<RadioButton *>(applicationName);
-    if (table == nullptr || application == nullptr) {
+    if (m_transfer.files.isNull() || m_transfer.application.isNull()) {
         return false;
     }
     const QString folder = searchFolder(m_settings.value(SettingsKeys::transferFolder));
-    const auto type = application->isChecked() ? PackageType::Application : PackageType::Firmware;
-    // A file whose whole name is the extension comes first. Such a name is a hidden one, so the
-    // toolkit has listed none so far.
+    const auto type
+        = m_transfer.application->isChecked() ? PackageType::Application : PackageType::Firmware;
+    // A file whose whole name is the extension comes first. Such a name is a hidden one, and Qt
+    // lists none of those.
     QStringList files = QDir(folder).entryList({packageExtension(type)},
                                                QDir::Files | QDir::NoSymLinks, QDir::Unsorted);
     files += findPackagesBelow(folder, type);
-    showFiles(table, folder, files);
+    showFiles(m_transfer.files, folder, files);
     return true;
 }
 
 bool BiosInterface::saveFiletransferSettings()
 {
-    const auto *table = m_pages->widget(FileTransferPage)->findChild<QTableWidget *>();
-    const QTableWidgetItem *chosen = table != nullptr ? table->currentItem() : nullptr;
-    if (chosen == nullptr) {
+    const QTableWidgetItem *chosen = m_transfer.files ? m_transfer.files->currentItem() : nullptr;
+    // The current row is one that was tapped only if it is selected: when the table gets the focus
+    // in another way, Qt makes the first row current, which nobody sees.
+    if (chosen == nullptr || !chosen->isSelected()) {
         return true;
     }
     const QString path = filePath(chosen);

@@ -22,29 +22,29 @@ void installFont(const QString &path)
 
 void BiosInterface::initFontSettingPage()
 {
-    QTableWidget *table = createFileTable(FontPage, 1);
-    table->setSelectionMode(QAbstractItemView::MultiSelection);
+    m_fonts.files = createFileTable(FontPage, 1);
+    m_fonts.files->setSelectionMode(QAbstractItemView::MultiSelection);
     QVBoxLayout *content = createContent(contentMargin);
-    content->addWidget(table);
+    content->addWidget(m_fonts.files);
     setPageLayout(createTitleBar(tr("Install Fonts"), true, true), content,
                   m_pages->widget(FontPage));
 }
 
 bool BiosInterface::loadFontSettings()
 {
-    auto *table = m_pages->widget(FontPage)->findChild<QTableWidget *>();
-    if (table == nullptr) {
+    if (m_fonts.files.isNull()) {
         return false;
     }
     const QString folder = searchFolder(m_settings.value(SettingsKeys::fontFolder));
-    showFiles(table, folder, findFilesBelow(folder, {".ttf", ".ttc"}, ExtensionCase::AnyCase));
+    showFiles(m_fonts.files, folder,
+              findFilesBelow(folder, {".ttf", ".ttc"}, ExtensionCase::AnyCase));
     return true;
 }
 
 bool BiosInterface::saveFontSettings()
 {
-    const auto *table = m_pages->widget(FontPage)->findChild<QTableWidget *>();
-    const auto chosen = table != nullptr ? table->selectedItems() : QList<QTableWidgetItem *>();
+    const auto chosen
+        = m_fonts.files ? m_fonts.files->selectedItems() : QList<QTableWidgetItem *>();
     for (const QTableWidgetItem *item : chosen) {
         const QString path = filePath(item);
         if (!path.isEmpty()) {

@@ -11,12 +11,9 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <initializer_list>
-
 namespace {
 constexpr int contentMargin = 19;  // px
 constexpr int gridSpacing = 40;    // px
-constexpr int fieldHeight = 44;    // px, at least: a finger hits it
 constexpr int tickInterval = 1000; // ms
 
 /// A row of two radio buttons of which one is checked, the first one at the start.
@@ -68,7 +65,6 @@ void BiosInterface::createMiscRows(QGridLayout *grid)
         setWidgetWithStyle(caption);
         caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         caption->setWordWrap(true); // upright there is no room for the long ones in a line
-        useRowFont(caption);
         grid->addWidget(caption, row, 0);
     }
     m_misc.mouseEnable = new RadioButton(tr("Enable"), page);
@@ -93,10 +89,6 @@ void BiosInterface::createMiscRows(QGridLayout *grid)
     grid->addWidget(m_misc.brightness, 4, 1, 1, 2);
     m_misc.time = new QDateTimeEdit(QDateTime::currentDateTime(), page);
     grid->addWidget(m_misc.time, 5, 1, 1, 2);
-    for (QWidget *field :
-         std::initializer_list<QWidget *>{m_misc.screenSaving, m_misc.brightness, m_misc.time}) {
-        field->setMinimumHeight(fieldHeight);
-    }
 }
 
 bool BiosInterface::loadMiscSettings()

@@ -38,7 +38,11 @@ QPair<QString, QString> BiosInterface::autoDetectIPProcess(int lan)
 void BiosInterface::writeEthInterface(const QString &ip0, const QString &ip1, const QString &mask0,
                                       const QString &mask1)
 {
-    const QString text = interfacesFileText(
-        {PortSetup{shownPortMode(0), ip0, mask0}, PortSetup{shownPortMode(1), ip1, mask1}});
-    replaceFile(Paths::interfacesFile, bytesFromText(text));
+    writeInterfaces(
+        {PortSetup{shownPort(0).mode, ip0, mask0}, PortSetup{shownPort(1).mode, ip1, mask1}});
+}
+
+void BiosInterface::writeInterfaces(const PortSetups &ports)
+{
+    replaceFile(Paths::interfacesFile, bytesFromText(interfacesFileText(ports)));
 }

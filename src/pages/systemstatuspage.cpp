@@ -23,10 +23,6 @@ constexpr char seriesPrefix[] = "TALMERO EK Series:";
 constexpr char capacity[] = "/16384M"; // of the application's storage, the same in all panels
 constexpr int noTimeout = -1;
 
-constexpr char applicationSizeCaption[] = QT_TRANSLATE_NOOP("BiosInterface", "Application Size");
-constexpr char firstPortCaption[] = QT_TRANSLATE_NOOP("BiosInterface", "Lan1 MAC Address");
-constexpr char secondPortCaption[] = QT_TRANSLATE_NOOP("BiosInterface", "Lan2 MAC Address");
-
 QString modelText()
 {
     const QString prefix
@@ -49,18 +45,17 @@ struct StatusRow
 
 // clang-format off
 constexpr StatusRow statusRows[] = {
-    {applicationSizeCaption,                                  nullptr},
+    {QT_TRANSLATE_NOOP("BiosInterface", "Application Size"),  nullptr},
     {QT_TRANSLATE_NOOP("BiosInterface", "BIOS Version"),      modelText}, // so captioned for good
     {QT_TRANSLATE_NOOP("BiosInterface", "Firmware Version"),  firmwareText},
     {QT_TRANSLATE_NOOP("BiosInterface", "Manufacturer"),
      [] { return BiosInterface::tr("TALMERO Industrial Panels"); }},
-    {firstPortCaption,                                        nullptr},
-    {secondPortCaption,                                       nullptr},
+    {QT_TRANSLATE_NOOP("BiosInterface", "Lan1 MAC Address"),  nullptr},
+    {QT_TRANSLATE_NOOP("BiosInterface", "Lan2 MAC Address"),  nullptr},
     {QT_TRANSLATE_NOOP("BiosInterface", "BIOS Version"),      getCurrentBIOSVersion},
 };
 // clang-format on
-constexpr int firmwareRow = 2;
-constexpr int biosRow = 6;
+enum Row { SizeRow, ModelRow, FirmwareRow, ManufacturerRow, FirstPortRow, SecondPortRow, BiosRow };
 } // namespace
 
 QPair<QLabel *, QLabel *> BiosInterface::createSystemStatusLabel(const QString &caption)
@@ -70,13 +65,10 @@ QPair<QLabel *, QLabel *> BiosInterface::createSystemStatusLabel(const QString &
     captionLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto *value = new QLabel(page);
     value->setObjectName(valueNamePrefix + caption);
-    // What the files say must not make the window wider than the screen.
-    value->setWordWrap(true);
-    value->setMinimumWidth(1);
+    value->setWordWrap(true); // files may say more than a line holds
     for (QLabel *label : {captionLabel, value}) {
         label->setTextFormat(Qt::PlainText); // what a file or a tool says may look like markup
         setWidgetWithStyle(label);
-        useRowFont(label);
     }
     return {captionLabel, value};
 }
@@ -85,7 +77,9 @@ void BiosInterface::initSystemStatusPage()
 {
     auto *grid = new QGridLayout;
     grid->setSpacing(rowSpacing);
-    createStatusRows(grid);
+    const QList<QLabel *> values = createStatusRows(grid);
+    m_status = {values.at(SizeRow), values.at(FirmwareRow), values.at(FirstPortRow),
+                values.at(SecondPortRow)};
     QVBoxLayout *content = createContent(contentMargin);
     content->addLayout(grid);
     content->addStretch();
@@ -94,19 +88,19 @@ void BiosInterface::initSystemStatusPage()
     loadSystemStatusSettings();
 }
 
-void BiosInterface::createStatusRows(QGridLayout *grid)
+/// Result: the labels of the values, one for each row.
+QList<QLabel *> BiosInterface::createStatusRows(QGridLayout *grid)
 {
+    QList<QLabel *> values;
     for (int row = 0; row < int(std::size(statusRows)); ++row) {
         const StatusRow &status = statusRows[row];
         const auto [caption, value] = createSystemStatusLabel(tr(status.caption));
         if (status.value != nullptr) {
             value->setText(status.value());
         }
-        if (row == firmwareRow) {
-            m_firmwareVersion = value;
-        }
+        values += value;
         grid->addWidget(caption, row, 0);
-        if (row == biosRow) {
+        if (row == BiosRow) {
             auto *cell = new QHBoxLayout;
             cell->addWidget(value);
             cell->addWidget(createUpdateButton());
@@ -115,6 +109,7 @@ void BiosInterface::createStatusRows(QGridLayout *grid)
             grid->addWidget(value, row, 1);
         }
     }
+    return values;
 }
 
 QToolButton *BiosInterface::createUpdateButton()
@@ -123,32 +118,23 @@ QToolButton *BiosInterface::createUpdateButton()
     button->setText(tr("Update BIOS"));
     button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Minimum);
     setWidgetWithStyle(button);
-    useRowFont(button);
     connect(button, &QToolButton::clicked, this, [this] { updateBIOSDialog(); });
     return button;
 }
 
 bool BiosInterface::loadSystemStatusSettings()
 {
-    const auto labels = m_pages->widget(SystemStatusPage)->findChildren<QLabel *>();
-    if (labels.isEmpty()) {
-        return false;
-    }
-    const QString version = getCurrentRuntimeVersion();
-    m_firmwareVersion->setText(version.isEmpty() ? QString(" ") : version);
-    const QString firstAddress = hardwareAddress("eth0");
-    const QString secondAddress = hardwareAddress("eth1");
-    const QString size = applicationSize();
-    for (QLabel *label : labels) {
-        const QString name = label->objectName();
-        if (name.contains(tr(firstPortCaption))) {
-            label->setText(firstAddress);
-        } else if (name.contains(tr(secondPortCaption))) {
-            label->setText(secondAddress);
-        } else if (name.contains(applicationSizeCaption)) {
-            label->setText(size);
+    for (const auto &label : {m_status.applicationSize, m_status.firmwareVersion,
+                              m_status.firstAddress, m_status.secondAddress}) {
+        if (label.isNull()) {
+            return false;
         }
     }
+    const QString version = getCurrentRuntimeVersion();
+    m_status.firmwareVersion->setText(version.isEmpty() ? QString(" ") : version);
+    m_status.firstAddress->setText(hardwareAddress("eth0"));
+    m_status.secondAddress->setText(hardwareAddress("eth1"));
+    m_status.applicationSize->setText(applicationSize());
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "inputpanel/myinputpanelcontext.h"
 #include "inputpanel/platformbridge.h"
+#include "shell/shiftinglayout.h"
 #include "system/commandline.h"
 #include "system/fontnames.h"
 #include "system/process.h"
@@ -15,10 +16,10 @@
 #include "widgets/touchstyle.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QStackedWidget>
-#include <QVBoxLayout>
 
 namespace {
 constexpr int rescuePollInterval = 200; // ms
@@ -38,8 +39,7 @@ int fontPixelSizeFor(const QStringList &model)
     return fontPixelSize;
 }
 
-/// Takes what room the window has. Asking all pages how much they need would lay out each of them,
-/// with its fonts, before the first one is seen.
+/// Takes the room that the window has: a page must not make the window larger than the screen.
 class PageStack : public QStackedWidget
 {
 public:
@@ -129,10 +129,7 @@ void BiosInterface::watchScreen(QScreen *screen)
 void BiosInterface::slotresize(int screen)
 {
     if (const QScreen *resized = QGuiApplication::screens().value(screen)) {
-        const QSize size = resized->geometry().size();
-        fitRowFonts(size.width()); // before: a large font would not let the window become narrow
-        layOutPages();
-        resize(size);
+        resize(resized->geometry().size());
         update();
     }
 }
@@ -141,18 +138,14 @@ void BiosInterface::init()
 {
     setUpWindow();
     QApplication::setStyle(new TouchStyle);
-    // Now, while the window has no children that would each take the style's colours anew.
-    QCoreApplication::sendPostedEvents(this, QEvent::ApplicationPaletteChange);
     m_inputContext = std::make_unique<MyInputPanelContext>();
+    connect(m_inputContext.get(), &MyInputPanelContext::aboutToShow, this,
+            &BiosInterface::makeRoomForKeypad);
+    connect(m_inputContext.get(), &MyInputPanelContext::hidden, this, &BiosInterface::takeRoomBack);
     installInputContext(m_inputContext.get());
     setUpFont();
     createPageStack();
-    // A line edit asks for the application's font before it has its own. The usual one, which no
-    // page shows, would have to be looked for among all fonts.
-    const QFont usualFont = QApplication::font();
-    QApplication::setFont(font());
     buildPages();
-    QApplication::setFont(usualFont);
 }
 
 void BiosInterface::setUpWindow()
@@ -184,14 +177,12 @@ void BiosInterface::createPageStack()
         m_pages->addWidget(new StackWidgetPage);
     }
     while (m_pages->count() < PageCount) {
-        auto *page = new StackWidgetPage(StackWidgetPage::Glow);
-        m_pages->addWidget(page);
-        useRowFont(page); // before it has children: a new font makes some build their popups
+        m_pages->addWidget(new StackWidgetPage(StackWidgetPage::Glow));
     }
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(m_pages);
+    m_windowLayout = new ShiftingLayout(this);
+    m_windowLayout->setContentsMargins(0, 0, 0, 0);
+    m_windowLayout->setSpacing(0);
+    m_windowLayout->addWidget(m_pages);
     m_pages->setCurrentIndex(CountDownPage);
 }
 
@@ -207,6 +198,18 @@ void BiosInterface::buildPages()
     initSystemStatusPage();
     initHomeKeyPage();
     initFontSettingPage();
+}
+
+/// What the page stack leaves free while makeRoomForKeypad() has moved it.
+void BiosInterface::paintEvent(QPaintEvent *event)
+{
+    QPainter(this).fillRect(event->rect(), Qt::black);
+}
+
+void BiosInterface::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    fitShownPage();
 }
 
 void BiosInterface::changeEvent(QEvent *event)

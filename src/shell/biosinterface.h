@@ -3,9 +3,11 @@
 #include "system/interfacesfile.h"
 #include "system/presstimer.h"
 #include "system/settingsfile.h"
+#include "widgets/pagefit.h"
 
 #include <QList>
 #include <QPair>
+#include <QPointer>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -14,6 +16,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 class LineEditWithKeyPad;
 class MyInputPanelContext;
@@ -32,6 +35,7 @@ class QToolButton;
 class QVBoxLayout;
 class RadioButton;
 class SettingsButton;
+class ShiftingLayout;
 class StackWidgetPage;
 class StartingApplicationAniationButton;
 
@@ -185,6 +189,8 @@ public slots:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     struct PageActions
@@ -220,6 +226,25 @@ private:
         QComboBox *screenSaving = nullptr;
         QComboBox *brightness = nullptr;
         QDateTimeEdit *time = nullptr;
+    };
+    /// The widgets of the file transfer page.
+    struct TransferWidgets
+    {
+        QPointer<RadioButton> application;
+        QPointer<QTableWidget> files;
+    };
+    /// The labels of the status page whose texts change.
+    struct StatusLabels
+    {
+        QPointer<QLabel> applicationSize;
+        QPointer<QLabel> firmwareVersion;
+        QPointer<QLabel> firstAddress;
+        QPointer<QLabel> secondAddress;
+    };
+    /// The widgets of the font page.
+    struct FontWidgets
+    {
+        QPointer<QTableWidget> files;
     };
     static const PageActions s_pageActions[];
     static const PageButton s_pageButtons[];
@@ -259,9 +284,10 @@ private:
     static QVBoxLayout *createContent(int margin);
     static void setPageLayout(QLayout *titleBar, QLayout *content, QWidget *page);
 
-    void useRowFont(QWidget *widget);
-    void fitRowFonts(int width);
-    void layOutPages();
+    void fitShownPage();
+    bool keypadFitsAtEachEdit(const QWidget *page) const;
+    void makeRoomForKeypad(const QWidget *field);
+    void takeRoomBack();
 
     bool findTouchDevice();
     void rescueMode();
@@ -275,12 +301,13 @@ private:
     void loadEthernetPort(int lan);
     void showLiveAddress(int lan);
     void setEthernetEditsEnabled(int lan, bool enabled);
-    PortMode shownPortMode(int lan) const;
-    void saveEthernetPort(int lan, QString *address, QString *mask);
+    PortSetup shownPort(int lan) const;
+    void applyPort(int lan, const PortSetup &port);
+    static void writeInterfaces(const PortSetups &ports);
 
     QTableWidget *createFileTable(Page page, int columns);
 
-    void createStatusRows(QGridLayout *grid);
+    QList<QLabel *> createStatusRows(QGridLayout *grid);
     QToolButton *createUpdateButton();
     QString hardwareAddress(const QString &interface);
     QString applicationSize();
@@ -305,11 +332,13 @@ private:
 
     MiscWidgets m_misc;
     std::array<EthernetPort, 2> m_ports;
-    QLabel *m_firmwareVersion = nullptr; ///< on the status page
+    TransferWidgets m_transfer;
+    StatusLabels m_status;
+    FontWidgets m_fonts;
 
-    QList<QWidget *> m_rowWidgets; ///< those whose font follows the window's width
-
+    ShiftingLayout *m_windowLayout = nullptr; ///< holds the page stack alone
     QStackedWidget *m_pages = nullptr;
+    std::array<std::optional<PageFit>, PageCount> m_fits; ///< of the pages that were open
     StartingApplicationAniationButton *m_countDown = nullptr;
     SettingsButton *m_runApplication = nullptr;
     SettingsButton *m_comPort = nullptr;

@@ -1,12 +1,17 @@
 #include "shell/biosinterface.h"
 
-#include "pages/rowfont.h"
+#include "inputpanel/myinputpanelcontext.h"
 #include "shell/pagename.h"
+#include "shell/shiftinglayout.h"
 #include "widgets/settingsbutton.h"
 
 #include <QDebug>
+#include <QGuiApplication>
+#include <QLineEdit>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 constexpr char okName[] = "ok";
@@ -15,6 +20,7 @@ constexpr QSize titleBarButtonSize(100, 32);
 constexpr int titleBarButtonFontSize = 18; // px
 constexpr int titleFontSize = 20;          // px
 constexpr int labelFontSize = 24;          // px
+constexpr int touchPollInterval = 50;      // ms
 
 /// A button that no layout holds would show at the window's corner.
 void placeOrHide(QLayout *layout, QWidget *button, bool placed)
@@ -24,13 +30,6 @@ void placeOrHide(QLayout *layout, QWidget *button, bool placed)
     } else {
         button->hide();
     }
-}
-
-void setFontSize(QWidget *widget, int pixelSize)
-{
-    QFont font = widget->font();
-    font.setPixelSize(pixelSize);
-    widget->setFont(font);
 }
 } // namespace
 
@@ -48,13 +47,20 @@ const BiosInterface::PageActions BiosInterface::s_pageActions[] = {
 
 void BiosInterface::runSettingsUI()
 {
+    if (sender() == nullptr) {
+        return; // called by its name, not by a button
+    }
     const int page = pageIndexFromName(sender()->objectName());
     m_pages->setCurrentIndex(page);
     loadSettings(page);
+    fitShownPage();
 }
 
 void BiosInterface::titleBarButtonPressed()
 {
+    if (sender() == nullptr) {
+        return;
+    }
     m_clockTick.stop();
     if (sender()->objectName().contains(okName)) {
         saveSettings(m_pages->currentIndex());
@@ -124,32 +130,44 @@ void BiosInterface::setPageLayout(QLayout *titleBar, QLayout *content, QWidget *
     layout->addLayout(content);
 }
 
-/// From now on @p widget, a page or a part of one with a font of its own, has a font that fits the
-/// window's width.
-void BiosInterface::useRowFont(QWidget *widget)
+/// Only the page that is shown has its present size, so no other one is fitted.
+void BiosInterface::fitShownPage()
 {
-    m_rowWidgets += widget;
-    setFontSize(widget, rowFontSize(font().pixelSize(), width()));
+    QWidget *page = m_pages->currentWidget();
+    if (page->layout() == nullptr || m_pages->currentIndex() <= MainSettingsPage) {
+        return; // nothing there needs more room than a screen has
+    }
+    auto &fit = m_fits[m_pages->currentIndex()];
+    if (!fit) {
+        fit.emplace(page);
+    }
+    fit->fit([this, page] { return keypadFitsAtEachEdit(page); });
 }
 
-void BiosInterface::fitRowFonts(int width)
+bool BiosInterface::keypadFitsAtEachEdit(const QWidget *page) const
 {
-    const int pixelSize = rowFontSize(font().pixelSize(), width);
-    for (QWidget *widget : std::as_const(m_rowWidgets)) {
-        setFontSize(widget, pixelSize);
-    }
+    const auto edits = page->findChildren<QLineEdit *>(Qt::FindDirectChildrenOnly);
+    return std::all_of(edits.cbegin(), edits.cend(),
+                       [this](const QLineEdit *edit) { return m_inputContext->panelFitsAt(edit); });
 }
 
-/// Makes the layouts, those of hidden pages too, forget at once what room they needed before.
-void BiosInterface::layOutPages()
+/// On a screen 480 pixels high the keypad has room neither below nor above the first port's edits:
+/// its upper keys would be off the screen. The page moves down meanwhile.
+void BiosInterface::makeRoomForKeypad(const QWidget *field)
 {
-    for (int page = 0; page < m_pages->count(); ++page) {
-        if (QLayout *pageLayout = m_pages->widget(page)->layout()) {
-            pageLayout->activate();
-        }
+    m_windowLayout->setShift(0); // another edit may have asked before
+    m_windowLayout->setShift(m_inputContext->shiftFor(field));
+}
+
+void BiosInterface::takeRoomBack()
+{
+    if (QGuiApplication::mouseButtons() != Qt::NoButton) {
+        // The finger that took the focus from the edit is still down: what it touches must not
+        // move away below it.
+        QTimer::singleShot(touchPollInterval, this, &BiosInterface::takeRoomBack);
+    } else if (!m_inputContext->panel()->isVisible()) {
+        m_windowLayout->setShift(0);
     }
-    m_pages->updateGeometry();
-    layout()->activate();
 }
 
 void BiosInterface::setWidgetWithStyle(QWidget *widget)

@@ -6,9 +6,10 @@
 #include <QTemporaryFile>
 
 #include <array>
+#include <cerrno>
 
 #include <fcntl.h>
-#include <stdio.h> // renameat2
+#include <stdio.h> // rename, renameat2
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,12 +22,38 @@ bool isPlainFile(int descriptor)
     return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Gives @p from the name @p to unless there is something of that name.
-bool renameToNew(const QString &from, const QString &to)
+/// Where there are no links either, an empty file of our own keeps the name until the whole one
+/// takes its place.
+bool renameOverOwnFile(const QByteArray &from, const QByteArray &to)
 {
-    return renameat2(AT_FDCWD, bytesFromText(from).constData(), AT_FDCWD,
-                     bytesFromText(to).constData(), RENAME_NOREPLACE)
-        == 0;
+    const int place
+        = open(to.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (place < 0) {
+        return false;
+    }
+    close(place);
+    const bool renamed = rename(from.constData(), to.constData()) == 0;
+    if (!renamed) {
+        unlink(to.constData());
+    }
+    return renamed;
+}
+
+/// For file systems that cannot refuse to replace a file while they rename one.
+bool moveToNew(const QByteArray &from, const QByteArray &to)
+{
+    if (link(from.constData(), to.constData()) == 0) {
+        unlink(from.constData());
+        return true;
+    }
+    return renameOverOwnFile(from, to);
+}
+
+/// Gives @p from the name @p to unless there is something of that name.
+bool renameToNew(const QByteArray &from, const QByteArray &to)
+{
+    return renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0
+        || ((errno == EINVAL || errno == ENOSYS) && moveToNew(from, to));
 }
 } // namespace
 
@@ -65,7 +92,8 @@ bool copyToNewFile(const QString &from, const QString &to)
     QTemporaryFile copy(to.left(to.lastIndexOf('/') + 1) + ".talmero-XXXXXX");
     const bool copied = openPlainFile(source, from) && copy.open() && copyRest(source, copy)
         && source.error() == QFileDevice::NoError && copy.setPermissions(source.permissions())
-        && fsync(copy.handle()) == 0 && renameToNew(copy.fileName(), to);
+        && fsync(copy.handle()) == 0
+        && renameToNew(bytesFromText(copy.fileName()), bytesFromText(to));
     if (copied) {
         copy.setAutoRemove(false);
     }

@@ -25,3 +25,8 @@ int FolderListing::type(const dirent &entry) const
     }
     return int(IFTODT(status.st_mode));
 }
+
+int FolderListing::descriptor() const
+{
+    return m_folder ? dirfd(m_folder.get()) : -1;
+}

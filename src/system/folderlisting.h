@@ -22,6 +22,9 @@ public:
     /// followed. DT_UNKNOWN if the entry is gone.
     int type(const dirent &entry) const;
 
+    /// The open folder, for as long as this lives; -1 if it cannot be listed.
+    int descriptor() const;
+
 private:
     struct Closer
     {

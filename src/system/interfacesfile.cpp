@@ -18,7 +18,7 @@ QString portStanza(int number, const PortSetup &port)
 }
 } // namespace
 
-QString interfacesFileText(const std::array<PortSetup, 2> &ports)
+QString interfacesFileText(const PortSetups &ports)
 {
     QString text = "auto lo \niface lo inet loopback\n\n"; // with the blank, as it has always been
     for (int number = 0; number < int(ports.size()); ++number) {

@@ -15,6 +15,9 @@ struct PortSetup
     QString mask;    ///< with Static; written as it stands
 };
 
+/// Both LAN ports, "eth0" first.
+using PortSetups = std::array<PortSetup, 2>;
+
 /// The whole text of ifupdown's file /etc/network/interfaces, see interfaces(5): the loopback
-/// stanza, then one for each port that is not disabled, "eth0" first.
-QString interfacesFileText(const std::array<PortSetup, 2> &ports);
+/// stanza, then one for each port that is not disabled.
+QString interfacesFileText(const PortSetups &ports);

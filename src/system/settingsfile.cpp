@@ -7,39 +7,18 @@
 
 namespace {
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
-
-constexpr uint blank = ' '; // all other white space of ASCII is below it
-
-/// Whether @p line needs no simplifying, as those that the program wrote. May say no wrongly.
-/// Looks at all bytes in any case: the compiler makes a fast loop of that.
-bool isSimple(QByteArrayView line)
-{
-    const auto low = [](char byte) { return uint(static_cast<uchar>(byte) <= blank); };
-    if (line.isEmpty() || low(line.front()) != 0 || low(line.back()) != 0) {
-        return false;
-    }
-    uint found = 0;
-    for (qsizetype at = 1; at < line.size(); ++at) {
-        const uint isOtherThanBlank = uint(static_cast<uchar>(line[at]) != blank);
-        found |= low(line[at]) & (isOtherThanBlank | low(line[at - 1]));
-    }
-    return found == 0;
-}
-
-std::optional<SettingsEntry> parseSimpleLine(QByteArrayView line)
-{
-    const qsizetype equals = line.indexOf('=');
-    if (equals <= 0 || line.startsWith('#')) {
-        return std::nullopt;
-    }
-    return SettingsEntry{textFromBytes(line.first(equals)), textFromBytes(line.sliced(equals + 1))};
-}
 } // namespace
 
 std::optional<SettingsEntry> parseSettingsLine(QByteArrayView line)
 {
-    // On bytes, because the white space of Unicode includes bytes that are half a UTF-8 letter.
-    return parseSimpleLine(isSimple(line) ? line : line.toByteArray().simplified());
+    // Simplified as bytes: the white space of Unicode includes bytes that are half a UTF-8 letter.
+    const QByteArray simple = line.toByteArray().simplified();
+    const qsizetype equals = simple.indexOf('=');
+    if (equals <= 0 || simple.startsWith('#')) {
+        return std::nullopt;
+    }
+    return SettingsEntry{textFromBytes(simple.first(equals)),
+                         textFromBytes(simple.sliced(equals + 1))};
 }
 
 QList<QByteArrayView> settingsLines(QByteArrayView text)
@@ -63,8 +42,7 @@ void applySettingsText(QByteArrayView text, SettingsMap &settings)
             if (entry->value.isEmpty()) {
                 settings.remove(entry->key);
             } else {
-                // The program writes them in ascending order: each belongs behind those before.
-                settings.insert(settings.cend(), entry->key, entry->value);
+                settings.insert(entry->key, entry->value);
             }
         }
     }

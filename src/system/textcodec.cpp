@@ -21,11 +21,8 @@ qsizetype sequenceLength(uchar lead)
 
 bool isAscii(QByteArrayView bytes)
 {
-    uint all = 0; // of all bytes: the compiler makes a fast loop of that
-    for (const char byte : bytes) {
-        all |= static_cast<uchar>(byte);
-    }
-    return all < 0x80;
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char byte) { return static_cast<uchar>(byte) < 0x80; });
 }
 
 bool survives(QByteArrayView bytes, const QString &text)

@@ -1,14 +1,19 @@
 #include "widgets/touchstyle.h"
 
+#include <QComboBox>
 #include <QDialog>
 #include <QPainter>
 #include <QPolygon>
+#include <QScreen>
 #include <QStyleOption>
+
+#include <algorithm>
 
 namespace {
 constexpr int indicatorSize = 25;   // px; leaves an even size to the dot, as its gloss wants it
 constexpr int rowHeight = 44;       // px; a finger hits it
 constexpr int fieldHeight = 40;     // px; more has no room on the factory's test page
+constexpr int listFrame = 1;        // px around the list of a combo box
 constexpr int arrowPlaceWidth = 44; // px; at the right end of a list box, and of each spin button
 constexpr int usualArrowPlaceWidth = 20;    // px that the toolkit's own size of a list box counts
 constexpr QSize smallestButton(120, 48);    // px
@@ -44,6 +49,14 @@ QRect listBoxRect(const QRect &box, QStyle::SubControl subControl, const QRect &
     default:
         return usual;
     }
+}
+
+/// A list that is higher than the screen would hide its last rows; they are lower instead.
+int listRowHeight(const QComboBox &box, int usual)
+{
+    const int room = box.screen()->geometry().height() - 2 * listFrame;
+    const int most = std::max(room / std::max(box.count(), 1), box.fontMetrics().height());
+    return std::min(std::max(usual, rowHeight), most);
 }
 
 /// A triangle around @p centre that points up or down.
@@ -150,8 +163,12 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option
 {
     const QSize usual = QProxyStyle::sizeFromContents(type, option, size, widget);
     switch (type) {
-    case CT_ItemViewItem:
     case CT_MenuItem: // the rows of a combo box
+        if (const auto *box = qobject_cast<const QComboBox *>(widget)) {
+            return {usual.width(), listRowHeight(*box, usual.height())};
+        }
+        return usual;
+    case CT_ItemViewItem:
     case CT_RadioButton:
     case CT_ToolButton:
         return usual.expandedTo({0, rowHeight});
@@ -202,7 +219,8 @@ QRect TouchStyle::subElementRect(SubElement element, const QStyleOption *option,
     case SE_RadioButtonContents: {
         // One line in the middle of the row: the text is painted at the top of this.
         const int height = option->fontMetrics.height();
-        return {usual.left(), option->rect.center().y() - height / 2, usual.width(), height};
+        return {usual.left(), option->rect.top() + (option->rect.height() - height) / 2,
+                usual.width(), height};
     }
     default:
         return usual;

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fuzzes every reader of what comes from outside. Needs no panel: nothing is opened or run.
+# Fuzzes the parsers. Needs no simulated panel: they open no files and run no tools.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=scripts/common.sh
@@ -9,15 +9,14 @@ usage() {
     cat <<'TEXT'
 Usage: tests/fuzz/run.sh [OPTION...] HOURS [TARGET...]
 
-Builds the fuzz targets and runs each for so many hours, then prints a table:
-inputs run, inputs per second, processor time, inputs that reached something
-new; and how many lines of the code under test were reached. What is found stays in
-build-fuzz/corpus and is taken up by the next run. The first input that fails
-ends its target and is kept in build-fuzz/failures.
+Builds the fuzz targets and runs each for HOURS hours. Prints a table: inputs,
+inputs per second, processor time, and inputs that reached new code. Then prints
+how many lines of the code under test were reached. The next run starts with the
+inputs found, which are in build-fuzz/corpus. The first input that fails ends its
+target and is stored in build-fuzz/failures.
 
-  --seconds N  Runs each target for N seconds; HOURS is left out.
-  --jobs N     Runs N targets side by side; without it as many as there are
-               processors.
+  --seconds N  Runs each target for N seconds; then HOURS must be omitted.
+  --jobs N     Runs N targets at the same time (default: one per processor).
   --help       Shows this text.
 TEXT
 }
@@ -74,7 +73,7 @@ fuzz() {
 export -f fuzz
 export here output seconds
 
-echo "Fuzzing ${#targets[@]} targets for $seconds s each, $jobs side by side"
+echo "Fuzzing ${#targets[@]} targets for $seconds s each, $jobs at a time"
 failed=0
 # shellcheck disable=SC2016 # the inner shell expands it
 printf '%s\0' "${targets[@]}" | xargs -0 -n 1 -P "$jobs" bash -c 'fuzz "$1"' fuzz || failed=1
@@ -83,7 +82,7 @@ statistic() {
     sed -n "s/^stat::$2: *//p" "$output/logs/$1"
 }
 
-# Seconds of processor time from what the shell's "times" prints of its children.
+# Seconds of processor time of the children, from the output of the shell's "times".
 processor_time() {
     sed -n '2s/[ms]/ /gp' "$output/logs/$1.times" | awk '{ printf "%.0f", $1 * 60 + $2 + $3 * 60 + $4 }'
 }
@@ -98,7 +97,7 @@ for target in "${targets[@]}"; do
         "$(statistic "$target" new_units_added)"
 done
 
-echo "Lines reached of the files that they read with"
+echo "Lines of the parsers that were reached"
 llvm-profdata-14 merge -o "$output/profiles/merged" \
     "${targets[@]/#/$output/profiles/raw-}"
 llvm-cov-14 export --summary-only --instr-profile="$output/profiles/merged" \

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Tools that hang and do not end politely: each is waited for as long as its limit, or for as long
-# as it hangs where there is none. Then a stick that is pulled at each 4096 bytes of a package, and
-# one that hangs for longer than tar may. Takes five minutes, nearly all of them waiting.
+# Lets tools hang and ignore SIGTERM: the program must wait until the time limit, or until the tool
+# ends if there is none. Then pulls a stick at each 4096 bytes of a package, and lets one hang for
+# longer than tar's limit. Takes five minutes, mostly waiting.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -14,7 +14,7 @@ case "${1:-}" in
 esac
 install_packages "${build_packages[@]}" "${panel_packages[@]}"
 build_preset release tst_toolfaults tst_vanishingstick
-# The simulated panel is made by root; standard error has what Qt says of processes it ends.
+# Standard error has Qt's warnings about the processes that it ends.
 simulator/panel --build build --display xvfb -- build/tests/tst_toolfaults hangs waitsWithoutLimit \
     2>/dev/null
 STICK_STEP=4096 STICK_HANG=45000 simulator/panel --build build --display xvfb -- \

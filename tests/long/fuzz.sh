@@ -1,3 +1,3 @@
 #!/usr/bin/env bash
-# An hour of fuzzing for each target.
+# Fuzzes each target for an hour.
 exec "$(dirname "${BASH_SOURCE[0]}")/../fuzz/run.sh" 1

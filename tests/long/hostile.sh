@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs every hostile package and shows every hostile stick, by taps too, for several seeds.
+# Installs all hostile packages and lists all hostile sticks, also by touch, for several seeds.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -9,11 +9,12 @@ usage() {
     cat <<'TEXT'
 Usage: tests/long/hostile.sh [SEED...]
 
-Builds the program as released and tries the packages and sticks that
-tests/hostile/make-sticks makes of each seed, 1 and 2 if none is given: all of them,
-the 1,000 with a flipped bit too, with the program's own code and by taps on the
-running program. One more package keeps tar busy until it is cut off. The tool that
-verifies packages looks at all of them, too. Prints a table a seed. Takes some five minutes a seed. Needs root or sudo.
+Builds the program as released, and tries all hostile packages and sticks that
+make-sticks generates for each seed (default: 1 and 2), including the 1,000 packages
+with a flipped bit. Each package is installed with the program's own code, by touch on
+the running program, and verified with talmero-mkpackage. One more package keeps tar
+busy until it is cut off. Prints one table per seed. Takes about five minutes per seed.
+Needs root or sudo.
 
   --help   Shows this text.
 TEXT
@@ -28,7 +29,7 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 status=0
 
-# run DISPLAY TEST: prints the rows of its table, what failed, and the sum
+# run DISPLAY TEST: prints the rows of the table, the failures and the totals
 run() {
     HOSTILE_ALL=1 HOSTILE_SEED=$seed simulator/panel --build build --display "$1" -- \
         "build/tests/$2" -maxwarnings 0 >"$log" 2>&1 || status=1
@@ -38,10 +39,10 @@ run() {
 }
 
 for seed in "${seeds[@]}"; do
-    echo "Seed $seed, the program's own code: package, result, changes, time"
+    echo "Seed $seed, with the program's own code: package, result, changes, time"
     run none tst_hostilepackages
     run none tst_hostileverify
-    echo "Seed $seed, the program by taps: package, what is shown, changes, time"
+    echo "Seed $seed, by touch: package, message, changes, time"
     run xorg tst_hostilesticks
 done
 exit "$status"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Changes single lines of the program and sees whether a test notices.
+# Changes single lines of the program and checks that a test notices.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -11,18 +11,20 @@ Usage: tests/long/mutation.sh [OPTION]...
 
 Changes single lines of src/system, src/packages and src/shell, one at a time, and
 runs the tests that reach the line until one fails. Prints the changes that no test
-noticed. Fails if fewer than 80 of 100 were noticed. The sources stay as they are.
+noticed. Fails if tests noticed less than 80 percent. The sources stay unchanged.
 
-  --count N      How many changes; 200 if not given.
-  --seed N       Other changes; 1 if not given.
-  --budget N     Seconds of tests for one change; 60 if not given. What no test has
-                 noticed by then counts as not noticed.
-  --jobs N       How many changes are tried at a time; one per processor if not given.
-  --again FILE   Tries again what was not noticed according to FILE, a report.
+  --count N      Number of changes (default: 200).
+  --seed N       Selects the changes (default: 1).
+  --budget N     Seconds of testing per change (default: 60). A change that no test
+                 has noticed by then counts as unnoticed.
+  --jobs N       Number of changes tried at the same time (default: one per
+                 processor).
+  --again FILE   Repeats the unnoticed changes of FILE, an earlier report.
   --help         Shows this text.
 
-build-mutation/mutation/report.tsv has the result of each change. Which tests reach
-a line is known from tests/long/coverage.sh, which runs first where it has not yet.
+build-mutation/mutation/report.tsv has the result of each change. Runs
+tests/long/coverage.sh first, unless its results exist: they say which tests reach
+a line.
 TEXT
 }
 

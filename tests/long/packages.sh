@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The packages as a panel's maker meets them: built twice, installed in a clean Debian, booted.
+# Tests the Debian packages: builds them twice, installs them on a clean Debian and boots it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -9,13 +9,13 @@ usage() {
     cat <<'TEXT'
 Usage: tests/long/packages.sh [OPTION]
 
-Builds the packages twice, looks at them with lintian, makes a minimal Debian 12 with
-debootstrap, installs them in it with apt and without what is recommended, and boots it
-in the simulated panel: countdown, runtime, settings, a package from a stick, a lease
-and a calibration, all by taps, and the session that comes back after each end. Takes
-some six minutes. Needs root or sudo, and the mirror that apt uses.
+Builds the packages twice and checks them with lintian. Creates a minimal Debian 12
+with debootstrap, installs the packages with apt, without recommended ones, and boots
+it in the simulated panel. Tests, by touch: countdown, runtime, settings, a package
+from a stick, a DHCP lease and a calibration. Also tests that the session comes back
+whenever it ends. Takes about six minutes. Needs root or sudo, and apt's mirror.
 
-  --keep-root   Takes the Debian of the run before, with the packages of that time.
+  --keep-root   Reuses the Debian of the last run, with the packages installed then.
   --help        Shows this text.
 TEXT
 }
@@ -39,20 +39,20 @@ work=$PWD/build-packages
 root=$work/root
 mkdir -p "$work/debs/partial" "$work/pictures"
 
-# The mirror that this machine's own packages come from.
+# The mirror that this machine uses.
 mirror() {
     # shellcheck disable=SC2016 # apt fills it in
     apt-get indextargets --format '$(REPO_URI) $(RELEASE)' 'Created-By: Packages' |
         sed -n 's/ bookworm$//p' | head -n 1
 }
 
-# apart COMMAND...: with mounts and processes of its own, which end with it
+# apart COMMAND...: runs it with its own mounts and processes, which end with it
 apart() {
     unshare --mount --pid --fork --kill-child "$@"
 }
 
 make_root() {
-    echo "Making a clean Debian"
+    echo "Creating a clean Debian"
     rm -rf "$root"
     debootstrap --variant=minbase bookworm "$root" "$(mirror)" >"$work/debootstrap.log" ||
         die "debootstrap failed, see $work/debootstrap.log"
@@ -65,10 +65,10 @@ make_root() {
             exec chroot "$0" env DEBIAN_FRONTEND=noninteractive \
                 sh -c "apt-get install -y --no-install-recommends /var/tmp/*.deb"' \
         "$root" "$work/debs" >"$work/install.log" 2>&1 || die "apt failed, see $work/install.log"
-    echo "$(grep '^Setting up' "$work/install.log" | grep -vc talmero-) packages came with them"
+    echo "$(grep '^Setting up' "$work/install.log" | grep -vc talmero-) other packages were installed with them"
 }
 
-# Every tool that the man page names, looked up as the session does.
+# Looks up every tool that the man page names, on the session's PATH.
 check_tools() {
     local tools=() path tool missing=()
     read -r -a tools < <(sed -n '/^Tools: /,/\.$/p' src/talmero-bios.1 | sed 's/Tools: //; s/with//' | tr -d '.' | tr ',\n' '  ' && echo)
@@ -88,13 +88,13 @@ check_units() {
     echo "systemd accepts the units"
 }
 
-# in_cgroups SCRIPT: with all cgroups mounted at /mnt, unseen by others
+# in_cgroups SCRIPT: runs it with all cgroups mounted on /mnt in a private namespace
 in_cgroups() {
     # shellcheck disable=SC2016 # the inner shell expands it
     unshare --mount bash -c 'mount -t cgroup2 cgroup /mnt && eval "$1"' in_cgroups "$1"
 }
 
-# systemd wants a cgroup that it may divide; it is ours and goes with us.
+# systemd needs a cgroup of its own. It is removed at the end.
 boot() {
     group=/mnt$(sed -n 's/^0:://p' /proc/self/cgroup)/talmero-packages-$$
     export group work root

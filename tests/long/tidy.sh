@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Looks at all code with clang-tidy, also at that of the tests.
+# Checks all code with clang-tidy, including the tests.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Every page and dialog under valgrind: reads of what was never written, which no sanitizer of the
-# usual run sees, and memory that is lost. The program's tools run as they are.
+# Runs every page and dialog under valgrind. It finds reads of uninitialised memory, which the
+# sanitizers of test.sh do not, and lost memory. The program's tools do not run under valgrind.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -18,8 +18,8 @@ rm -rf "$report"
 mkdir -p "$report"
 
 status=0
-# Compiled regular expressions read a vector's width at once, past the end of their text, and leave
-# no name behind by which that could be told from an error.
+# JIT-compiled regular expressions read a whole vector past the end of the text. Their code has no
+# symbols, so these reads cannot be suppressed by name.
 simulator/panel --build build-debug --share "$report" --display xvfb -- env QT_ENABLE_REGEXP_JIT=0 \
     valgrind --tool=memcheck --suppressions=tests/valgrind.supp --log-file="$report/log" \
     --child-silent-after-fork=yes --num-callers=40 --leak-check=full --show-leak-kinds=definite \

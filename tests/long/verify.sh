@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Verifies packages with changed tar headers and lets tar unpack those that are good.
+# Verifies packages with changed tar headers, and unpacks the good ones with tar.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -9,11 +9,11 @@ usage() {
     cat <<'TEXT'
 Usage: tests/long/verify.sh [SEED...]
 
-Builds talmero-mkpackage as released and with the sanitizers, and verifies 20,000
-packages of each seed, 1 and 2 if none is given, whose tar headers are changed in one
-to three places. What is good, tar must unpack without a complaint, as many files as
-told, none outside, no link that leads out, nothing special. Prints a line a seed.
-Takes some two minutes a seed. Needs root or sudo.
+Builds talmero-mkpackage as released and with the sanitizers. For each seed (default:
+1 and 2), verifies 20,000 packages whose tar headers are changed in one to three
+places. tar must unpack every good package without an error: as many files as
+reported, none outside the folder, no link that leads out, no special file. Prints one
+line per seed. Takes about two minutes per seed. Needs root or sudo.
 
   --help   Shows this text.
 TEXT
@@ -27,7 +27,7 @@ build_preset release talmero-mkpackage
 build_preset sanitize talmero-mkpackage
 status=0
 
-# run BUILD COUNT: one line, and one for each package that tar unpacks otherwise
+# run BUILD COUNT: prints a summary, and one line per package that tar unpacks differently
 run() {
     simulator/panel --build "$1" --display none -- \
         python3 tests/long/tarmutants.py "$PWD/$1/talmero-mkpackage" "$seed" "$2" || status=1

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Touches the settings and the factory window at random, 20,000 times each: as released, for the
-# memory, and with the sanitizers, for errors and leaks.
+# Touches the settings window and the factory window at random, 20,000 times each: as released, to
+# measure memory, and with the sanitizers, to find errors and leaks.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
 . scripts/common.sh
 
 usage() {
-    echo "Usage: tests/long/walk.sh [SEED [STEPS]]: the walk number SEED, 1 if not given"
+    echo "Usage: tests/long/walk.sh [SEED [STEPS]] (default: 1 20000)"
 }
 
 case "${1:-}" in
@@ -22,7 +22,7 @@ for preset in release sanitize; do
     [ "$preset" = release ] || folder=build-$preset
     echo "$preset"
     for window in "" --factory; do
-        # what is freed would count as in use as long as a thread keeps it for itself
+        # memory in the threads' caches of freed blocks would count as in use
         GLIBC_TUNABLES=glibc.malloc.tcache_count=0 \
             LSAN_OPTIONS=suppressions=$PWD/tests/leaks.supp:print_suppressions=0 \
             simulator/panel --build "$folder" --display xvfb -- \

@@ -16,12 +16,12 @@ namespace {
 // On a screen of 800x600.
 constexpr QPoint miscButton = pageButtons[4].place;
 constexpr QPoint mouseEnable(380, 79);
-constexpr QPoint screenSavingBox(560, 331);
-constexpr QPoint brightnessBox(560, 415);
-constexpr QPoint yearSection(460, 499);
-constexpr QRect secondsArea(550, 486, 40, 26);
-constexpr QPoint downButton(714, 499);
-constexpr QPoint upButton(758, 499);
+constexpr QPoint screenSavingBox(560, 332);
+constexpr QPoint brightnessBox(560, 418);
+constexpr QPoint yearSection(460, 504);
+constexpr QRect secondsArea(585, 490, 42, 28);
+constexpr QPoint downButton(714, 504);
+constexpr QPoint upButton(758, 504);
 constexpr int screenSavingRows = 6;
 constexpr int brightnessRows = 11;
 

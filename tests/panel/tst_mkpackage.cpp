@@ -42,6 +42,7 @@ private slots:
     void initTestCase();
     void init();
     void makesWhatAPanelUnpacks();
+    void folderOfAnyBytes();
     void otherReadersSeeTheSame_data();
     void otherReadersSeeTheSame();
     void sameContentsGiveTheSameBytes();
@@ -120,6 +121,21 @@ void TestMkpackage::makesWhatAPanelUnpacks()
     QCOMPARE(shellBytes(QString("stat -c %a '%1'").arg(path("line.kpc"))), QByteArray("644\n"));
     QCOMPARE(mkpackage({"verify", path("line.kpc")}).status, 0);
     QCOMPARE(files(), QStringList{"line.kpc"});
+}
+
+/// By a shell: arguments of a QProcess are text.
+void TestMkpackage::folderOfAnyBytes()
+{
+    QCOMPARE(make("text.kpc", "in").status, 0);
+    shellBytes(
+        QString("cd '%1'; odd=$(printf 'd\\377/\\303'); mkdir \"${odd%/*}\"; mv in \"$odd\";"
+                "make() { %2 make --kind application --version 12 --target RV-K21T \"$@\"; };"
+                "make --output bytes.kpc \"$odd\"; cmp bytes.kpc text.kpc;"
+                "if make --output \"$odd/o.kpc\" \"$odd\" 2>error; then exit 1; fi;"
+                "grep -q 'the output lies in the folder' error;"
+                "if make --output o.kpc \"$odd/a\" 2>error; then exit 1; fi;"
+                "grep -q 'is no folder' error; [ ! -e o.kpc ]")
+            .arg(m_folder->path(), MKPACKAGE));
 }
 
 void TestMkpackage::otherReadersSeeTheSame_data()

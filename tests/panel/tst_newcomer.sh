@@ -95,7 +95,7 @@ sudo_without_terminal() {
 
 sudo_that_refuses() {
     stand_in sudo 'exit 1'
-    one_line 1 $'run.sh: this needs root: sudo did not give it\r?' \
+    one_line 1 $'run.sh: this needs root: sudo refused\r?' \
         script --quiet --return --command "${as_user[*]} '$checkout/run.sh'" /dev/null
 }
 
@@ -107,7 +107,7 @@ container_without_rights() {
 disk_is_small() {
     mkdir "$work/small" && mount -t tmpfs -o size=5m small "$work/small" &&
         cp -a "$checkout/." "$work/small" &&
-        one_line 1 "run.sh: the build needs 100 MB in $work/small, and [45] MB are free there" \
+        one_line 1 "run.sh: the build needs 100 MB in $work/small, but only [45] MB are free" \
             "$work/small/run.sh" &&
         umount "$work/small"
 }

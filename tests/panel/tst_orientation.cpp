@@ -26,7 +26,7 @@ struct Places
 constexpr Places lying{landscape, {29, 310, 200, 50}, {400, 522},
                        {750, 16}, {380, 154},         {620, 154}};
 constexpr Places upright{portrait,  {29, 410, 200, 50}, {300, 698},
-                         {550, 16}, {300, 158},         {480, 158}};
+                         {550, 16}, {300, 180},         {500, 180}};
 constexpr PageButton uprightButtons[] = {
     {"Install Fonts", {115, 540}}, {"Ethernet", {300, 540}},      {"File Transfer", {485, 540}},
     {"System Status", {115, 698}}, {"Miscellaneous", {300, 698}}, {"Calibration", {485, 698}},
@@ -124,7 +124,7 @@ void TestOrientation::initTestCase()
 void TestOrientation::technicianTurnsTheScreen_data()
 {
     QTest::addColumn<QByteArray>("model");
-    QTest::newRow("small font") << QByteArray("RV-K21T\n");
+    QTest::newRow("small font") << QByteArray("K07\n");
     QTest::newRow("usual font") << QByteArray("RV-M15\n");
 }
 

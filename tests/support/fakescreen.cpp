@@ -36,3 +36,11 @@ void FakeScreen::setGeometry(const QRect &geometry) const
     QWindowSystemInterface::handleScreenGeometryChange(m_screen->screen(), geometry, geometry);
     QCoreApplication::processEvents();
 }
+
+void setPrimaryScreenSize(QSize size)
+{
+    const QRect geometry(QPoint(0, 0), size);
+    QWindowSystemInterface::handleScreenGeometryChange(QGuiApplication::primaryScreen(), geometry,
+                                                       geometry);
+    QCoreApplication::processEvents();
+}

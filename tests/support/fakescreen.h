@@ -18,3 +18,6 @@ private:
     class PlatformScreen;
     PlatformScreen *m_screen; ///< the toolkit owns it
 };
+
+/// Gives the test's first screen another size, as a change of its mode does.
+void setPrimaryScreenSize(QSize size);

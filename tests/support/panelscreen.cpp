@@ -10,21 +10,29 @@ namespace {
 constexpr QRect headingArea(29, 310, 200, 50);
 constexpr QRect cancelText(20, 10, 60, 14);
 constexpr QRect okText(735, 10, 30, 14);
-constexpr int listRowHeight = 44;
+const QList<int> rowHeights{44, 46}; // px, of a list in the factory window and on a page
 constexpr QColor headingColor(192, 104, 31);
 
-/// Where the list with so many rows is on the screen; nothing if it is not shown.
-QRect listPlace(int rows)
+/// The list of a combo box on the screen.
+struct ShownList
 {
-    const int height = rows * listRowHeight + 2; // with its frame
-    const QRegularExpression line(
-        QString("(0x[0-9a-f]+) .* [0-9]+x%1\\+[-0-9]+\\+[-0-9]+ +\\+([0-9]+)\\+([0-9]+)")
-            .arg(height));
-    const auto match = line.match(windowInfo({"-root", "-tree"}));
-    if (!match.hasMatch() || !windowInfo({"-id", match.captured(1)}).contains("IsViewable")) {
-        return {};
+    QPoint place;
+    int rowHeight = 0; ///< px; 0 if no such list is shown
+};
+
+/// The list with so many rows: a window that is as high as that many rows and a frame.
+ShownList shownList(int rows)
+{
+    static const QRegularExpression line(
+        "(0x[0-9a-f]+) .* [0-9]+x([0-9]+)\\+[-0-9]+\\+[-0-9]+ +\\+([0-9]+)\\+([0-9]+)");
+    for (const auto &match : line.globalMatch(windowInfo({"-root", "-tree"}))) {
+        const int rowsHeight = match.captured(2).toInt() - 2;
+        if (rowsHeight % rows == 0 && rowHeights.contains(rowsHeight / rows)
+            && windowInfo({"-id", match.captured(1)}).contains("IsViewable")) {
+            return {{match.captured(3).toInt(), match.captured(4).toInt()}, rowsHeight / rows};
+        }
     }
-    return {match.captured(2).toInt(), match.captured(3).toInt(), 100, height};
+    return {};
 }
 } // namespace
 
@@ -131,7 +139,8 @@ void openMainPage()
 void chooseRow(QPoint box, int rows, int row)
 {
     tapScreen(box);
-    QTRY_VERIFY(!listPlace(rows).isNull());
-    tapScreen(listPlace(rows).topLeft() + QPoint(50, 1 + row * listRowHeight + listRowHeight / 2));
-    QTRY_VERIFY(listPlace(rows).isNull());
+    ShownList list;
+    QTRY_VERIFY((list = shownList(rows)).rowHeight > 0);
+    tapScreen(list.place + QPoint(50, 1 + row * list.rowHeight + list.rowHeight / 2));
+    QTRY_VERIFY(shownList(rows).rowHeight == 0);
 }

@@ -15,6 +15,14 @@ constexpr int dragStep = 10;     // px
 constexpr int dragInterval = 10; // ms between the steps: a flick would go on behind the finger
 constexpr int restTime = 120;    // ms at the end of a drag, for the same reason
 
+void activate(QWidget *window)
+{
+    window->activateWindow(); // nothing manages the windows here
+    if (!QTest::qWaitForWindowActive(window)) {
+        qFatal("the window does not get the focus");
+    }
+}
+
 void sendMouse(QWidget *widget, QEvent::Type type, QPoint at)
 {
     const bool moves = type == QEvent::MouseMove;
@@ -62,6 +70,17 @@ void SettingsPage::open() const
 void SettingsPage::leave(const char *name) const
 {
     QTest::mouseClick(page()->findChild<SettingsButton *>(name), Qt::LeftButton);
+}
+
+void loseAndRegainFocus(QWidget *window)
+{
+    activate(window);
+    {
+        QWidget other;
+        other.show();
+        activate(&other);
+    }
+    activate(window);
 }
 
 QStringList rowTexts(const QTableWidget *table)

@@ -33,6 +33,9 @@ private:
     std::unique_ptr<BiosInterface> m_window;
 };
 
+/// Another window takes the focus from @p window and gives it back.
+void loseAndRegainFocus(QWidget *window);
+
 /// The texts of the rows of @p table.
 QStringList rowTexts(const QTableWidget *table);
 

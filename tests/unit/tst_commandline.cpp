@@ -1,6 +1,5 @@
 #include "system/commandline.h"
 
-#include "pages/rowfont.h"
 
 #include <QDirIterator>
 #include <QRegularExpression>
@@ -20,8 +19,6 @@ private slots:
     void brightness();
     void clock_data();
     void clock();
-    void rowFontFollowsTheWidth_data();
-    void rowFontFollowsTheWidth();
 };
 
 void TestCommandLine::fixedCommands()
@@ -160,27 +157,6 @@ void TestCommandLine::clock()
     QFETCH(QDateTime, time);
     QFETCH(QString, text);
     QCOMPARE(clockCommand(time), (QStringList{"date", text}));
-}
-
-void TestCommandLine::rowFontFollowsTheWidth_data()
-{
-    QTest::addColumn<int>("pageFont");
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("size");
-    QTest::newRow("usual") << 28 << 800 << 24;
-    QTest::newRow("small panel's font") << 20 << 800 << 20;
-    QTest::newRow("wide") << 28 << 1280 << 24;
-    QTest::newRow("upright") << 28 << 600 << 21;
-    QTest::newRow("narrow") << 28 << 480 << 16;
-    QTest::newRow("very narrow: stays readable") << 28 << 100 << 16;
-}
-
-void TestCommandLine::rowFontFollowsTheWidth()
-{
-    QFETCH(int, pageFont);
-    QFETCH(int, width);
-    QFETCH(int, size);
-    QCOMPARE(rowFontSize(pageFont, width), size);
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)

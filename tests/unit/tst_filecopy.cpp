@@ -1,5 +1,7 @@
 #include "system/filecopy.h"
 
+#include "diskfiles.h"
+#include "failingrenames.h"
 #include "faultfiles.h"
 #include "panelguard.h"
 #include "system/textcodec.h"
@@ -10,9 +12,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+
+Q_DECLARE_METATYPE(RenameErrors)
 
 namespace {
 constexpr qint64 wholeSize = 1000003; // bytes, no multiple of any buffer
@@ -45,6 +51,18 @@ QStringList entries(const QString &folder)
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System
                                   | QDir::NoDotAndDotDot);
 }
+
+/// Rows with a column "errors": what the calls fail with on file systems that lack something.
+void addFileSystemRows()
+{
+    QTest::addColumn<RenameErrors>("errors");
+    QTest::newRow("usual") << RenameErrors{};
+    QTest::newRow("cannot refuse to replace") << RenameErrors{.renameToNew = EINVAL};
+    QTest::newRow("old kernel") << RenameErrors{.renameToNew = ENOSYS};
+    QTest::newRow("without links") << RenameErrors{.renameToNew = EINVAL, .link = EPERM};
+    QTest::newRow("with links not supported")
+        << RenameErrors{.renameToNew = EINVAL, .link = EOPNOTSUPP};
+}
 } // namespace
 
 class TestFileCopy : public QObject
@@ -61,7 +79,12 @@ private slots:
     void fullDiskIsTold();
     void copiesToANewFile();
     void copiesNamesThatAreNoText();
+    void replacesNothing_data() { addFileSystemRows(); }
     void replacesNothing();
+    void copiesOnAnyFileSystem_data() { addFileSystemRows(); }
+    void copiesOnAnyFileSystem();
+    void failingRenameLeavesNothing_data();
+    void failingRenameLeavesNothing();
     void noFolderToCopyTo();
     void fullDiskLeavesNothing();
     void unreadableSourceLeavesNothing();
@@ -180,17 +203,53 @@ void TestFileCopy::copiesNamesThatAreNoText()
 
 void TestFileCopy::replacesNothing()
 {
+    QFETCH(RenameErrors, errors);
     write(path("new font"), "new");
-    QVERIFY(QDir(path("")).mkdir("kept"));
+    emptyFolder(path("kept").toUtf8());
     write(path("kept/file"), "old");
     QVERIFY(QFile::link("nowhere", path("kept/dangling")));
     QVERIFY(QDir(path("kept")).mkdir("folder"));
     const QStringList before = entries(path("kept"));
+    const FailingRenames failing(errors);
     for (const char *name : {"kept/file", "kept/dangling", "kept/folder"}) {
         QVERIFY(!copyToNewFile(path("new font"), path(name)));
     }
     QCOMPARE(read(path("kept/file")), QByteArray("old"));
     QCOMPARE(entries(path("kept")), before);
+}
+
+void TestFileCopy::copiesOnAnyFileSystem()
+{
+    QFETCH(RenameErrors, errors);
+    write(path("font"), "font");
+    QVERIFY(QFile::setPermissions(path("font"), QFile::ReadOwner | QFile::ReadOther));
+    emptyFolder(path("copies").toUtf8());
+    const FailingRenames failing(errors);
+    QVERIFY(copyToNewFile(path("font"), path("copies/font")));
+    QCOMPARE(read(path("copies/font")), QByteArray("font"));
+    struct stat status;
+    QCOMPARE(stat(path("copies/font").toUtf8(), &status), 0);
+    QCOMPARE(status.st_mode & 07777, mode_t(0404));
+    QCOMPARE(status.st_nlink, nlink_t(1));
+    QCOMPARE(entries(path("copies")), QStringList{"font"});
+}
+
+void TestFileCopy::failingRenameLeavesNothing_data()
+{
+    QTest::addColumn<RenameErrors>("errors");
+    QTest::newRow("disk fails") << RenameErrors{.renameToNew = EIO};
+    QTest::newRow("disk fails, without links")
+        << RenameErrors{.renameToNew = EINVAL, .link = EPERM, .rename = EIO};
+}
+
+void TestFileCopy::failingRenameLeavesNothing()
+{
+    QFETCH(RenameErrors, errors);
+    write(path("font"), "font");
+    emptyFolder(path("failed").toUtf8());
+    const FailingRenames failing(errors);
+    QVERIFY(!copyToNewFile(path("font"), path("failed/font")));
+    QCOMPARE(entries(path("failed")), QStringList());
 }
 
 void TestFileCopy::noFolderToCopyTo()

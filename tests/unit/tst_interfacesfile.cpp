@@ -1,24 +1,13 @@
 #include "system/interfacesfile.h"
 
-#include "faultfiles.h"
-#include "system/atomicfile.h"
 #include "system/commandline.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 Q_DECLARE_METATYPE(PortSetup)
 
 namespace {
 const QString loopback = "auto lo \niface lo inet loopback\n\n";
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 } // namespace
 
 class TestInterfacesFile : public QObject
@@ -28,10 +17,6 @@ private slots:
     void text_data();
     void text();
     void commands();
-    void replacesWholeFile();
-    void followsSymbolicLink();
-    void keepsOldFileOnFailure_data();
-    void keepsOldFileOnFailure();
 };
 
 void TestInterfacesFile::text_data()
@@ -79,46 +64,6 @@ void TestInterfacesFile::commands()
     QCOMPARE(setAddressCommand("eth0", ""), (QStringList{"ifconfig", "eth0", ""}));
     QCOMPARE(obtainLeaseCommand("eth1"), (QStringList{"dhclient", "eth1"}));
     QCOMPARE(releaseLeaseCommand(), (QStringList{"dhclient", "eth0", "-r"}));
-}
-
-void TestInterfacesFile::replacesWholeFile()
-{
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("interfaces");
-    QVERIFY(replaceFile(path, "a longer text\n"));
-    QFile reader(path);
-    QVERIFY(reader.open(QIODevice::ReadOnly));
-    QVERIFY(replaceFile(path, "new\n"));
-    QCOMPARE(contentOf(path), QByteArray("new\n"));
-    // Who has the old file open still reads all of it: it was replaced, not written over.
-    QCOMPARE(reader.readAll(), QByteArray("a longer text\n"));
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"interfaces"});
-}
-
-void TestInterfacesFile::followsSymbolicLink()
-{
-    const QTemporaryDir folder;
-    QVERIFY(replaceFile(folder.filePath("real"), "old\n"));
-    QVERIFY(QFile::link(folder.filePath("real"), folder.filePath("link")));
-    QVERIFY(replaceFile(folder.filePath("link"), "new\n"));
-    QVERIFY(QFileInfo(folder.filePath("link")).isSymLink());
-    QCOMPARE(contentOf(folder.filePath("real")), QByteArray("new\n"));
-}
-
-void TestInterfacesFile::keepsOldFileOnFailure_data()
-{
-    QTest::addColumn<QString>("kind");
-    for (const char *kind : {"directory", "folder missing", "read-only file system"}) {
-        QTest::newRow(kind) << QString(kind);
-    }
-}
-
-void TestInterfacesFile::keepsOldFileOnFailure()
-{
-    QFETCH(QString, kind);
-    const FaultFile fault(kind);
-    QVERIFY(!replaceFile(fault.path(), "new\n"));
-    QCOMPARE(fault.content(), QByteArray());
 }
 
 QTEST_GUILESS_MAIN(TestInterfacesFile)

@@ -8,6 +8,8 @@ class TestKeypadPosition : public QObject
 private slots:
     void places_data();
     void places();
+    void shifts_data();
+    void shifts();
 };
 
 void TestKeypadPosition::places_data()
@@ -43,6 +45,27 @@ void TestKeypadPosition::places()
     QFETCH(QRect, available);
     QFETCH(QPoint, position);
     QCOMPARE(keypadPosition(field, 296, available), position);
+}
+
+void TestKeypadPosition::shifts_data()
+{
+    QTest::addColumn<QRect>("field");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<int>("shift");
+    QTest::newRow("room below") << QRect(0, 100, 300, 34) << 600 << 0;
+    QTest::newRow("room above") << QRect(0, 500, 300, 34) << 600 << 0;
+    QTest::newRow("just room above") << QRect(0, 296, 300, 34) << 480 << 0;
+    QTest::newRow("no room") << QRect(0, 200, 300, 34) << 480 << 96;
+    QTest::newRow("field at the bottom") << QRect(0, 200, 300, 34) << 330 << 96;
+    QTest::newRow("screen too low for both") << QRect(0, 200, 300, 34) << 329 << 0;
+}
+
+void TestKeypadPosition::shifts()
+{
+    QFETCH(QRect, field);
+    QFETCH(int, height);
+    QFETCH(int, shift);
+    QCOMPARE(keypadShift(field, 296, QRect(0, 0, 800, height)), shift);
 }
 
 QTEST_GUILESS_MAIN(TestKeypadPosition)

@@ -6,6 +6,7 @@
 #include <QFontMetrics>
 #include <QSignalSpy>
 #include <QTest>
+#include <QtMath>
 
 namespace {
 constexpr QSize buttonSize(400, 300);
@@ -21,11 +22,18 @@ QImage painted(QWidget &button)
     return button.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
+/// Radius at which a ring around a number of one digit is drawn, px.
+int ringRadius(const QWidget &button)
+{
+    const QFontMetrics metrics(button.font());
+    return qMax(metrics.height(), metrics.horizontalAdvance('5'));
+}
+
 /// The count of which the ring has its colour, -1 if there is no ring. The ring is looked for at
 /// its radius, where the number in the centre does not reach.
 int ringCount(StartingApplicationAniationButton &button)
 {
-    const int radius = QFontMetrics(button.font()).height();
+    const int radius = ringRadius(button);
     const QImage image = painted(button);
     for (int degree = 0; degree < 360; ++degree) {
         const double angle = qDegreesToRadians(double(degree));
@@ -51,6 +59,20 @@ LayerModel computed(bool pressed)
     return model;
 }
 
+bool isLit(const QImage &image, int x, int y)
+{
+    return qGray(image.pixel(x, y)) > 127;
+}
+
+/// Whether the pixel @p arc pixels clockwise from the right end of a circle around @p middle is
+/// lit.
+bool isLitAtArc(const QImage &image, QPointF middle, double radius, double arc)
+{
+    const double angle = arc / radius;
+    return isLit(image, qFloor(middle.x() + radius * qCos(angle)),
+                 qFloor(middle.y() + radius * qSin(angle)));
+}
+
 bool holdsWhite(const QImage &image, const QRect &area)
 {
     for (int y = area.top(); y <= area.bottom(); ++y) {
@@ -73,6 +95,8 @@ private slots:
     void touchStopsTheCount();
     void showingAgainRestarts();
     void paintsAsComputed();
+    void ringIsADottedCircle_data();
+    void ringIsADottedCircle();
     void slidingOffCountsAsTouch();
 };
 
@@ -157,6 +181,53 @@ void TestCountDown::paintsAsComputed()
     QCOMPARE(ringCount(button), 5);
     button.setPressed(false);
     QCOMPARE(computed(false).difference(painted(button), ringArea), QString());
+}
+
+void TestCountDown::ringIsADottedCircle_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("fontSize");
+    QTest::newRow("usual") << buttonSize << 40;
+    QTest::newRow("other size") << QSize(300, 500) << 40;
+    QTest::newRow("other font") << buttonSize << 61;
+}
+
+/// A dot is a pen's width long and two apart; the square ends make it longer by a half at each end.
+void TestCountDown::ringIsADottedCircle()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, fontSize);
+    constexpr int width = 10; // px
+    StartingApplicationAniationButton button;
+    QFont font = button.font();
+    font.setPixelSize(fontSize);
+    button.setFont(font);
+    button.resize(size);
+    button.setPressed(true); // black but for the ring and the number
+    const QImage image = painted(button);
+    const int radius = ringRadius(button);
+    const QPoint middle(size.width() / 2, size.height() / 2);
+
+    QList<int> lit; // to the right of the number, in the middle row
+    for (int x = middle.x() + radius / 2; x < size.width(); ++x) {
+        if (isLit(image, x, middle.y())) {
+            lit += x - middle.x() - radius;
+        }
+    }
+    QCOMPARE(lit, (QList<int>{-5, -4, -3, -2, -1, 0, 1, 2, 3, 4}));
+
+    const int dots = int(2 * M_PI * radius) / (3 * width); // what is left at the end may be short
+    for (int dot = 0; dot < dots; ++dot) {
+        const int start = dot * 3 * width;
+        for (const int arc : {-3, 0, 5, 10, 13}) {
+            QVERIFY2(isLitAtArc(image, middle, radius, start + arc),
+                     qPrintable(QString("dot %1, %2").arg(dot).arg(arc)));
+        }
+        for (const int arc : {17, 20, 23}) {
+            QVERIFY2(!isLitAtArc(image, middle, radius, start + arc),
+                     qPrintable(QString("dot %1, %2").arg(dot).arg(arc)));
+        }
+    }
 }
 
 void TestCountDown::slidingOffCountsAsTouch()

@@ -9,8 +9,10 @@
 #include "widgets/radiobutton.h"
 #include "widgets/settingsbutton.h"
 
+#include <QButtonGroup>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QGridLayout>
 #include <QLabel>
 #include <QStackedWidget>
 
@@ -106,8 +108,7 @@ private slots:
     void init();
     void cleanup();
     void builtPage();
-    void fitsTheScreen_data();
-    void fitsTheScreen();
+    void layout();
     void shows_data();
     void shows();
     void liveAddress_data();
@@ -119,8 +120,9 @@ private slots:
     void cancelChangesNothing();
     void textsAreTakenAsTyped();
     void emptyMaskIsStoredEmpty();
-    void unwritableInterfacesFileStays_data();
     void unwritableInterfacesFileStays();
+    void interfacesFileThatCannotBeReplaced_data();
+    void interfacesFileThatCannotBeReplaced();
     void toolsThatFail_data();
     void toolsThatFail();
     void hangingDhcpClientIsCutOff();
@@ -196,36 +198,35 @@ void TestEthernetPage::builtPage()
     QCOMPARE(texts, (QStringList{"IP:", "IP:", "Lan 1", "Lan 2", "Netmask:", "Netmask:"}));
 }
 
-void TestEthernetPage::fitsTheScreen_data()
+void TestEthernetPage::layout()
 {
-    QTest::addColumn<QSize>("size");
-    for (const QSize size : {QSize(800, 600), QSize(1024, 768), QSize(480, 800), QSize(600, 800)}) {
-        QTest::addRow("%dx%d", size.width(), size.height()) << size;
-    }
-}
-
-void TestEthernetPage::fitsTheScreen()
-{
-    QFETCH(QSize, size);
-    const Page page(
-        QString("bios.screen.size=%1x%2\n").arg(size.width()).arg(size.height()).toUtf8());
-    QCOMPARE(page.window()->size(), size); // the contents do not push the window over the edge
-    int bottom = 32;
+    const Page page;
+    const auto *content = qobject_cast<QVBoxLayout *>(page.page()->layout()->itemAt(1)->layout());
+    QVERIFY(content != nullptr);
+    QCOMPARE(content->contentsMargins(), QMargins(29, 29, 29, 29));
+    constexpr int itemsOfAPort = 6;
+    QCOMPARE(content->count(), portCount * itemsOfAPort);
     for (int lan = 0; lan < portCount; ++lan) {
+        const int first = lan * itemsOfAPort;
+        const auto *caption = qobject_cast<QLabel *>(content->itemAt(first)->widget());
+        QCOMPARE(caption->text(), QString("Lan %1").arg(lan + 1));
         for (int index = 0; index < 3; ++index) {
-            const QRect row = page.mode(lan, index)->geometry();
-            QVERIFY(row.top() > bottom);
-            QVERIFY(row.height() >= 44); // a finger hits it
-            bottom = row.bottom();
+            QCOMPARE(content->itemAt(first + 1 + index)->widget(), page.mode(lan, index));
         }
-        for (const LineEditWithKeyPad *edit : {page.address(lan), page.mask(lan)}) {
-            QVERIFY(edit->geometry().top() > bottom);
-            QVERIFY(edit->height() >= 36); // more has no room on the smallest screen
-            QVERIFY(edit->width() >= 200); // room for an address in its font
-            bottom = edit->geometry().bottom();
-        }
+        const auto *edits = qobject_cast<QGridLayout *>(content->itemAt(first + 4)->layout());
+        QVERIFY(edits != nullptr);
+        const auto captionText = [&](int row) {
+            return qobject_cast<QLabel *>(edits->itemAtPosition(row, 0)->widget())->text();
+        };
+        QCOMPARE(captionText(0), QString("IP:"));
+        QCOMPARE(captionText(1), QString("Netmask:"));
+        QCOMPARE(edits->itemAtPosition(0, 1)->widget(), page.address(lan));
+        QCOMPARE(edits->itemAtPosition(1, 1)->widget(), page.mask(lan));
+        QVERIFY(content->itemAt(first + 5)->spacerItem() != nullptr);
+        QCOMPARE(page.mode(lan, 0)->group()->buttons().size(), 3);
+        QVERIFY(page.mode(lan, 0)->group()->exclusive());
     }
-    QVERIFY(bottom < size.height());
+    QVERIFY(page.mode(0, 0)->group() != page.mode(1, 0)->group());
 }
 
 void TestEthernetPage::shows_data()
@@ -409,32 +410,52 @@ void TestEthernetPage::emptyMaskIsStoredEmpty()
              QString("Manual Input [10.0.0.9] [255.255.255.0] enabled"));
 }
 
-void TestEthernetPage::unwritableInterfacesFileStays_data()
+void TestEthernetPage::unwritableInterfacesFileStays()
+{
+    const Page page;
+    page.choose(0, Dhcp);
+    shellBytes("mount --bind /etc/network /etc/network && "
+               "mount -o remount,bind,ro /etc/network");
+    page.ok();
+    const QString left = interfacesText();
+    shellBytes("umount /etc/network");
+    QCOMPARE(left, QString(oldInterfaces));
+    QCOMPARE(readPanelFile("bios.ini"), QByteArray("ethernet.eth0=dhcp\n")); // the choice is kept
+    QCOMPARE(page.window()->findChild<QStackedWidget *>()->currentIndex(), 1);
+}
+
+void TestEthernetPage::interfacesFileThatCannotBeReplaced_data()
 {
     QTest::addColumn<QString>("cover");
     QTest::addColumn<QString>("undo");
-    QTest::newRow("read-only") << "mount --bind /etc/network /etc/network && "
-                                  "mount -o remount,bind,ro /etc/network"
-                               << "umount /etc/network";
-    QTest::newRow("full") << "mount -t tmpfs -o size=64k panel /etc/network && "
-                             "echo '# as it was' >/etc/network/interfaces && "
-                             "(head -c 1000000 /dev/zero >/etc/network/rest 2>/dev/null || true)"
-                          << "umount /etc/network";
+    const QString mount = "cp interfaces /run/kept && chmod 600 /run/kept && "
+                          "chown 7:8 /run/kept && mount --bind /run/kept interfaces";
+    QTest::newRow("mounted by itself") << mount << "umount interfaces";
+    QTest::newRow("mounted by itself, read-only root")
+        << "mount --bind . . && cd /etc/network && mount -o remount,bind,ro . && " + mount
+        << "umount interfaces && cd / && umount /etc/network";
+    QTest::newRow("full disk") << "mount -t tmpfs -o size=64k panel . && cd /etc/network && "
+                                  "echo '# as it was' >interfaces && chmod 600 interfaces && "
+                                  "chown 7:8 interfaces && "
+                                  "(head -c 1000000 /dev/zero >rest 2>/dev/null || true)"
+                               << "cd / && umount /etc/network";
 }
 
-void TestEthernetPage::unwritableInterfacesFileStays()
+void TestEthernetPage::interfacesFileThatCannotBeReplaced()
 {
     QFETCH(QString, cover);
     QFETCH(QString, undo);
     const Page page;
     page.choose(0, Dhcp);
-    shellBytes(cover);
+    const QString inFolder = "cd /etc/network && ";
+    shellBytes(inFolder + cover);
     page.ok();
-    const QString left = interfacesText();
-    shellBytes(undo);
-    QCOMPARE(left, QString(oldInterfaces));
-    QCOMPARE(readPanelFile("bios.ini"), QByteArray("ethernet.eth0=dhcp\n")); // the choice is kept
-    QCOMPARE(page.window()->findChild<QStackedWidget *>()->currentIndex(), 1);
+    const QString written = interfacesText();
+    const QByteArray rights = shellBytes("stat -c %u:%g:%a /etc/network/interfaces");
+    shellBytes(inFolder + undo);
+    QCOMPARE(written, loopback + "auto eth0\niface eth0 inet dhcp\n\n");
+    QCOMPARE(rights, QByteArray("7:8:600\n"));
+    QCOMPARE(interfacesText(), QString(oldInterfaces)); // what was covered
 }
 
 void TestEthernetPage::toolsThatFail_data()

@@ -1,5 +1,6 @@
 #include "factory/softwaresetup.h"
 
+#include "diskfiles.h"
 #include "factorywindow.h"
 #include "panelfiles.h"
 #include "panelguard.h"
@@ -60,6 +61,8 @@ private slots:
     void missingTools();
     void rulesThatCannotBeWritten_data();
     void rulesThatCannotBeWritten();
+    void rulesThatCannotBeReplaced_data();
+    void rulesThatCannotBeReplaced();
     void modelThatCannotBeWritten();
 };
 
@@ -246,6 +249,35 @@ void TestFactorySave::rulesThatCannotBeWritten()
     QCOMPARE(QProcess::execute("sh", {"-c", mend}), 0);
     QCOMPARE(rules, left);
     QCOMPARE(readPanelFile("model"), QByteArray("K25T"));
+}
+
+void TestFactorySave::rulesThatCannotBeReplaced_data()
+{
+    QTest::addColumn<QString>("readOnly"); // a shell's commands before the file is mounted
+    QTest::newRow("writable folder") << "";
+    QTest::newRow("read-only folder") << "mount --bind . .; cd $PWD; mount -o remount,bind,ro .; ";
+}
+
+/// The real rm fails then.
+void TestFactorySave::rulesThatCannotBeReplaced()
+{
+    QFETCH(QString, readOnly);
+    const FactoryWindow factory({"mv", "date", "hwclock", "ifconfig"});
+    factory.tools().setBody("ifconfig", "echo 'eth0 Link encap:Ethernet  HWaddr 00:01  '");
+    const QString inFolder = QString("cd %1; ").arg(rulesFolder);
+    shellBytes(inFolder + readOnly
+               + QString("echo old >/run/kept; chown 7:8 /run/kept; chmod 600 /run/kept; "
+                         "mount --bind /run/kept %1")
+                     .arg(rulesFile));
+    factory.click("Save");
+    const QByteArray rules = rulesText();
+    const QByteArray names = shellBytes(inFolder + "ls -A");
+    shellBytes(
+        QString("umount %1; mountpoint -q %2 && umount %2 || true").arg(rulesFile, rulesFolder));
+    QCOMPARE(rules, rule("00:01", 0).toLatin1());
+    QCOMPARE(shellBytes("cat /run/kept"), rules);
+    QCOMPARE(shellBytes("stat -c %u:%g:%a /run/kept"), QByteArray("7:8:600\n"));
+    QCOMPARE(shellBytes(inFolder + "ls -A"), names); // nothing was left beside it
 }
 
 void TestFactorySave::modelThatCannotBeWritten()

@@ -13,6 +13,8 @@
 #include <QMessageBox>
 #include <QStackedWidget>
 
+#include <functional>
+
 namespace {
 const QByteArray stick = "/media/usb0/";
 
@@ -24,6 +26,11 @@ public:
     {
     }
 
+    void choose(const char *list) const
+    {
+        QTest::mouseClick(page()->findChild<RadioButton *>(list), Qt::LeftButton);
+    }
+
     /// Chooses the file and leaves by OK. Result: whether the page called that a success.
     bool install(const QString &name, Qt::Edge end = Qt::LeftEdge) const
     {
@@ -33,6 +40,8 @@ public:
         return log.lines().filter("Load settings at page 4 error.").isEmpty();
     }
 };
+
+using UserAction = std::function<void(const Page &page)>;
 
 /// An application package that this panel takes.
 void addApplication(const QByteArray &name)
@@ -57,6 +66,10 @@ private slots:
     void refusals();
     void unknownKindShowsNothing();
     void nothingChosen();
+    void onlyARowTappedInThisVisitCounts_data();
+    void onlyARowTappedInThisVisitCounts();
+    void tappedRowStaysChosen_data();
+    void tappedRowStaysChosen();
     void rowWithoutFile();
 
 private:
@@ -126,8 +139,7 @@ void TestFileTransferInstall::installsFirmware()
     writePackage(stick + "new.fmw", PackageKind::Firmware, 13, "TALMERO", {{"both", "new\n"}});
     const DialogDriver user(&QDialog::reject);
     const Page page;
-    QTest::mouseClick(page.page()->findChild<RadioButton *>("firmware_radioButton"),
-                      Qt::LeftButton);
+    page.choose("firmware_radioButton");
     QVERIFY(page.install("new.fmw"));
     QCOMPARE(user.count(), 0);
     QCOMPARE(readFile("/home/both"), QByteArray("new\n"));
@@ -205,6 +217,69 @@ void TestFileTransferInstall::nothingChosen()
     QCOMPARE(tools.calls(), QStringList());
     QCOMPARE(user.count(), 0);
     QCOMPARE(readFile("/home/dest/compile/old"), QByteArray("old\n"));
+}
+
+void TestFileTransferInstall::onlyARowTappedInThisVisitCounts_data()
+{
+    QTest::addColumn<UserAction>("between");
+    QTest::newRow("page opened anew") << UserAction([](const Page &page) {
+        page.leave("cancel");
+        page.open();
+    });
+    QTest::newRow("other list and back") << UserAction([](const Page &page) {
+        page.choose("firmware_radioButton");
+        page.choose("application_radioButton");
+    });
+    QTest::newRow("tap beside the rows") << UserAction([](const Page &page) {
+        QTest::mouseClick(page.table()->viewport(), Qt::LeftButton, {},
+                          page.table()->viewport()->rect().bottomLeft() + QPoint(10, -10));
+    });
+}
+
+/// With the focus in the table Qt makes the first row current when the window gets it back.
+void TestFileTransferInstall::onlyARowTappedInThisVisitCounts()
+{
+    QFETCH(UserAction, between);
+    addApplication("x.kpc");
+    const FakeTools tools({"tar", "rm", "sync"});
+    const DialogDriver user(&QDialog::reject);
+    const Page page;
+    tapRow(page.table(), 0);
+    between(page);
+    page.table()->setFocus();
+    loseAndRegainFocus(page.window());
+    QVERIFY(page.table()->hasFocus());
+    QVERIFY(page.table()->currentItem() != nullptr);
+    QVERIFY(page.table()->selectedItems().isEmpty());
+    page.leave("ok");
+    QCOMPARE(tools.calls(), QStringList());
+    QCOMPARE(user.count(), 0);
+    QCOMPARE(readFile("/home/dest/compile/old"), QByteArray("old\n"));
+}
+
+void TestFileTransferInstall::tappedRowStaysChosen_data()
+{
+    QTest::addColumn<UserAction>("between");
+    QTest::newRow("focus lost and given back")
+        << UserAction([](const Page &page) { loseAndRegainFocus(page.window()); });
+    QTest::newRow("tapped once more")
+        << UserAction([](const Page &page) { tapRow(page.table(), rowOf(page.table(), "y.kpc")); });
+    QTest::newRow("the tapped choice tapped once more")
+        << UserAction([](const Page &page) { page.choose("application_radioButton"); });
+}
+
+void TestFileTransferInstall::tappedRowStaysChosen()
+{
+    QFETCH(UserAction, between);
+    writeFile(stick + "x.kpc");
+    addApplication("y.kpc");
+    const DialogDriver user(&QDialog::reject);
+    const Page page;
+    tapRow(page.table(), rowOf(page.table(), "y.kpc"));
+    between(page);
+    page.leave("ok");
+    QCOMPARE(user.count(), 0);
+    QCOMPARE(readFile("/home/dest/both"), QByteArray("new\n"));
 }
 
 void TestFileTransferInstall::rowWithoutFile()

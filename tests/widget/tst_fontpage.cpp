@@ -90,6 +90,7 @@ private slots:
     void copiesNamesOfAnyBytes();
     void copyCanBeRead();
     void nothingChosen();
+    void rowThatOnlyHasTheFocusIsNotChosen();
     void rowWithoutFile();
     void installedFontIsKept();
     void firstOfOneNameIsTaken_data();
@@ -303,6 +304,20 @@ void TestFontPage::nothingChosen()
     addFonts({"a.ttf"});
     const Page page;
     QVERIFY(page.window()->saveFontSettings());
+    QVERIFY(page.install());
+    QCOMPARE(installedFonts(), QStringList());
+}
+
+void TestFontPage::rowThatOnlyHasTheFocusIsNotChosen()
+{
+    addFonts({"a.ttf"});
+    const Page page;
+    page.tap("a.ttf");
+    page.leave("cancel");
+    page.open();
+    page.table()->setFocus();
+    loseAndRegainFocus(page.window());
+    QVERIFY(page.table()->currentItem() != nullptr); // Qt makes the first row current
     QVERIFY(page.install());
     QCOMPARE(installedFonts(), QStringList());
 }

@@ -87,6 +87,7 @@ private slots:
     void readsTheSettingsItself();
     void withoutSettingsFile();
     void selectedFile();
+    void rowThatOnlyHasTheFocusIsNotSelected();
     void draggingScrolls();
     void picksAnImage_data();
     void picksAnImage();
@@ -260,6 +261,17 @@ void TestPackagePicker::selectedFile()
     QCOMPARE(bytesFromText(dialog.selectedFile()), stick + "b\xFF.pkg");
     QCOMPARE(table->selectedItems().size(), 1);
     table->clearSelection();
+    QCOMPARE(dialog.selectedFile(), QString());
+}
+
+void TestPackagePicker::rowThatOnlyHasTheFocusIsNotSelected()
+{
+    addFiles({"a.pkg"});
+    PackageInstalling dialog;
+    dialog.show();
+    tableOf(dialog)->setFocus();
+    loseAndRegainFocus(&dialog);
+    QVERIFY(tableOf(dialog)->currentItem() != nullptr); // Qt makes the first row current
     QCOMPARE(dialog.selectedFile(), QString());
 }
 

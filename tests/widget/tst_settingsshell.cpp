@@ -114,6 +114,7 @@ private slots:
     void failureIsADebugLine();
     void pagesWithoutActionsDoNothing();
     void buttonWithoutPageOpensCountDown();
+    void slotsWithoutASenderDoNothing();
     void labelStyle();
     void destructionOrder();
 
@@ -484,6 +485,17 @@ void TestSettingsShell::buttonWithoutPageOpensCountDown()
     nameless.setObjectName("far:99"); // no such page: the shown one stays
     emit nameless.buttonClicked();
     QCOMPARE(m_window->pages()->currentIndex(), 0);
+    QCOMPARE(m_window->calls, QStringList());
+}
+
+void TestSettingsShell::slotsWithoutASenderDoNothing()
+{
+    tap(m_window->button("Ethernet:3"));
+    m_window->calls.clear();
+    for (const char *slot : {"runSettingsUI", "titleBarButtonPressed"}) {
+        QVERIFY(QMetaObject::invokeMethod(m_window.get(), slot));
+        QCOMPARE(m_window->pages()->currentIndex(), 3);
+    }
     QCOMPARE(m_window->calls, QStringList());
 }
 

@@ -84,7 +84,7 @@ private slots:
     void builtPage();
     void labelPair();
     void updateButtonOpensThePicker();
-    void fontsFollowTheModel();
+    void captionsOfASmallModel();
     void modelRow_data();
     void modelRow();
     void rowsThatAreRefreshed();
@@ -186,13 +186,13 @@ void TestSystemStatusPage::updateButtonOpensThePicker()
     QVERIFY(picks);
 }
 
-void TestSystemStatusPage::fontsFollowTheModel()
+void TestSystemStatusPage::captionsOfASmallModel()
 {
-    writePanelFile("model", "K21\n"); // has a small screen
+    writePanelFile("model", "K21\n"); // its window has a font of 20 px
     const Page page;
     for (int row = 0; row < rowCount; ++row) {
-        QCOMPARE(page.caption(row)->font().pixelSize(), 20);
-        QCOMPARE(page.value(row)->font().pixelSize(), 20);
+        QCOMPARE(page.caption(row)->font().pixelSize(), 24);
+        QCOMPARE(page.value(row)->font().pixelSize(), 24);
     }
 }
 

@@ -16,6 +16,7 @@ struct NeededFolder
     QString path;
     Level level;
     const char *loss;
+    const char *file = nullptr; ///< the program's only one there, written in place if need be
 };
 
 const QList<NeededFolder> &neededFolders()
@@ -25,8 +26,8 @@ const QList<NeededFolder> &neededFolders()
         {Paths::biosFolder,                Level::Error,   "settings are not stored"},
         {Paths::firmwareFolder,            Level::Error,   "firmware is not installed, and nobody is told"},
         {Paths::fontFolder,                Level::Error,   "fonts are not installed, and nobody is told"},
-        {folderOf(Paths::interfacesFile),  Level::Error,   "addresses are not kept over the next boot"},
-        {folderOf(Paths::namingRulesFile), Level::Warning, "the factory window cannot name the LAN ports"},
+        {folderOf(Paths::interfacesFile),  Level::Error,   "addresses are not kept over the next boot", Paths::interfacesFile},
+        {folderOf(Paths::namingRulesFile), Level::Warning, "the factory window cannot name the LAN ports", Paths::namingRulesFile},
         {Paths::lockFolder,                Level::Warning, "the serial tests cannot lock their ports"},
     };
     // clang-format on
@@ -50,6 +51,11 @@ std::optional<Finding> badFolder(const PathFacts &facts, const QString &path, Le
                        {}};
     }
     return std::nullopt;
+}
+
+bool isWrittenInPlace(const Facts &facts, const NeededFolder &folder)
+{
+    return folder.file != nullptr && facts.path(QLatin1String(folder.file)).isWritable;
 }
 
 Finding checkFreeSpace(const Facts &facts, const QString &path)
@@ -86,6 +92,13 @@ constexpr VersionFile versionFiles[] = {
     {Paths::modelFile, false, "which applications may be installed"},
 };
 
+/// "00" is the number 0 too.
+bool isZero(const QString &text)
+{
+    bool isNumber = false;
+    return text.toLongLong(&isNumber) == 0 && isNumber;
+}
+
 Finding checkVersionFile(const Facts &facts, const VersionFile &file)
 {
     const QString path = QLatin1String(file.path);
@@ -104,7 +117,7 @@ Finding checkVersionFile(const Facts &facts, const VersionFile &file)
                        "write it anew: the power may have failed while it was written" + decides);
     }
     const QString text = QString("%1 says \"%2\"").arg(path, shortened(line));
-    if (file.isNumber && versionNumber(line) == 0 && line != QLatin1String("0")) {
+    if (file.isNumber && versionNumber(line) == 0 && !isZero(line)) {
         return warning(text + ", which is no version", "write a decimal number" + decides);
     }
     if (line != line.trimmed()) {
@@ -121,7 +134,7 @@ Findings checkFolders(const Facts &facts)
     for (const NeededFolder &folder : neededFolders()) {
         const auto bad = badFolder(facts.path(folder.path), folder.path, folder.level,
                                    QLatin1String(folder.loss));
-        findings += bad ? *bad : fine(folder.path);
+        findings += bad && !isWrittenInPlace(facts, folder) ? *bad : fine(folder.path);
     }
     return findings;
 }

@@ -4,12 +4,14 @@
 #include "system/process.h"
 #include "system/textcodec.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryFile>
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
 
 #include <stdio.h> // rename
 #include <sys/stat.h>
@@ -17,12 +19,11 @@
 
 namespace MkPackage {
 namespace {
-/// The names in @p folder, sorted by their bytes, each ended by a zero byte; none if they cannot
-/// all be read.
-QByteArray memberNames(const QString &folder)
+/// The names that @p listing gives, sorted by their bytes, each ended by a zero byte; none if they
+/// cannot all be read.
+QByteArray memberNames(FolderListing &listing)
 {
     QByteArrayList names;
-    FolderListing listing(bytesFromText(folder));
     errno = 0; // tells a listing that fails from one that is over
     while (const dirent *entry = listing.next()) {
         const QByteArray name(entry->d_name);
@@ -61,10 +62,30 @@ QString folderOf(const QString &file)
     return QFileInfo(file).absolutePath();
 }
 
+/// The path of what is open as @p descriptor: for what has no name, or one that is no text.
+QString descriptorPath(int descriptor)
+{
+    return QString("/proc/%1/fd/%2").arg(getpid()).arg(descriptor);
+}
+
+/// Keeps bytes that are no text, as Qt's own paths do not.
+std::filesystem::path bytePath(const QString &path)
+{
+    return bytesFromText(path).toStdString();
+}
+
+/// The folder @p path without links, ending with a "/".
+std::string realFolder(const std::filesystem::path &path)
+{
+    std::error_code failed; // then it is empty
+    return std::filesystem::canonical(path, failed).string() + '/';
+}
+
 QString findFolderError(const Options &options)
 {
-    const QFileInfo folder(options.folder);
-    if (!folder.isDir()) {
+    const std::filesystem::path folder = bytePath(options.folder);
+    std::error_code failed; // then it is none
+    if (!std::filesystem::is_directory(folder, failed)) {
         return QString("%1 is no folder").arg(options.folder);
     }
     const QFileInfo output(options.output);
@@ -74,8 +95,9 @@ QString findFolderError(const Options &options)
     if (output.exists() && !output.isFile()) { // would be a device no more
         return QString("%1 is no plain file").arg(options.output);
     }
-    const QString top = folder.canonicalFilePath() + '/';
-    if ((QFileInfo(folderOf(options.output)).canonicalFilePath() + '/').startsWith(top)) {
+    const auto outputFolder
+        = std::filesystem::absolute(bytePath(options.output), failed).parent_path();
+    if (realFolder(outputFolder).starts_with(realFolder(folder))) {
         return "the output lies in the folder that goes into it";
     }
     return {};
@@ -118,7 +140,8 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     if (!folderError.isEmpty()) {
         return folderError;
     }
-    const QByteArray names = memberNames(options.folder);
+    FolderListing folder(bytesFromText(options.folder));
+    const QByteArray names = memberNames(folder);
     if (names.isEmpty()) {
         return QString("%1 is empty or cannot be read").arg(options.folder);
     }
@@ -133,9 +156,9 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
         return cannotWrite;
     }
     // By its descriptor, because the file shall have no name yet: killed, nothing is left of it.
-    const QString packagePath = QString("/proc/%1/fd/%2").arg(getpid()).arg(package.handle());
-    const ToolResult result = runIntoFile(tarCommand(namesFile.fileName(), time), options.folder,
-                                          packagePath, shallStop);
+    const ToolResult result
+        = runIntoFile(tarCommand(namesFile.fileName(), time), descriptorPath(folder.descriptor()),
+                      descriptorPath(package.handle()), shallStop);
     if (shallStop()) {
         return "stopped";
     }

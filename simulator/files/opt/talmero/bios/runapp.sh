@@ -1,11 +1,11 @@
 #!/bin/sh
-# Runs the HMI runtime and ends when it is closed.
+# Runs the HMI runtime and ends when the runtime ends.
 if [ -p /run/panel/tools.pipe ]; then
     line="[tool] /bin/sh /opt/talmero/bios/runapp.sh"
     echo "$line" >>/run/panel/tools.log
     echo "$line" >/run/panel/tools.pipe
 fi
-# What the runtime runs is not the settings program's doing.
+# The trace must show only the tools of the settings program, not those of the runtime.
 PATH=/usr/sbin:/usr/bin:/sbin:/bin
 export PATH
 if [ ! -x /opt/talmero/hmi/runtime ]; then
