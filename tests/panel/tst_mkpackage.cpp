@@ -132,9 +132,9 @@ void TestMkpackage::folderOfAnyBytes()
                 "make() { %2 make --kind application --version 12 --target RV-K21T \"$@\"; };"
                 "make --output bytes.kpc \"$odd\"; cmp bytes.kpc text.kpc;"
                 "if make --output \"$odd/o.kpc\" \"$odd\" 2>error; then exit 1; fi;"
-                "grep -q 'the output lies in the folder' error;"
+                "grep -q 'the output is inside the folder' error;"
                 "if make --output o.kpc \"$odd/a\" 2>error; then exit 1; fi;"
-                "grep -q 'is no folder' error; [ ! -e o.kpc ]")
+                "grep -q 'is not a folder' error; [ ! -e o.kpc ]")
             .arg(m_folder->path(), MKPACKAGE));
 }
 
@@ -242,10 +242,10 @@ void TestMkpackage::refused_data()
     QTest::addColumn<QString>("error");
     QTest::newRow("folder missing") << "o.kpc"
                                     << "none"
-                                    << "%1/none is no folder";
+                                    << "%1/none is not a folder";
     QTest::newRow("folder is a file") << "o.kpc"
                                       << "in/a"
-                                      << "%1/in/a is no folder";
+                                      << "%1/in/a is not a folder";
     QTest::newRow("folder is empty") << "o.kpc"
                                      << "in/empty"
                                      << "%1/in/empty is empty or cannot be read";
@@ -254,10 +254,10 @@ void TestMkpackage::refused_data()
                                         << "%1/in is a folder";
     QTest::newRow("output in the folder") << "in/o.kpc"
                                           << "in"
-                                          << "the output lies in the folder that goes into it";
+                                          << "the output is inside the folder to pack";
     QTest::newRow("output deep in the folder") << "in/compile/deep/o.kpc"
                                                << "in"
-                                               << "the output lies in the folder that goes into it";
+                                               << "the output is inside the folder to pack";
     QTest::newRow("no folder for the output") << "none/o.kpc"
                                               << "in"
                                               << "cannot write %1/none/o.kpc";
@@ -283,7 +283,8 @@ void TestMkpackage::outputThatIsNoPlainFile()
     for (const char *name : {"pipe.kpc", "link.kpc"}) {
         const ToolRun run = make(name, "in");
         QCOMPARE(run.status, 1);
-        QCOMPARE(run.errors, "talmero-mkpackage: " + path(name).toUtf8() + " is no plain file\n");
+        QCOMPARE(run.errors,
+                 "talmero-mkpackage: " + path(name).toUtf8() + " is not a plain file\n");
     }
     shellBytes(QString("cd '%1'; [ -p pipe.kpc ]; [ -L link.kpc ]").arg(m_folder->path()));
 }
@@ -333,7 +334,7 @@ void TestMkpackage::noRoomForTemporaryFiles()
     const ToolRun run = make("line.kpc", "in");
     QCOMPARE(umount(full.constData()), 0);
     QCOMPARE(run.status, 1);
-    QCOMPARE(run.errors, QByteArray("talmero-mkpackage: there is no room for temporary files\n"));
+    QCOMPARE(run.errors, QByteArray("talmero-mkpackage: there is no space for temporary files\n"));
     QCOMPARE(files(), QStringList());
 }
 

@@ -72,11 +72,11 @@ void TestHeaderWalk::walks_data()
     QTest::newRow("extended") << describing('x', "10 path=x\n") + file << 1536 << none;
     QTest::newRow("extended by zeros")
         << describing('L', QByteArray(512, '\0')) + file << 1536 << none;
-    QTest::newRow("extended, malformed") << describing('x', "11 path=x\n") + file << -1
-                                         << QByteArray("a malformed extended header");
+    QTest::newRow("extended, malformed")
+        << describing('x', "11 path=x\n") + file << -1 << QByteArray("a malformed extended header");
     QTest::newRow("of git") << describing('g', "13 comment=x\n") + file << 1536 << none;
-    QTest::newRow("a name for all") << describing('g', "10 path=x\n") + file << -1
-                                    << QByteArray("a global extended header");
+    QTest::newRow("a name for all")
+        << describing('g', "10 path=x\n") + file << -1 << QByteArray("a global extended header");
     QTest::newRow("eight descriptions") << describing('L', "n").repeated(8) + file << 8704 << none;
     QTest::newRow("nine descriptions") << describing('L', "n").repeated(9) + file << -1 << tooMuch;
     QTest::newRow("large description") << header('L', "00004000001") << -1 << tooMuch;
@@ -173,8 +173,7 @@ void TestHeaderWalk::paxRecords_data()
     QTest::newRow("negative user") << QByteArray("10 uid=-1\n") << malformed;
     QTest::newRow("time that is none") << QByteArray("11 mtime=-\n") << malformed;
     QTest::newRow("time with two points") << QByteArray("15 mtime=1.2.3\n") << malformed;
-    QTest::newRow("holes") << QByteArray("22 GNU.sparse.major=1\n")
-                           << QByteArray("a sparse file");
+    QTest::newRow("holes") << QByteArray("22 GNU.sparse.major=1\n") << QByteArray("a sparse file");
 }
 
 void TestHeaderWalk::paxRecords()

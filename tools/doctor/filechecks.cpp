@@ -7,16 +7,15 @@
 namespace Doctor {
 namespace {
 constexpr qint64 mebibyte = 1 << 20;
-constexpr qint64 lowSpace
-    = 64 * mebibyte;                 // bytes: a package of the usual size, packed and unpacked
-constexpr qint64 noSpace = mebibyte; // bytes: a save may empty the settings
+constexpr qint64 lowSpace = 64 * mebibyte; // bytes: a usual package, packed and unpacked
+constexpr qint64 noSpace = mebibyte;       // bytes: a save may empty the settings
 
 struct NeededFolder
 {
     QString path;
     Level level;
     const char *loss;
-    const char *file = nullptr; ///< the program's only one there, written in place if need be
+    const char *file = nullptr; ///< the program's only file there; it can be written in place
 };
 
 const QList<NeededFolder> &neededFolders()
@@ -92,7 +91,7 @@ constexpr VersionFile versionFiles[] = {
     {Paths::modelFile, false, "which applications may be installed"},
 };
 
-/// "00" is the number 0 too.
+/// "00" is also the number 0.
 bool isZero(const QString &text)
 {
     bool isNumber = false;
@@ -114,15 +113,15 @@ Finding checkVersionFile(const Facts &facts, const VersionFile &file)
     const QString line = firstLineOf(found.content);
     if (line.isEmpty()) {
         return warning(QString("%1 is empty").arg(path),
-                       "write it anew: the power may have failed while it was written" + decides);
+                       "write it again: the power may have failed while it was written" + decides);
     }
     const QString text = QString("%1 says \"%2\"").arg(path, shortened(line));
     if (file.isNumber && versionNumber(line) == 0 && !isZero(line)) {
-        return warning(text + ", which is no version", "write a decimal number" + decides);
+        return warning(text + ", which is not a version", "write a decimal number" + decides);
     }
     if (line != line.trimmed()) {
-        return warning(text + ", with blanks at an end",
-                       "write it without: whole texts are compared" + decides);
+        return warning(text + ", with blanks at the start or the end",
+                       "remove them: the whole text is compared" + decides);
     }
     return fine(text);
 }

@@ -1,6 +1,7 @@
 #include "report.h"
 
 #include "common/report.h"
+#include "finding.h"
 #include "system/debugtext.h"
 
 #include <QJsonArray>

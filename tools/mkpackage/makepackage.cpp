@@ -19,12 +19,12 @@
 
 namespace MkPackage {
 namespace {
-/// The names that @p listing gives, sorted by their bytes, each ended by a zero byte; none if they
-/// cannot all be read.
+/// The names in @p listing, sorted by their bytes, each followed by a zero byte; none if not all of
+/// them can be read.
 QByteArray memberNames(FolderListing &listing)
 {
     QByteArrayList names;
-    errno = 0; // tells a listing that fails from one that is over
+    errno = 0; // stays 0 unless the listing fails
     while (const dirent *entry = listing.next()) {
         const QByteArray name(entry->d_name);
         if (name != "." && name != "..") {
@@ -62,13 +62,13 @@ QString folderOf(const QString &file)
     return QFileInfo(file).absolutePath();
 }
 
-/// The path of what is open as @p descriptor: for what has no name, or one that is no text.
+/// A path to what is open as @p descriptor, which may have no name or one that is not text.
 QString descriptorPath(int descriptor)
 {
     return QString("/proc/%1/fd/%2").arg(getpid()).arg(descriptor);
 }
 
-/// Keeps bytes that are no text, as Qt's own paths do not.
+/// Keeps bytes that are not text. Qt's own paths do not.
 std::filesystem::path bytePath(const QString &path)
 {
     return bytesFromText(path).toStdString();
@@ -84,26 +84,26 @@ std::string realFolder(const std::filesystem::path &path)
 QString findFolderError(const Options &options)
 {
     const std::filesystem::path folder = bytePath(options.folder);
-    std::error_code failed; // then it is none
+    std::error_code failed; // then it is not a folder
     if (!std::filesystem::is_directory(folder, failed)) {
-        return QString("%1 is no folder").arg(options.folder);
+        return QString("%1 is not a folder").arg(options.folder);
     }
     const QFileInfo output(options.output);
     if (output.isDir()) {
         return QString("%1 is a folder").arg(options.output);
     }
-    if (output.exists() && !output.isFile()) { // would be a device no more
-        return QString("%1 is no plain file").arg(options.output);
+    if (output.exists() && !output.isFile()) { // renaming would replace the device
+        return QString("%1 is not a plain file").arg(options.output);
     }
     const auto outputFolder
         = std::filesystem::absolute(bytePath(options.output), failed).parent_path();
     if (realFolder(outputFolder).starts_with(realFolder(folder))) {
-        return "the output lies in the folder that goes into it";
+        return "the output is inside the folder to pack";
     }
     return {};
 }
 
-/// How other new files of this user may be used.
+/// The permissions that this user gives to new files.
 mode_t newFileMode()
 {
     const mode_t mask = umask(0);
@@ -111,7 +111,7 @@ mode_t newFileMode()
     return 0666 & ~mask;
 }
 
-/// Puts @p file, which has no name so far or another one, in the place of the file @p path.
+/// Renames @p file, which may have no name yet, to @p path. An existing file is replaced.
 bool putInPlace(QTemporaryFile &file, const QString &path)
 {
     const bool stored = fchmod(file.handle(), newFileMode()) == 0 && fsync(file.handle()) == 0
@@ -122,7 +122,7 @@ bool putInPlace(QTemporaryFile &file, const QString &path)
     return stored;
 }
 
-/// Why tar has failed, in one line.
+/// Why tar failed, in one line.
 QString toolError(const ToolResult &result)
 {
     if (result.status < 0 && result.errors.isEmpty()) {
@@ -147,7 +147,7 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     }
     QTemporaryFile namesFile;
     if (!namesFile.open() || namesFile.write(names) != names.size() || !namesFile.flush()) {
-        return "there is no room for temporary files";
+        return "there is no space for temporary files";
     }
     QString cannotWrite = QString("cannot write %1").arg(options.output);
     QTemporaryFile package(folderOf(options.output) + "/.talmero-mkpackage-XXXXXX");
@@ -155,14 +155,15 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     if (!package.open() || package.write(header) != header.size() || !package.flush()) {
         return cannotWrite;
     }
-    // By its descriptor, because the file shall have no name yet: killed, nothing is left of it.
+    // By its descriptor, because the file has no name yet: if we are killed, nothing is left of it.
     const ToolResult result
         = runIntoFile(tarCommand(namesFile.fileName(), time), descriptorPath(folder.descriptor()),
                       descriptorPath(package.handle()), shallStop);
     if (shallStop()) {
         return "stopped";
     }
-    if (result.status != 0 || !result.errors.isEmpty()) { // it only warns of what it leaves out
+    if (result.status != 0
+        || !result.errors.isEmpty()) { // a warning means that tar left something out
         return toolError(result);
     }
     return putInPlace(package, options.output) ? QString() : cannotWrite;

@@ -72,7 +72,7 @@ QByteArray timeText(qint64 seconds)
 
 QByteArray nameText(const TarMember &member)
 {
-    const QByteArray name = escapedName(member.name);
+    QByteArray name = escapedName(member.name);
     switch (member.type) {
     case Type::SymLink:
         return name + " -> " + escapedName(member.target);
