@@ -29,7 +29,7 @@ void SoftwareSetup::slotBuzzerTest3()
 
 void SoftwareSetup::slotBrightnessTest(int index)
 {
-    const QString output = connectedOutputName(readOutput(outputQueryCommand(), queryLimit));
+    const QString output = connectedOutputName(readOutput(outputQueryCommand(), ToolLimits().tool));
     const QString brightness = QString("%1").arg(index * 20 / 100.0);
     runAndWait(brightnessCommand(output, brightness), factoryToolLimit);
 }

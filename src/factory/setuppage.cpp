@@ -51,8 +51,8 @@ void SoftwareSetup::slotAccept()
 /// The rules stay as they are where the interfaces cannot be listed.
 void SoftwareSetup::nameInterfaces()
 {
-    const ProcessResult list = runLimited(interfaceListCommand(), interfaceListLimit);
-    if (!list.finished) {
+    const ToolResult list = runTool(interfaceListCommand(), {.limit = interfaceListLimit});
+    if (!list.hasFinished()) {
         return;
     }
     const QStringList addresses = hardwareAddresses(QString::fromLocal8Bit(list.output));

@@ -51,9 +51,9 @@ public:
         return !m_archivePath.isEmpty();
     }
 
-    void unpackIn(const char *folder) const
+    void unpackIn(const char *folder, std::chrono::milliseconds limit) const
     {
-        runInFolder(unpackCommand(m_archivePath), QLatin1String(folder), unpackLimit);
+        runInFolder(unpackCommand(m_archivePath), QLatin1String(folder), limit);
         QFile::remove(m_archivePath);
     }
 
@@ -77,28 +77,29 @@ QString broughtBiosImage()
     return {};
 }
 
-void installApplication(const Package &package)
+void installApplication(const Package &package, std::chrono::milliseconds limit)
 {
     runAndWait(removeOldApplicationCommand());
-    package.unpackIn(Paths::applicationFolder);
+    package.unpackIn(Paths::applicationFolder, limit);
 }
 
-InstallResult installFirmware(const Package &package, quint32 version)
+InstallResult installFirmware(const Package &package, quint32 version,
+                              std::chrono::milliseconds limit)
 {
     runAndWait(removeOldFirmwareCommand());
-    package.unpackIn(Paths::firmwareFolder);
+    package.unpackIn(Paths::firmwareFolder, limit);
     runAndWait(syncCommand());
     const QString image = broughtBiosImage();
     if (image.isEmpty()) {
         setCurrentRuntimeVersion(int(version));
         return Installed;
     }
-    installBIOSPackage(image); // deliberately without its folder
-    return OpenFileError;      // deliberately, whatever became of the image
+    installBIOSPackage(image, limit); // deliberately without its folder
+    return OpenFileError;             // deliberately, whatever became of the image
 }
 } // namespace
 
-int installPackage(const QString &path)
+int installPackage(const QString &path, std::chrono::milliseconds limit)
 {
     Package package(path);
     if (!package.hasArchiveFile()) {
@@ -117,15 +118,15 @@ int installPackage(const QString &path)
         return OpenFileError;
     }
     if (header->kind == PackageKind::Firmware) {
-        return installFirmware(package, header->version);
+        return installFirmware(package, header->version, limit);
     }
     if (header->kind == PackageKind::Application) {
-        installApplication(package);
+        installApplication(package, limit);
     }
     return Installed;
 }
 
-int installBIOSPackage(const QString &path)
+int installBIOSPackage(const QString &path, std::chrono::milliseconds limit)
 {
     Package package(path);
     if (!package.hasArchiveFile()) {
@@ -140,6 +141,6 @@ int installBIOSPackage(const QString &path)
     if (!package.storeArchive()) {
         return BiosNotStored;
     }
-    package.unpackIn(Paths::biosFolder);
+    package.unpackIn(Paths::biosFolder, limit);
     return BiosInstalled;
 }

@@ -50,8 +50,9 @@ public:
 };
 } // namespace
 
-BiosInterface::BiosInterface(QWidget *parent)
+BiosInterface::BiosInterface(QWidget *parent, const ToolLimits &limits)
     : QWidget(parent)
+    , m_limits(limits)
     , m_rescuePoll(new QTimer(this))
 {
     connect(m_rescuePoll, &QTimer::timeout, this, &BiosInterface::slotRescueTimesup);
@@ -107,7 +108,7 @@ void BiosInterface::readScreenSize()
 
 void BiosInterface::findDisplayOutput()
 {
-    m_displayOutput = connectedOutputName(readOutput(outputQueryCommand(), queryLimit));
+    m_displayOutput = connectedOutputName(readOutput(outputQueryCommand(), m_limits.tool));
 }
 
 void BiosInterface::watchScreens()

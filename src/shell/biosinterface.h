@@ -3,6 +3,7 @@
 #include "system/interfacesfile.h"
 #include "system/presstimer.h"
 #include "system/settingsfile.h"
+#include "system/toollimits.h"
 
 #include <QList>
 #include <QPair>
@@ -13,6 +14,7 @@
 #include <QWidget>
 
 #include <array>
+#include <chrono>
 #include <memory>
 
 class LineEditWithKeyPad;
@@ -34,6 +36,7 @@ class RadioButton;
 class SettingsButton;
 class StackWidgetPage;
 class StartingApplicationAniationButton;
+struct Command;
 
 /// The settings window: reads and applies the stored settings, counts down, starts the HMI
 /// runtime and holds all settings pages. It owns the settings, the page stack and every page.
@@ -64,8 +67,9 @@ public:
     };
 
     /// Reads the settings, applies the display settings and builds all pages. Blocks while the
-    /// tools run that this takes. A tool or file that is missing is passed over.
-    explicit BiosInterface(QWidget *parent = nullptr);
+    /// tools run that this takes. A tool or file that is missing is passed over. @p limits says
+    /// how long tools are waited for.
+    explicit BiosInterface(QWidget *parent = nullptr, const ToolLimits &limits = {});
     ~BiosInterface() override;
 
     /// Debug level from the settings, 0 if not set. Above 0 adds the "Home Key" button.
@@ -224,6 +228,8 @@ private:
     static const PageActions s_pageActions[];
     static const PageButton s_pageButtons[];
 
+    QPair<QString, QString> doProcess(const Command &command, std::chrono::milliseconds limit);
+
     void preAction();
     void readDebugLevel();
     void readScreenSize();
@@ -291,6 +297,7 @@ private:
 
     void runPageAction(int pageIndex, bool (BiosInterface::*PageActions::*action)());
 
+    ToolLimits m_limits;
     SettingsMap m_settings;
     int m_screenWidth = -1;  ///< px, -1: not configured
     int m_screenHeight = -1; ///< px, -1: not configured

@@ -2,12 +2,12 @@
 
 #include "facts.h"
 
-/// A question: the tool that is asked, and the command. None where there is nothing to ask.
+/// A question, and the command that asks it.
 struct AskedTool
 {
     Question question;
-    QString tool; ///< path; empty if it is not there, and then nothing is asked
-    QStringList command;
+    QString tool; ///< its path; if it is empty nothing is asked
+    Command command;
     QString folder = {}; ///< in which it runs
 };
 

@@ -37,22 +37,16 @@ QByteArray memberNames(const QString &folder)
     return names.join();
 }
 
-QStringList tarCommand(const QString &namesFile, qint64 time)
+Command tarCommand(const QString &namesFile, qint64 time)
 {
     return {"tar",
-            "--create",
-            "--file=-", // the environment may name a tape drive
-            "--use-compress-program=gzip -n -9",
-            "--format=gnu",
-            "--sort=name",
-            "--owner=0",
-            "--group=0",
-            "--numeric-owner",
-            "--hard-dereference", // a copied folder has lost its hard links
-            QString("--mtime=@%1").arg(time),
-            "--null",
-            "--verbatim-files-from",
-            "--files-from=" + namesFile};
+            {"--create",
+             "--file=-", // the environment may name a tape drive
+             "--use-compress-program=gzip -n -9", "--format=gnu", "--sort=name", "--owner=0",
+             "--group=0", "--numeric-owner",
+             "--hard-dereference", // a copied folder has lost its hard links
+             QString("--mtime=@%1").arg(time), "--null", "--verbatim-files-from",
+             "--files-from=" + namesFile}};
 }
 
 QString folderOf(const QString &file)
@@ -133,8 +127,10 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     }
     // By its descriptor, because the file shall have no name yet: killed, nothing is left of it.
     const QString packagePath = QString("/proc/%1/fd/%2").arg(getpid()).arg(package.handle());
-    const ToolResult result = runIntoFile(tarCommand(namesFile.fileName(), time), options.folder,
-                                          packagePath, shallStop);
+    const ToolResult result = runTool(tarCommand(namesFile.fileName(), time),
+                                      {.folder = options.folder,
+                                       .outputPath = packagePath,
+                                       .shallStop = [shallStop](auto &) { return shallStop(); }});
     if (shallStop()) {
         return "stopped";
     }

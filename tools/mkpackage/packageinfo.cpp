@@ -1,6 +1,7 @@
 #include "packageinfo.h"
 
 #include "options.h"
+#include "runfed.h"
 #include "system/debugtext.h"
 #include "system/filecopy.h"
 #include "system/process.h"

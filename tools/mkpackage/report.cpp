@@ -2,8 +2,8 @@
 
 #include "options.h"
 #include "packageinfo.h"
-#include "system/commandline.h"
 #include "system/debugtext.h"
+#include "system/toollimits.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

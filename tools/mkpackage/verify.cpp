@@ -3,8 +3,8 @@
 #include "gzipreader.h"
 #include "membercheck.h"
 #include "packages/packagecheck.h"
-#include "system/commandline.h"
 #include "system/textcodec.h"
+#include "system/toollimits.h"
 #include "tarreader.h"
 
 #include <QIODevice>
