@@ -2,15 +2,7 @@
 
 #include "system/command.h"
 
-#include <chrono>
-
 // The commands of the tools that only the factory window runs.
-
-/// How long a tool of the factory window may take that answers at once on a sound unit.
-inline constexpr std::chrono::milliseconds factoryToolLimit{5000};
-
-/// How long the list of all network interfaces may take.
-inline constexpr std::chrono::milliseconds interfaceListLimit{10000};
 
 /// The pause before the calibration that opens the factory window.
 Command calibrationPauseCommand();

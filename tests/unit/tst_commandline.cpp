@@ -43,6 +43,7 @@ void TestCommandLine::toolLimits()
     QCOMPARE(limits.address.count(), 10000);
     QCOMPARE(limits.lease.count(), 10000);
     QCOMPARE(limits.hardwareAddress.count(), 3000);
+    QCOMPARE(limits.interfaceList.count(), 10000);
     QCOMPARE(unpackLimit.count(), 30000);
 }
 
