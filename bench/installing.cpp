@@ -60,7 +60,7 @@ void install(int mebibytes, Samples &samples)
 {
     emptyTarget();
     const QString program = QString::fromStdString(ownFolder() / "installone");
-    const ProcessResult run = runLimited({program, packagePath}, noLimit);
+    const ToolResult run = runTool({program, {packagePath}});
     requireApplication(mebibytes);
     const QList<QByteArray> figures = run.output.simplified().split(' ');
     samples.time.push_back(figures.value(0).toDouble());
@@ -72,8 +72,7 @@ void runCommandLine(int mebibytes, Samples &samples)
     emptyTarget();
     const QString archive = QDir::tempPath() + "/sample.tar.gz";
     const auto begin = now();
-    runLimited({"sh", "-c", commandLine, "sh", Paths::applicationFolder, packagePath, archive},
-               noLimit);
+    runTool({"sh", {"-c", commandLine, "sh", Paths::applicationFolder, packagePath, archive}});
     samples.time.push_back(millisecondsSince(begin));
     requireApplication(mebibytes);
 }

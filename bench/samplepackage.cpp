@@ -70,10 +70,10 @@ void makeSamplePackage(const QString &path, int mebibytes)
     const QTemporaryDir folder;
     makeApplication(folder.path(), mebibytes);
     writeFile(path, formatPackageHeader(headerForThisPanel()));
-    const ProcessResult packed = runLimited(
-        {"sh", "-c", "tar -C \"$1\" -cf - compile | gzip -1 >>\"$2\"", "sh", folder.path(), path},
-        noLimit);
-    if (!packed.finished || !packed.errors.isEmpty()) {
+    const ToolResult packed = runTool(
+        {"sh",
+         {"-c", "tar -C \"$1\" -cf - compile | gzip -1 >>\"$2\"", "sh", folder.path(), path}});
+    if (!packed.hasFinished() || !packed.errors.isEmpty()) {
         qFatal("cannot pack: %s", packed.errors.constData());
     }
 }

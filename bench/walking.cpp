@@ -21,13 +21,13 @@ constexpr double growthTarget = 1.5; // times the time for one file
 constexpr char folder[] = "/media/usb0/stick/";
 
 /// Milliseconds that @p command takes, which has to print as many lines as there are packages.
-double timeOf(const QStringList &command)
+double timeOf(const Command &command)
 {
     const auto begin = now();
-    const ProcessResult run = runLimited(command, noLimit);
+    const ToolResult run = runTool(command);
     const double time = millisecondsSince(begin);
     if (run.output.count('\n') != comparedFiles / filesToPackage) {
-        qFatal("%s did not find each package", qPrintable(command.first()));
+        qFatal("%s did not find each package", qPrintable(command.tool));
     }
     return time;
 }
@@ -35,9 +35,8 @@ double timeOf(const QStringList &command)
 /// Both with the start of a process and with its output read.
 void compareWithFind(ResultTable &table)
 {
-    const QStringList walk{QString::fromStdString(ownFolder() / "walkone"), folder};
-    const QStringList find{"find", folder,  "-type",
-                           "f",    "-name", "*" + packageExtension(sampleType)};
+    const Command walk{QString::fromStdString(ownFolder() / "walkone"), {folder}};
+    const Command find{"find", {folder, "-type", "f", "-name", "*" + packageExtension(sampleType)}};
     std::vector<double> ours;
     std::vector<double> peer;
     timeOf(walk); // the first runs bring the programs into memory

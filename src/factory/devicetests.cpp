@@ -11,7 +11,7 @@
 
 void SoftwareSetup::slotBuzzerTest()
 {
-    runAndWait(beepCommand(), factoryToolLimit);
+    runAndWait(beepCommand(), m_limits.tool);
 }
 
 void SoftwareSetup::slotBuzzerTest2()
@@ -29,9 +29,9 @@ void SoftwareSetup::slotBuzzerTest3()
 
 void SoftwareSetup::slotBrightnessTest(int index)
 {
-    const QString output = connectedOutputName(readOutput(outputQueryCommand(), queryLimit));
+    const QString output = connectedOutputName(readOutput(outputQueryCommand(), m_limits.tool));
     const QString brightness = QString("%1").arg(index * 20 / 100.0);
-    runAndWait(brightnessCommand(output, brightness), factoryToolLimit);
+    runAndWait(brightnessCommand(output, brightness), m_limits.tool);
 }
 
 void SoftwareSetup::slotPixelTest()

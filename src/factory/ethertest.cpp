@@ -18,8 +18,6 @@ void SoftwareSetup::slotEtherTest()
     const int number = tappedLink("ethtest");
     const std::optional<PeerAddress> peer = parsePeerAddress(m_peerAddressEdit->text());
     if (!peer) {
-        showText(m_resultView,
-                 tr("The peer address must be HOST:PORT with a port from 1 to 65535."));
         return;
     }
     m_tcpSocket = new QTcpSocket(this);

@@ -17,12 +17,13 @@ inline constexpr char verdictRule[] = "--------------------------------------";
 struct PeerAddress
 {
     QString host; ///< name or IPv4 address
-    quint16 port; ///< 1 to 65535
+    quint16 port; ///< 0 if none was given; nobody answers there
 };
 
-/// Reads "host:port", blanks around either allowed.
-/// Result: nothing unless there are exactly these two and the port is a number of its range. An
-/// IPv6 address is refused: its own colons leave open where the port begins.
+/// Reads "host:port", blanks around either allowed. What comes after a second ":" is ignored, so
+/// an IPv6 address cannot be used.
+/// Result: nothing if there is no ":" or no host. The port is 0 unless it is a decimal number up
+/// to 65535.
 std::optional<PeerAddress> parsePeerAddress(const QString &text);
 
 /// The number before the "-" in a test's name such as "2-232"; 0 if there is none.

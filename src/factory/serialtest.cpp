@@ -93,7 +93,7 @@ void SoftwareSetup::slotCOMEcho()
     }
     const QString text = byteText(port->read(longestChunk));
     showText(m_resultView, m_resultView->toPlainText() + text);
-    runAndWait(echoPauseCommand(), factoryToolLimit);
+    runAndWait(echoPauseCommand());
     if (hasMore(port)) {
         // No signal comes for bytes that are read from the kernel already. Between two chunks
         // the window stays alive, however long the line talks.

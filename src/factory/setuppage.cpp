@@ -39,23 +39,23 @@ void SoftwareSetup::initSetupPage()
 void SoftwareSetup::slotAccept()
 {
     if (m_type->currentText() != tr(typeWithSession)) {
-        runAndWait(sessionAsideCommand(), factoryToolLimit);
+        runAndWait(sessionAsideCommand(), m_limits.tool);
     }
-    runAndWait(removeFileCommand(Paths::modelFile), factoryToolLimit);
+    runAndWait(removeFileCommand(Paths::modelFile), m_limits.tool);
     setCurrentRuntimeModel(m_model->currentText());
-    runAndWait(clockCommand(m_time->dateTime()), factoryToolLimit);
-    runAndWait(hardwareClockCommand(), factoryToolLimit);
+    runAndWait(clockCommand(m_time->dateTime()), m_limits.tool);
+    runAndWait(hardwareClockCommand(), m_limits.tool);
     nameInterfaces();
 }
 
 /// The rules stay as they are where the interfaces cannot be listed.
 void SoftwareSetup::nameInterfaces()
 {
-    const ProcessResult list = runLimited(interfaceListCommand(), interfaceListLimit);
-    if (!list.finished) {
+    const ToolResult list = runTool(interfaceListCommand(), {.limit = m_limits.interfaceList});
+    if (!list.hasFinished()) {
         return;
     }
     const QStringList addresses = hardwareAddresses(QString::fromLocal8Bit(list.output));
-    runAndWait(removeFileCommand(Paths::namingRulesFile), factoryToolLimit);
+    runAndWait(removeFileCommand(Paths::namingRulesFile), m_limits.tool);
     replaceFile(Paths::namingRulesFile, interfaceNamingRules(addresses).toLocal8Bit());
 }

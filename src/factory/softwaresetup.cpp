@@ -23,8 +23,9 @@ constexpr int rowButtonHeight = 34;     // px; all rows of the test page are in 
 constexpr int testPage = 1;
 } // namespace
 
-SoftwareSetup::SoftwareSetup(QWidget *parent)
+SoftwareSetup::SoftwareSetup(QWidget *parent, const ToolLimits &limits)
     : QWidget(parent)
+    , m_limits(limits)
 {
     runAndWait(calibrationPauseCommand());
     runAndWait(calibrationCommand());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "system/toollimits.h"
+
 #include <QHash>
 #include <QWidget>
 
@@ -23,7 +25,8 @@ class SoftwareSetup : public QWidget
     Q_OBJECT
 public:
     /// Runs the calibration tool to its end, then builds the window. The caller shows it.
-    explicit SoftwareSetup(QWidget *parent = nullptr);
+    /// @p limits says how long the other tools are waited for.
+    explicit SoftwareSetup(QWidget *parent = nullptr, const ToolLimits &limits = {});
     ~SoftwareSetup() override;
 
 public slots:
@@ -76,6 +79,7 @@ private:
     qint64 sendSerialPayload();
     void giveSerialVerdict();
 
+    ToolLimits m_limits;
     QStackedWidget *m_pages = nullptr;
     QComboBox *m_model = nullptr;
     QComboBox *m_type = nullptr;

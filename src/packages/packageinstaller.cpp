@@ -51,10 +51,10 @@ public:
     }
 
     /// Unpacks the stored archive where packages of @p type belong.
-    void unpackAs(PackageType type) const
+    void unpackAs(PackageType type, std::chrono::milliseconds limit) const
     {
         runInFolder(unpackCommand(m_archivePath), QLatin1String(packageTypeInfo(type).folder),
-                    unpackLimit);
+                    limit);
         QFile::remove(m_archivePath);
     }
 
@@ -78,28 +78,29 @@ QString broughtBiosImage()
     return {};
 }
 
-void installApplication(const Package &package)
+void installApplication(const Package &package, std::chrono::milliseconds limit)
 {
     runAndWait(removeOldApplicationCommand());
-    package.unpackAs(PackageType::Application);
+    package.unpackAs(PackageType::Application, limit);
 }
 
-InstallResult installFirmware(const Package &package, quint32 version)
+InstallResult installFirmware(const Package &package, quint32 version,
+                              std::chrono::milliseconds limit)
 {
     runAndWait(removeOldFirmwareCommand());
-    package.unpackAs(PackageType::Firmware);
+    package.unpackAs(PackageType::Firmware, limit);
     runAndWait(syncCommand());
     const QString image = broughtBiosImage();
     if (image.isEmpty()) {
         setCurrentRuntimeVersion(int(version));
         return Installed;
     }
-    installBIOSPackage(image); // deliberately without its folder
-    return OpenFileError;      // deliberately, whatever became of the image
+    installBIOSPackage(image, limit); // deliberately without its folder
+    return OpenFileError;             // deliberately, whatever became of the image
 }
 } // namespace
 
-int installPackage(const QString &path)
+int installPackage(const QString &path, std::chrono::milliseconds limit)
 {
     Package package(path);
     if (!package.hasArchiveFile()) {
@@ -118,15 +119,15 @@ int installPackage(const QString &path)
         return OpenFileError;
     }
     if (header->kind == PackageKind::Firmware) {
-        return installFirmware(package, header->version);
+        return installFirmware(package, header->version, limit);
     }
     if (header->kind == PackageKind::Application) {
-        installApplication(package);
+        installApplication(package, limit);
     }
     return Installed;
 }
 
-int installBIOSPackage(const QString &path)
+int installBIOSPackage(const QString &path, std::chrono::milliseconds limit)
 {
     Package package(path);
     if (!package.hasArchiveFile()) {
@@ -141,6 +142,6 @@ int installBIOSPackage(const QString &path)
     if (!package.storeArchive()) {
         return BiosNotStored;
     }
-    package.unpackAs(PackageType::BiosImage);
+    package.unpackAs(PackageType::BiosImage, limit);
     return BiosInstalled;
 }

@@ -8,24 +8,24 @@
 
 void BiosInterface::setScreenSaving()
 {
-    runAndWait(screenSavingCommand(m_settings.value(SettingsKeys::screenSaving)), m_limits.setting);
+    runAndWait(screenSavingCommand(m_settings.value(SettingsKeys::screenSaving)), m_limits.tool);
 }
 
 void BiosInterface::setScreenOrientation()
 {
     runAndWait(orientationCommand(m_displayOutput, m_settings.value(SettingsKeys::orientation)),
-               m_limits.setting);
+               m_limits.tool);
 }
 
 void BiosInterface::setBackLighting()
 {
     runAndWait(brightnessCommand(m_displayOutput, m_settings.value(SettingsKeys::brightness)),
-               m_limits.setting);
+               m_limits.tool);
 }
 
 /// To what the time editor shows at this moment.
 void BiosInterface::setSystemTime()
 {
-    runAndWait(clockCommand(m_misc.time->dateTime()), m_limits.setting);
-    runAndWait(hardwareClockCommand(), m_limits.setting);
+    runAndWait(clockCommand(m_misc.time->dateTime()), m_limits.tool);
+    runAndWait(hardwareClockCommand(), m_limits.tool);
 }

@@ -148,10 +148,11 @@ void BiosInterface::loadEthernetPort(int lan)
 void BiosInterface::showLiveAddress(int lan)
 {
     const EthernetKeys &keys = ethernetKeys(lan);
-    const ProcessResult result = runLimited(addressQueryCommand(keys.interface), addressQueryLimit);
+    const ToolResult result
+        = runTool(addressQueryCommand(keys.interface), {.limit = m_limits.address});
     // Nothing was found in a text that never came.
     InterfaceAddress live
-        = parseInterfaceAddress(result.finished ? byteText(result.output) : QString());
+        = parseInterfaceAddress(result.hasFinished() ? byteText(result.output) : QString());
     if (live.mask.isEmpty()) {
         live.mask = m_settings.value(keys.mask);
     }

@@ -9,8 +9,7 @@
 
 QPair<QString, QString> BiosInterface::releaseCurrenEthernetProcess()
 {
-    const QStringList command = releaseLeaseCommand();
-    return doProcess(command.first(), command.mid(1), int(noLimit.count()));
+    return doProcess(releaseLeaseCommand(), noLimit);
 }
 
 QPair<QString, QString> BiosInterface::manualSetIPProcess(const QString &ip, const QString &mask,
@@ -19,8 +18,7 @@ QPair<QString, QString> BiosInterface::manualSetIPProcess(const QString &ip, con
     const EthernetKeys &keys = ethernetKeys(lan);
     m_settings.insert(keys.address, ip);
     m_settings.insert(keys.mask, mask);
-    const QStringList command = setAddressCommand(keys.interface, ip);
-    return doProcess(command.first(), command.mid(1), int(noLimit.count()));
+    return doProcess(setAddressCommand(keys.interface, ip), noLimit);
 }
 
 QPair<QString, QString> BiosInterface::autoDetectIPProcess(int lan)
@@ -29,8 +27,7 @@ QPair<QString, QString> BiosInterface::autoDetectIPProcess(int lan)
     const EthernetKeys &keys = ethernetKeys(lan);
     m_settings.remove(keys.mask);
     m_settings.insert(keys.address, dhcpValue);
-    const QStringList command = obtainLeaseCommand(keys.interface);
-    auto result = doProcess(command.first(), command.mid(1), int(leaseLimit.count()));
+    auto result = doProcess(obtainLeaseCommand(keys.interface), m_limits.lease);
     result.second.prepend(release.second);
     return result;
 }

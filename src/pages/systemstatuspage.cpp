@@ -21,7 +21,6 @@ constexpr char seriesOem[] = "TALMEROQZP";
 constexpr char seriesPrefix[] = "TALMERO EK Series:";
 
 constexpr char capacity[] = "/16384M"; // of the application's storage, the same in all panels
-constexpr int noTimeout = -1;
 
 QString modelText()
 {
@@ -140,15 +139,13 @@ bool BiosInterface::loadSystemStatusSettings()
 
 QString BiosInterface::hardwareAddress(const QString &interface)
 {
-    const QStringList command = addressQueryCommand(interface);
     return parseHardwareAddress(
-        doProcess(command.first(), command.mid(1), hardwareAddressLimit).first);
+        doProcess(addressQueryCommand(interface), m_limits.hardwareAddress).first);
 }
 
 QString BiosInterface::applicationSize()
 {
-    const QStringList command = applicationSizeCommand();
-    const auto [output, errors] = doProcess(command.first(), command.mid(1), noTimeout);
+    const auto [output, errors] = doProcess(applicationSizeCommand(), noLimit);
     // Any error text, and be it that one folder cannot be read, leaves the size out.
     return errors.isEmpty() ? diskUsageTotal(output) + capacity : QString(capacity);
 }

@@ -108,7 +108,7 @@ void BiosInterface::readScreenSize()
 
 void BiosInterface::findDisplayOutput()
 {
-    m_displayOutput = connectedOutputName(readOutput(outputQueryCommand(), m_limits.query));
+    m_displayOutput = connectedOutputName(readOutput(outputQueryCommand(), m_limits.tool));
 }
 
 void BiosInterface::watchScreens()

@@ -4,6 +4,7 @@
 #include "system/interfacesfile.h"
 #include "system/presstimer.h"
 #include "system/settingsfile.h"
+#include "system/toollimits.h"
 #include "widgets/pagefit.h"
 
 #include <QList>
@@ -16,6 +17,7 @@
 #include <QWidget>
 
 #include <array>
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -39,6 +41,7 @@ class SettingsButton;
 class ShiftingLayout;
 class StackWidgetPage;
 class StartingApplicationAniationButton;
+struct Command;
 
 /// The settings window: reads and applies the stored settings, counts down, starts the HMI
 /// runtime and holds all settings pages. It owns the settings, the page stack and every page.
@@ -69,8 +72,8 @@ public:
     };
 
     /// Reads the settings, applies the display settings and builds all pages. Blocks while the
-    /// tools run that this takes. A tool or file that is missing is passed over, a tool that hangs
-    /// is ended after its time in @p limits.
+    /// tools run that this takes. A tool or file that is missing is passed over. @p limits says
+    /// how long tools are waited for.
     explicit BiosInterface(QWidget *parent = nullptr, const ToolLimits &limits = {});
     ~BiosInterface() override;
 
@@ -251,6 +254,8 @@ private:
     static const PageActions s_pageActions[];
     static const PageButton s_pageButtons[];
 
+    QPair<QString, QString> doProcess(const Command &command, std::chrono::milliseconds limit);
+
     void preAction();
     void readDebugLevel();
     void readScreenSize();
@@ -320,13 +325,13 @@ private:
 
     void runPageAction(int pageIndex, bool (BiosInterface::*PageActions::*action)());
 
+    ToolLimits m_limits;
     SettingsMap m_settings;
     int m_screenWidth = -1;  ///< px, -1: not configured
     int m_screenHeight = -1; ///< px, -1: not configured
     int m_debugLevel = 0;
     QTimer m_clockTick;      ///< runs while the miscellaneous page shows the time
     QString m_displayOutput; ///< name for xrandr, empty if none is connected
-    const ToolLimits m_limits;
     QTimer *m_rescuePoll = nullptr;
     QString m_touchDevice{"null"}; ///< "null": not found yet
     PressTimer m_pressTimer;

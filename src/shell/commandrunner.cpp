@@ -9,14 +9,20 @@
 QPair<QString, QString> BiosInterface::doProcess(const QString &program,
                                                  const QStringList &arguments, int timeout)
 {
-    const QStringList command
-        = arguments.isEmpty() ? splitCommandLine(program) : QStringList{program} + arguments;
-    const ProcessResult result = runLimited(command, std::chrono::milliseconds(timeout));
+    const Command command
+        = arguments.isEmpty() ? splitCommandLine(program) : Command{program, arguments};
+    const ToolResult result = runTool(command, {.limit = std::chrono::milliseconds(timeout)});
     const QString output = byteText(result.output);
     const QString errors = byteText(result.errors);
     qDebug().noquote() << __func__ << quotedText(program) << quotedList(arguments)
-                       << result.finished << quotedText(output) << quotedText(errors);
-    return {output, result.finished ? errors : "not finished"};
+                       << result.hasFinished() << quotedText(output) << quotedText(errors);
+    return {output, result.hasFinished() ? errors : "not finished"};
+}
+
+QPair<QString, QString> BiosInterface::doProcess(const Command &command,
+                                                 std::chrono::milliseconds limit)
+{
+    return doProcess(command.tool, command.arguments, static_cast<int>(limit.count()));
 }
 
 void BiosInterface::echoEnviromentProcess(const QString &)

@@ -22,7 +22,7 @@ void BiosInterface::slotRescueTimesup()
         qDebug().noquote() << Q_FUNC_INFO << "Device Name Error";
         return;
     }
-    const QString state = readOutput(deviceStateCommand(m_touchDevice), m_limits.query);
+    const QString state = readOutput(deviceStateCommand(m_touchDevice), m_limits.tool);
     if (m_pressTimer.poll(firstButtonState(state), QDateTime::currentMSecsSinceEpoch())) {
         m_rescuePoll->stop(); // for good: rescue comes once in a run of the program
         rescueMode();
@@ -36,20 +36,20 @@ bool BiosInterface::findTouchDevice()
     if (!m_touchDevice.contains(unknownDevice)) {
         return true;
     }
-    const ProcessResult list = runLimited(deviceListCommand(), m_limits.query);
+    const ToolResult list = runTool(deviceListCommand(), {.limit = m_limits.tool});
     const QString name = touchDeviceName(QString::fromLocal8Bit(list.output));
     if (!name.isEmpty()) {
         m_touchDevice = name;
     }
-    return list.finished;
+    return list.hasFinished();
 }
 
 /// The way back for a panel whose backlight is black or whose touch is off.
 void BiosInterface::rescueMode()
 {
-    const QStringList fullBrightness = brightnessCommand(m_displayOutput, "1");
+    const Command fullBrightness = brightnessCommand(m_displayOutput, "1");
     m_settings.insert(SettingsKeys::brightness, QString(QChar(rescueBrightness)));
     writeINI();
-    runAndWait(fullBrightness, m_limits.setting);
+    runAndWait(fullBrightness, m_limits.tool);
     runAndWait(calibrationCommand());
 }

@@ -3,27 +3,27 @@
 #include "system/paths.h"
 #include "system/tools.h"
 
-QStringList startPauseCommand()
+Command startPauseCommand()
 {
     return toolCommand(Tool::Sleep, {"1"});
 }
 
-QStringList outputQueryCommand()
+Command outputQueryCommand()
 {
     return toolCommand(Tool::Xrandr, {"-q"});
 }
 
-QStringList deviceListCommand()
+Command deviceListCommand()
 {
     return toolCommand(Tool::Xinput, {"--list", "--name-only"});
 }
 
-QStringList deviceStateCommand(const QString &device)
+Command deviceStateCommand(const QString &device)
 {
     return toolCommand(Tool::Xinput, {"query-state", device});
 }
 
-QStringList screenSavingCommand(const QString &minutes)
+Command screenSavingCommand(const QString &minutes)
 {
     const qint64 seconds = qint64(minutes.toInt()) * 60; // no number: 0
     if (seconds == 0) {
@@ -32,7 +32,7 @@ QStringList screenSavingCommand(const QString &minutes)
     return toolCommand(Tool::Xset, {"s", QString::number(seconds)});
 }
 
-QStringList orientationCommand(const QString &output, const QString &orientation)
+Command orientationCommand(const QString &output, const QString &orientation)
 {
     const QString stored = orientation.simplified().toLower();
     const bool upright = stored.isEmpty() || stored == QLatin1String("horizontal");
@@ -40,7 +40,7 @@ QStringList orientationCommand(const QString &output, const QString &orientation
         Tool::Xrandr, {"--output", output, "--rotate", QLatin1String(upright ? "normal" : "left")});
 }
 
-QStringList brightnessCommand(const QString &output, const QString &brightness)
+Command brightnessCommand(const QString &output, const QString &brightness)
 {
     const QString stored = brightness.simplified().toLower();
     return toolCommand(
@@ -48,67 +48,67 @@ QStringList brightnessCommand(const QString &output, const QString &brightness)
         {"--output", output, "--brightness", stored.isEmpty() ? QString("1") : stored});
 }
 
-QStringList clockCommand(const QDateTime &time)
+Command clockCommand(const QDateTime &time)
 {
     return toolCommand(Tool::Date, {time.toString("MMddhhmmyyyy")});
 }
 
-QStringList hardwareClockCommand()
+Command hardwareClockCommand()
 {
     return toolCommand(Tool::Hwclock, {"-w"});
 }
 
-QStringList calibrationCommand()
+Command calibrationCommand()
 {
     return toolCommand(Tool::XCal);
 }
 
-QStringList addressQueryCommand(const QString &interface)
+Command addressQueryCommand(const QString &interface)
 {
     return toolCommand(Tool::Ifconfig, {interface});
 }
 
-QStringList setAddressCommand(const QString &interface, const QString &address)
+Command setAddressCommand(const QString &interface, const QString &address)
 {
     return toolCommand(Tool::Ifconfig, {interface, address});
 }
 
-QStringList obtainLeaseCommand(const QString &interface)
+Command obtainLeaseCommand(const QString &interface)
 {
     return toolCommand(Tool::Dhclient, {interface});
 }
 
-QStringList releaseLeaseCommand()
+Command releaseLeaseCommand()
 {
     return toolCommand(Tool::Dhclient, {"eth0", "-r"});
 }
 
-QStringList runtimeCommand()
+Command runtimeCommand()
 {
     return toolCommand(Tool::Shell, {Paths::runtimeScript});
 }
 
-QStringList unpackCommand(const QString &path)
+Command unpackCommand(const QString &path)
 {
     return toolCommand(Tool::Tar, {"-zxvf", path});
 }
 
-QStringList removeOldApplicationCommand()
+Command removeOldApplicationCommand()
 {
     return toolCommand(Tool::Rm, {"-rf", "/home/dest/compile"});
 }
 
-QStringList removeOldFirmwareCommand()
+Command removeOldFirmwareCommand()
 {
     return toolCommand(Tool::Rm, {"-rf", "/homde/dest"});
 }
 
-QStringList syncCommand()
+Command syncCommand()
 {
     return toolCommand(Tool::Sync);
 }
 
-QStringList applicationSizeCommand()
+Command applicationSizeCommand()
 {
     return toolCommand(Tool::Du, {"-h", "/home/dest/"});
 }

@@ -5,42 +5,42 @@
 
 #include <QRegularExpression>
 
-QStringList calibrationPauseCommand()
+Command calibrationPauseCommand()
 {
     return toolCommand(Tool::Sleep, {"2"});
 }
 
-QStringList echoPauseCommand()
+Command echoPauseCommand()
 {
     return toolCommand(Tool::Sleep, {"0.2"});
 }
 
-QStringList sessionAsideCommand()
+Command sessionAsideCommand()
 {
     return toolCommand(Tool::Mv, {Paths::sessionScript, Paths::sessionScriptAside});
 }
 
-QStringList removeFileCommand(const QString &path)
+Command removeFileCommand(const QString &path)
 {
     return toolCommand(Tool::Rm, {path});
 }
 
-QStringList interfaceListCommand()
+Command interfaceListCommand()
 {
     return toolCommand(Tool::Ifconfig);
 }
 
-QStringList beepCommand()
+Command beepCommand()
 {
     return toolCommand(Tool::Beep);
 }
 
-QStringList toneCommand(const QString &frequency, const QString &duration)
+Command toneCommand(const QString &frequency, const QString &duration)
 {
     return toolCommand(Tool::Beep, {"-f", frequency, "-l", duration});
 }
 
-QStringList presetToneCommand(const QString &buttonText)
+Command presetToneCommand(const QString &buttonText)
 {
     constexpr QLatin1String prefix("Beep f:");
     static const QRegularExpression separator("[: ]");

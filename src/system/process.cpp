@@ -7,33 +7,44 @@
 #include <unistd.h>
 
 namespace {
+constexpr int lookInterval = 10; // ms between two looks at a tool that runs
+constexpr int politeTime = 500;  // ms between SIGTERM and SIGKILL
+constexpr int killTime = 1000;   // ms until a killed tool is gone, unless it waits for a disk
+
 /// A tool that reads its input finds the end of it, and does not wait for a keyboard that no
 /// panel has.
-void setUp(QProcess &process, const QStringList &command)
+void setUp(QProcess &process, const Command &command)
 {
     process.setStandardInputFile(QProcess::nullDevice());
-    process.setProgram(command.value(0));
-    process.setArguments(command.mid(1));
+    process.setProgram(command.tool);
+    process.setArguments(command.arguments);
 }
 
-void runForwarded(QProcess &process, std::chrono::milliseconds limit)
+bool isRunning(const QProcess &process)
 {
-    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    return process.state() != QProcess::NotRunning;
+}
+
+/// Ends a tool that still runs. Without this the destructor of QProcess would kill it at once
+/// and print a warning.
+void endTool(QProcess &process)
+{
+    if (!isRunning(process)) {
+        return;
+    }
+    process.closeReadChannel(QProcess::StandardOutput); // otherwise QProcess keeps all of it
+    process.terminate();
+    if (!process.waitForFinished(politeTime)) {
+        process.kill();
+        process.waitForFinished(killTime);
+    }
+}
+
+void runWithoutCollecting(QProcess &process, std::chrono::milliseconds limit)
+{
     process.start();
     process.waitForFinished(static_cast<int>(limit.count()));
-}
-
-constexpr int stopInterval = 50; // ms between two looks whether a tool shall be stopped
-constexpr int killTime = 1000;   // ms until a killed tool is gone, unless it waits for a disk
-constexpr int askInterval = 10;  // ms between two looks at how much a tool wrote
-constexpr qsizetype mostKept = 16 << 20; // bytes of each stream
-
-/// Time in ms until the next look at what a tool wrote, or until @p deadline.
-int nextWait(const QDeadlineTimer &deadline)
-{
-    return deadline.isForever()
-        ? askInterval
-        : static_cast<int>(qMin<qint64>(askInterval, deadline.remainingTime()));
+    endTool(process);
 }
 
 /// Appends @p more to @p kept while there is room.
@@ -42,8 +53,8 @@ void keepFirst(QByteArray &kept, const QByteArray &more)
     kept += more.first(qMin(more.size(), mostKept - kept.size()));
 }
 
-/// Takes a tool's standard error in place of the toolkit, which reads that without an end while a
-/// tool writes without an end.
+/// Reads a tool's standard error ourselves: QProcess keeps reading, and growing, for as long as
+/// the tool writes.
 class ErrorPipe
 {
 public:
@@ -79,131 +90,109 @@ private:
     int m_ends[2] = {-1, -1};
 };
 
-/// For a process that has ended, or never started. Waits that ran out before are errors, too, and
-/// do not matter.
-ToolResult resultOf(QProcess &process)
+/// Time in ms until the next look at a tool, or until @p deadline.
+int nextWait(const QDeadlineTimer &deadline)
 {
-    const bool ended = process.error() != QProcess::FailedToStart
-        && process.exitStatus() == QProcess::NormalExit;
-    return {ended ? process.exitCode() : -1, process.readAllStandardError()};
+    return deadline.isForever()
+        ? lookInterval
+        : static_cast<int>(qMin<qint64>(lookInterval, deadline.remainingTime()));
+}
+
+/// Collects what the tool writes until it ends, the time is over or the caller asks for its end.
+/// Result: false if the caller did.
+bool collect(QProcess &process, const ErrorPipe &errors, const RunOptions &options,
+             ToolResult &result)
+{
+    const QDeadlineTimer deadline(options.limit.count());
+    do {
+        // Waiting for the end instead would let QProcess keep all that a tool writes until then.
+        process.waitForReadyRead(nextWait(deadline));
+        if (process.isReadable()) { // not after a failed start, nor with output in a file
+            keepFirst(result.output, process.readAllStandardOutput());
+        }
+        keepFirst(result.errors, errors.read());
+        if (isRunning(process) && options.shallStop && options.shallStop(result)) {
+            return false;
+        }
+    } while (isRunning(process) && !deadline.hasExpired());
+    return true;
+}
+
+ToolResult::End endOf(const QProcess &process)
+{
+    if (process.error() == QProcess::FailedToStart) {
+        return ToolResult::End::NotStarted;
+    }
+    if (isRunning(process)) {
+        return ToolResult::End::CutOff;
+    }
+    return process.exitStatus() == QProcess::CrashExit ? ToolResult::End::Crashed
+                                                       : ToolResult::End::Ended;
 }
 } // namespace
 
-void runAndWait(const QStringList &command, std::chrono::milliseconds limit)
+ToolResult runTool(const Command &command, const RunOptions &options)
 {
     QProcess process;
     setUp(process, command);
-    runForwarded(process, limit);
+    process.setWorkingDirectory(options.folder);
+    process.setStandardOutputFile(options.outputPath, QIODevice::Append);
+    const ErrorPipe errors;
+    process.setStandardErrorFile(errors.path());
+    process.start();
+    ToolResult result;
+    const bool isWanted = collect(process, errors, options, result);
+    result.end = isWanted ? endOf(process) : ToolResult::End::Stopped;
+    if (result.end == ToolResult::End::Ended) {
+        result.status = process.exitCode();
+    }
+    endTool(process);
+    return result;
 }
 
-void runAndWait(const QStringList &command, const QProcessEnvironment &environment)
+void runAndWait(const Command &command, std::chrono::milliseconds limit)
 {
     QProcess process;
     setUp(process, command);
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    runWithoutCollecting(process, limit);
+}
+
+void runAndWait(const Command &command, const QProcessEnvironment &environment)
+{
+    QProcess process;
+    setUp(process, command);
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
     process.setProcessEnvironment(environment);
-    runForwarded(process, noLimit);
+    runWithoutCollecting(process, noLimit);
 }
 
-void runInFolder(const QStringList &command, const QString &folder, std::chrono::milliseconds limit)
+void runInFolder(const Command &command, const QString &folder, std::chrono::milliseconds limit)
 {
     QProcess process;
     setUp(process, command);
     process.setWorkingDirectory(folder);
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start();
-    process.waitForFinished(static_cast<int>(limit.count()));
+    runWithoutCollecting(process, limit);
 }
 
-ToolResult runIntoFile(const QStringList &command, const QString &folder, const QString &outputPath,
-                       const std::function<bool()> &shallStop)
-{
-    QProcess process;
-    setUp(process, command);
-    process.setWorkingDirectory(folder);
-    process.setStandardOutputFile(outputPath, QIODevice::Append);
-    process.start();
-    process.waitForStarted(-1);
-    while (process.state() != QProcess::NotRunning && !process.waitForFinished(stopInterval)) {
-        if (shallStop()) {
-            process.kill();
-        }
-    }
-    return resultOf(process);
-}
-
-bool startDetached(const QStringList &command)
+bool startDetached(const Command &command)
 {
     QProcess process;
     setUp(process, command);
     return process.startDetached();
 }
 
-ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds limit)
+QString readOutput(const Command &command, std::chrono::milliseconds limit)
 {
-    QProcess process;
-    setUp(process, command);
-    const ErrorPipe errors;
-    process.setStandardErrorFile(errors.path());
-    process.start();
-    const QDeadlineTimer deadline(limit.count());
-    ProcessResult result;
-    do {
-        // Not for the end: until that comes the toolkit would keep all that a tool writes.
-        process.waitForReadyRead(nextWait(deadline));
-        keepFirst(result.output, process.readAllStandardOutput());
-        keepFirst(result.errors, errors.read());
-    } while (process.state() != QProcess::NotRunning && !deadline.hasExpired());
-    result.finished
-        = process.state() == QProcess::NotRunning && process.error() != QProcess::FailedToStart;
-    process.terminate();
-    return result; // leaving kills what still runs
+    return QString::fromLocal8Bit(runTool(command, {.limit = limit}).output);
 }
 
-ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most,
-                   const QString &folder)
+Command splitCommandLine(const QString &commandLine)
 {
-    QProcess process;
-    setUp(process, command);
-    process.setWorkingDirectory(folder);
-    const ErrorPipe errors;
-    process.setStandardErrorFile(errors.path());
-    process.start();
-    const QDeadlineTimer deadline(limit);
-    if (!process.waitForStarted(-1)) {
-        return {};
-    }
-    ToolAnswer answer;
-    answer.end = ToolAnswer::End::Ended;
-    while (process.state() != QProcess::NotRunning && answer.end == ToolAnswer::End::Ended) {
-        process.waitForReadyRead(askInterval);
-        answer.output += process.readAllStandardOutput();
-        answer.errors += errors.read();
-        if (answer.output.size() + answer.errors.size() > most) {
-            answer.end = ToolAnswer::End::TooMuch;
-        } else if (deadline.hasExpired() && process.state() != QProcess::NotRunning) {
-            answer.end = ToolAnswer::End::CutOff;
-        }
-    }
-    if (answer.end != ToolAnswer::End::Ended) {
-        process.kill();
-        process.waitForFinished(killTime);
-    } else if (process.exitStatus() == QProcess::CrashExit) {
-        answer.end = ToolAnswer::End::Crashed;
-    } else {
-        answer.status = process.exitCode();
-    }
-    return answer;
-}
-
-QString readOutput(const QStringList &command, std::chrono::milliseconds limit)
-{
-    return QString::fromLocal8Bit(runLimited(command, limit).output);
-}
-
-QStringList splitCommandLine(const QString &commandLine)
-{
-    return QProcess::splitCommand(commandLine);
+    const QStringList parts = QProcess::splitCommand(commandLine);
+    return {parts.value(0), parts.mid(1)};
 }
 
 QString byteText(const QByteArray &bytes)

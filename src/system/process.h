@@ -1,91 +1,80 @@
 #pragma once
 
+#include "system/command.h"
+#include "system/toollimits.h"
+
 #include <QByteArray>
 #include <QString>
-#include <QStringList>
 
 #include <chrono>
 #include <functional>
 
 class QProcessEnvironment;
 
-// The ways to run a tool. All of them block the calling thread; none needs an event loop.
-// A command is the program first, then its arguments, passed without a shell.
+// The ways to run a tool. All but startDetached() block the calling thread; none needs an event
+// loop. A tool that still runs at its time limit gets SIGTERM, and SIGKILL if it has not ended
+// 500 ms later.
 
-/// What became of a tool that ran with a time limit.
-struct ProcessResult
-{
-    bool finished = false; ///< false: not started, or cut off at the limit
-    QByteArray output;     ///< standard output, its first 16 MiB
-    QByteArray errors;     ///< standard error, its first 16 MiB
-};
+/// How many bytes of a tool's standard output are kept, and of its standard error.
+inline constexpr qsizetype mostKept = 16 << 20;
 
-/// Waits for ever.
-inline constexpr std::chrono::milliseconds noLimit{-1};
-
-/// What became of a tool whose exit status matters.
+/// How a tool ended, and what it wrote.
 struct ToolResult
 {
-    int status = -1;   ///< exit status; -1 if it could not be started, crashed or was stopped
-    QByteArray errors; ///< standard error, whole
-};
-
-/// Runs @p command and waits for its end for at most @p limit; one that is still running then is
-/// killed. Its output goes where ours goes, its input is empty, its exit code is ignored. A
-/// program that cannot be started changes nothing.
-void runAndWait(const QStringList &command, std::chrono::milliseconds limit = noLimit);
-
-/// As runAndWait() without a limit, for a program that is no tool of this one: it gets
-/// @p environment.
-void runAndWait(const QStringList &command, const QProcessEnvironment &environment);
-
-/// As runAndWait(), in the folder @p folder, with what it writes to standard output thrown away.
-/// Where that folder is missing nothing is run.
-void runInFolder(const QStringList &command, const QString &folder,
-                 std::chrono::milliseconds limit);
-
-/// Runs @p command in the folder @p folder and appends what it writes to standard output to the
-/// file at @p outputPath. Waits without limit, but ends the tool once @p shallStop says so.
-ToolResult runIntoFile(const QStringList &command, const QString &folder, const QString &outputPath,
-                       const std::function<bool()> &shallStop);
-
-/// Starts @p command and does not wait for it; it outlives this program.
-/// Result: false if it cannot be started.
-bool startDetached(const QStringList &command);
-
-/// Runs @p command, waits for its end for at most @p limit and collects what it writes. What goes
-/// beyond 16 MiB is thrown away, so that a tool that writes without end does not eat the memory. A
-/// tool that is still running at the limit is asked to end, and killed.
-ProcessResult runLimited(const QStringList &command, std::chrono::milliseconds limit);
-
-/// What a tool answered that was only asked.
-struct ToolAnswer
-{
     enum class End {
-        NotStarted, ///< there is no such tool, or it is no program
-        CutOff,     ///< still running at the limit
-        TooMuch,    ///< was writing without end
-        Crashed,
+        NotStarted, ///< no such tool or folder, or the file is no program
+        CutOff,     ///< still running at the time limit
+        Stopped,    ///< still running when the caller asked for its end
+        Crashed,    ///< ended by a signal of somebody else
         Ended,
     };
     End end = End::NotStarted;
     int status = -1;   ///< exit status, if it ended
-    QByteArray output; ///< standard output
-    QByteArray errors; ///< standard error
+    QByteArray output; ///< standard output, up to mostKept
+    QByteArray errors; ///< standard error, up to mostKept
+
+    /// Whether the tool ended by itself, by a crash too.
+    bool hasFinished() const { return end == End::Crashed || end == End::Ended; }
 };
 
-/// Runs @p command as runLimited() does, but ends it also when it has written more than @p most
-/// bytes: for one who does not trust the tools. In the folder @p folder, if there is one.
-ToolAnswer askTool(const QStringList &command, std::chrono::milliseconds limit, qsizetype most,
-                   const QString &folder = {});
+/// How runTool() runs a tool.
+struct RunOptions
+{
+    std::chrono::milliseconds limit = noLimit;
+    QString folder = {};     ///< in which the tool runs; that of this program if empty
+    QString outputPath = {}; ///< file to which standard output is appended; collected if empty
+    /// Asked every 10 ms with what was collected so far; true ends the tool.
+    std::function<bool(const ToolResult &soFar)> shallStop = {};
+};
 
-/// Standard output of @p command as text, up to @p limit as with runLimited(); what was written
-/// until then if the tool did not end, empty if it could not be started.
-QString readOutput(const QStringList &command, std::chrono::milliseconds limit);
+/// Runs @p command, waits for its end and collects what it writes. Its input is empty. What goes
+/// beyond mostKept is read and thrown away, and so is what it writes while it is being ended.
+ToolResult runTool(const Command &command, const RunOptions &options = {});
+
+/// Runs @p command and waits for its end for at most @p limit. Its output goes where ours goes,
+/// its input is empty, its exit status is ignored. A program that cannot be started changes
+/// nothing.
+void runAndWait(const Command &command, std::chrono::milliseconds limit = noLimit);
+
+/// As runAndWait() without a limit, for a program that is not a tool of ours: it gets
+/// @p environment.
+void runAndWait(const Command &command, const QProcessEnvironment &environment);
+
+/// As runAndWait(), in the folder @p folder, with its standard output thrown away. Nothing is run
+/// if the folder is missing.
+void runInFolder(const Command &command, const QString &folder, std::chrono::milliseconds limit);
+
+/// Starts @p command and does not wait for it; it outlives this program.
+/// Result: false if it cannot be started.
+bool startDetached(const Command &command);
+
+/// Standard output of @p command as text: what it wrote until @p limit if it did not end, empty
+/// if it could not be started.
+QString readOutput(const Command &command, std::chrono::milliseconds limit);
 
 /// A command line such as "xinput query-state  \"A B\"" as a command: split at blanks, with
 /// double quotes around what belongs together and three of them for a quote itself.
-QStringList splitCommandLine(const QString &commandLine);
+Command splitCommandLine(const QString &commandLine);
 
 /// Output of a tool as 8-bit text, byte for byte, up to the first zero byte.
 QString byteText(const QByteArray &bytes);

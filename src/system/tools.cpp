@@ -1,6 +1,6 @@
 #include "system/tools.h"
 
-QStringList toolCommand(Tool tool, const QStringList &arguments)
+Command toolCommand(Tool tool, const QStringList &arguments)
 {
-    return QStringList(QLatin1String(toolNames[size_t(tool)])) + arguments;
+    return {QLatin1String(toolNames[size_t(tool)]), arguments};
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QStringList>
+#include "system/command.h"
 
 #include <iterator>
 
-/// Every tool that the program runs. A command can name no other, so whoever asks what a panel
-/// must have (talmero-doctor does) needs no list of its own.
+/// Every tool that the program runs. toolCommand() builds its commands and takes no other, so
+/// whoever asks what a panel must have (talmero-doctor does) needs no list of its own.
 enum class Tool {
     Beep,
     Date,
@@ -32,4 +32,4 @@ inline constexpr const char *toolNames[]
 static_assert(std::size(toolNames) == size_t(Tool::Xset) + 1);
 
 /// The command that runs @p tool with @p arguments.
-QStringList toolCommand(Tool tool, const QStringList &arguments = {});
+Command toolCommand(Tool tool, const QStringList &arguments = {});

@@ -11,12 +11,12 @@
 #include <QTest>
 #include <QTextEdit>
 
-FactoryWindow::FactoryWindow(const QStringList &tools)
+FactoryWindow::FactoryWindow(const QStringList &tools, const ToolLimits &limits)
     : m_tools(QStringList{"sleep", "xCal"} + tools)
 {
     requirePanel();
     QApplication::setStyle(new TouchStyle);
-    m_window = std::make_unique<SoftwareSetup>();
+    m_window = std::make_unique<SoftwareSetup>(nullptr, limits);
     m_callsAtStart = m_tools.calls().size();
     m_tools.setBody("sleep", "exec /usr/bin/sleep \"$@\"");
     m_window->show();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "faketools.h"
+#include "system/toollimits.h"
 
 #include <memory>
 
@@ -18,7 +19,7 @@ class FactoryWindow
 {
 public:
     /// Puts stand-ins for the tools of its start on PATH, and for @p tools.
-    explicit FactoryWindow(const QStringList &tools = {});
+    explicit FactoryWindow(const QStringList &tools = {}, const ToolLimits &limits = {});
     ~FactoryWindow();
     Q_DISABLE_COPY_MOVE(FactoryWindow)
 

@@ -100,12 +100,12 @@ void answer(Facts &facts, Question question, const QByteArray &output, const QBy
             int status)
 {
     facts.answers[size_t(question)]
-        = Answered{{"tool", "-x"}, {ToolAnswer::End::Ended, status, output, errors}};
+        = Answered{{"tool", {"-x"}}, {ToolResult::End::Ended, status, output, errors}};
 }
 
-void fail(Facts &facts, Question question, ToolAnswer::End end)
+void fail(Facts &facts, Question question, ToolResult::End end)
 {
-    facts.answers[size_t(question)] = Answered{{"tool", "-x"}, {end, -1, {}, {}}};
+    facts.answers[size_t(question)] = Answered{{"tool", {"-x"}}, {end, -1, {}, {}}};
 }
 
 void removeTool(Facts &facts, Tool tool)

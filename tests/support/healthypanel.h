@@ -11,7 +11,7 @@ void answer(Facts &facts, Question question, const QByteArray &output,
             const QByteArray &errors = {}, int status = 0);
 
 /// The same of a tool that does not end by itself.
-void fail(Facts &facts, Question question, ToolAnswer::End end);
+void fail(Facts &facts, Question question, ToolResult::End end);
 
 /// Takes the tool away.
 void removeTool(Facts &facts, Tool tool);

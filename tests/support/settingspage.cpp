@@ -32,11 +32,12 @@ void sendMouse(QWidget *widget, QEvent::Type type, QPoint at)
 }
 } // namespace
 
-SettingsPage::SettingsPage(const QString &buttonName, const QByteArray &settings, Start start)
+SettingsPage::SettingsPage(const QString &buttonName, const QByteArray &settings, Start start,
+                           const ToolLimits &limits)
     : m_buttonName(buttonName)
 {
     writePanelFile("bios.ini", settings);
-    m_window = std::make_unique<BiosInterface>();
+    m_window = std::make_unique<BiosInterface>(nullptr, limits);
     m_window->show();
     if (start == OpensPage) {
         open();

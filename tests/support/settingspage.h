@@ -15,7 +15,9 @@ public:
 
     /// Makes @p settings the settings file, shows the window and opens the page of the button named
     /// @p buttonName, "label:index", unless @p start says that the test does so itself.
-    SettingsPage(const QString &buttonName, const QByteArray &settings, Start start = OpensPage);
+    /// @p limits says how long tools are waited for.
+    SettingsPage(const QString &buttonName, const QByteArray &settings, Start start = OpensPage,
+                 const ToolLimits &limits = {});
 
     BiosInterface *window() const { return m_window.get(); }
     QWidget *page() const;

@@ -1,8 +1,8 @@
 #include "system/commandline.h"
 
+#include "commandtext.h"
+#include "system/toollimits.h"
 
-#include <QDirIterator>
-#include <QRegularExpression>
 #include <QTest>
 
 class TestCommandLine : public QObject
@@ -10,8 +10,7 @@ class TestCommandLine : public QObject
     Q_OBJECT
 private slots:
     void fixedCommands();
-    void limitsOfAPanel();
-    void toolsAreNamedInOnePlace();
+    void toolLimits();
     void screenSaving_data();
     void screenSaving();
     void orientation_data();
@@ -24,60 +23,48 @@ private slots:
 
 void TestCommandLine::fixedCommands()
 {
-    QCOMPARE(startPauseCommand(), (QStringList{"sleep", "1"}));
-    QCOMPARE(outputQueryCommand(), (QStringList{"xrandr", "-q"}));
-    QCOMPARE(runtimeCommand(), (QStringList{"/bin/sh", "/opt/talmero/bios/runapp.sh"}));
-    QCOMPARE(deviceListCommand(), (QStringList{"xinput", "--list", "--name-only"}));
-    QCOMPARE(deviceStateCommand("a \"b\""), (QStringList{"xinput", "query-state", "a \"b\""}));
-    QCOMPARE(hardwareClockCommand(), (QStringList{"hwclock", "-w"}));
-    QCOMPARE(calibrationCommand(), QStringList{"xCal"});
+    QCOMPARE(startPauseCommand(), (Command{"sleep", {"1"}}));
+    QCOMPARE(outputQueryCommand(), (Command{"xrandr", {"-q"}}));
+    QCOMPARE(runtimeCommand(), (Command{"/bin/sh", {"/opt/talmero/bios/runapp.sh"}}));
+    QCOMPARE(deviceListCommand(), (Command{"xinput", {"--list", "--name-only"}}));
+    QCOMPARE(deviceStateCommand("a \"b\""), (Command{"xinput", {"query-state", "a \"b\""}}));
+    QCOMPARE(hardwareClockCommand(), (Command{"hwclock", {"-w"}}));
+    QCOMPARE(calibrationCommand(), Command{"xCal"});
 }
 
-/// Tests of tools that hang run with shorter ones.
-void TestCommandLine::limitsOfAPanel()
+/// What a panel gets. Tests of hanging tools hand in shorter ones.
+void TestCommandLine::toolLimits()
 {
-    QCOMPARE(ToolLimits().query.count(), 30000);
-    QCOMPARE(ToolLimits().setting.count(), 30000);
-}
-
-/// A name anywhere else would be a tool of which the list of tools does not know.
-void TestCommandLine::toolsAreNamedInOnePlace()
-{
-    static const QRegularExpression command(
-        "(return|runAndWait\\(|runInFolder\\(|runLimited\\(|readOutput\\(|startDetached\\(|"
-        "doProcess\\()\\s*\\{?\\s*\"[a-zA-Z/]+\"\\s*[,}]");
-    int files = 0;
-    QDirIterator sources(PANEL_SOURCE "/src", {"*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
-    for (; sources.hasNext(); ++files) {
-        QFile file(sources.next());
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const auto found = command.match(QString::fromUtf8(file.readAll()));
-        QVERIFY2(!found.hasMatch(), qPrintable(file.fileName() + ": " + found.captured()));
-    }
-    QVERIFY(files > 50);
+    constexpr ToolLimits limits;
+    QCOMPARE(limits.tool.count(), 30000);
+    QCOMPARE(limits.address.count(), 10000);
+    QCOMPARE(limits.lease.count(), 10000);
+    QCOMPARE(limits.hardwareAddress.count(), 3000);
+    QCOMPARE(limits.interfaceList.count(), 10000);
+    QCOMPARE(unpackLimit.count(), 30000);
 }
 
 void TestCommandLine::screenSaving_data()
 {
     QTest::addColumn<QString>("minutes");
-    QTest::addColumn<QStringList>("command");
-    const QStringList off{"xset", "-dpms", "s", "noexpose"};
+    QTest::addColumn<Command>("command");
+    const Command off{"xset", {"-dpms", "s", "noexpose"}};
     QTest::newRow("absent") << "" << off;
     QTest::newRow("0") << "0" << off;
     QTest::newRow("no number") << "ten" << off;
     QTest::newRow("number with a unit") << "10 min" << off;
     QTest::newRow("beyond 32 bits") << "99999999999" << off;
-    QTest::newRow("5") << "5" << QStringList{"xset", "s", "300"};
-    QTest::newRow("10") << "10" << QStringList{"xset", "s", "600"};
-    QTest::newRow("60") << "60" << QStringList{"xset", "s", "3600"};
-    QTest::newRow("15, not offered") << "15" << QStringList{"xset", "s", "900"};
-    QTest::newRow("largest") << "2147483647" << QStringList{"xset", "s", "128849018820"};
+    QTest::newRow("5") << "5" << Command{"xset", {"s", "300"}};
+    QTest::newRow("10") << "10" << Command{"xset", {"s", "600"}};
+    QTest::newRow("60") << "60" << Command{"xset", {"s", "3600"}};
+    QTest::newRow("15, not offered") << "15" << Command{"xset", {"s", "900"}};
+    QTest::newRow("largest") << "2147483647" << Command{"xset", {"s", "128849018820"}};
 }
 
 void TestCommandLine::screenSaving()
 {
     QFETCH(QString, minutes);
-    QFETCH(QStringList, command);
+    QFETCH(Command, command);
     QCOMPARE(screenSavingCommand(minutes), command);
 }
 
@@ -108,9 +95,9 @@ void TestCommandLine::orientation()
     QFETCH(QString, stored);
     QFETCH(QString, rotation);
     QCOMPARE(orientationCommand("LVDS1", stored),
-             (QStringList{"xrandr", "--output", "LVDS1", "--rotate", rotation}));
+             (Command{"xrandr", {"--output", "LVDS1", "--rotate", rotation}}));
     QCOMPARE(orientationCommand("", stored),
-             (QStringList{"xrandr", "--output", "", "--rotate", rotation})); // one empty argument
+             (Command{"xrandr", {"--output", "", "--rotate", rotation}})); // one empty argument
 }
 
 void TestCommandLine::brightness_data()
@@ -141,7 +128,7 @@ void TestCommandLine::brightness()
     QFETCH(QString, stored);
     QFETCH(QString, factor);
     QCOMPARE(brightnessCommand("a b", stored),
-             (QStringList{"xrandr", "--output", "a b", "--brightness", factor}));
+             (Command{"xrandr", {"--output", "a b", "--brightness", factor}}));
 }
 
 void TestCommandLine::clock_data()
@@ -164,7 +151,7 @@ void TestCommandLine::clock()
 {
     QFETCH(QDateTime, time);
     QFETCH(QString, text);
-    QCOMPARE(clockCommand(time), (QStringList{"date", text}));
+    QCOMPARE(clockCommand(time), (Command{"date", {text}}));
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-using End = ToolAnswer::End;
+using End = ToolResult::End;
 
 using namespace Doctor;
 

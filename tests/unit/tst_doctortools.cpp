@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-using End = ToolAnswer::End;
+using End = ToolResult::End;
 
 using namespace Doctor;
 
@@ -208,7 +208,7 @@ void TestDoctorTools::everyFailureIsTold_data()
         QTest::addRow("%d is not started", number)
             << index << End::NotStarted << "cannot be started";
         QTest::addRow("%d hangs", number) << index << End::CutOff << "hangs: no answer within 5 s";
-        QTest::addRow("%d writes on", number) << index << End::TooMuch << "never stops writing";
+        QTest::addRow("%d writes on", number) << index << End::Stopped << "never stops writing";
         QTest::addRow("%d crashes", number) << index << End::Crashed << "crashes";
         QTest::addRow("%d fails", number) << index << End::Ended << "fails with status 3: no";
     }

@@ -1,4 +1,6 @@
 #include "system/factorycommand.h"
+
+#include "commandtext.h"
 #include "system/namingrules.h"
 
 #include <QTest>
@@ -16,13 +18,13 @@ private slots:
 
 void TestFactoryCommand::fixedCommands()
 {
-    QCOMPARE(calibrationPauseCommand(), (QStringList{"sleep", "2"}));
-    QCOMPARE(echoPauseCommand(), (QStringList{"sleep", "0.2"}));
-    QCOMPARE(sessionAsideCommand(), (QStringList{"mv", "/root/.xinitrc", "/root/xinitrc"}));
-    QCOMPARE(removeFileCommand("/a b"), (QStringList{"rm", "/a b"}));
-    QCOMPARE(interfaceListCommand(), QStringList{"ifconfig"});
-    QCOMPARE(beepCommand(), QStringList{"beep"});
-    QCOMPARE(toneCommand("100", "30"), (QStringList{"beep", "-f", "100", "-l", "30"}));
+    QCOMPARE(calibrationPauseCommand(), (Command{"sleep", {"2"}}));
+    QCOMPARE(echoPauseCommand(), (Command{"sleep", {"0.2"}}));
+    QCOMPARE(sessionAsideCommand(), (Command{"mv", {"/root/.xinitrc", "/root/xinitrc"}}));
+    QCOMPARE(removeFileCommand("/a b"), (Command{"rm", {"/a b"}}));
+    QCOMPARE(interfaceListCommand(), Command{"ifconfig"});
+    QCOMPARE(beepCommand(), Command{"beep"});
+    QCOMPARE(toneCommand("100", "30"), (Command{"beep", {"-f", "100", "-l", "30"}}));
 }
 
 void TestFactoryCommand::presetTone_data()
@@ -52,7 +54,7 @@ void TestFactoryCommand::presetTone()
     QFETCH(QString, text);
     QFETCH(QString, frequency);
     QFETCH(QString, duration);
-    QCOMPARE(presetToneCommand(text), (QStringList{"beep", "-f", frequency, "-l", duration}));
+    QCOMPARE(presetToneCommand(text), (Command{"beep", {"-f", frequency, "-l", duration}}));
 }
 
 void TestFactoryCommand::namingRules_data()

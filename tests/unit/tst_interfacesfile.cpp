@@ -1,5 +1,6 @@
 #include "system/interfacesfile.h"
 
+#include "commandtext.h"
 #include "system/commandline.h"
 
 #include <QTest>
@@ -59,11 +60,11 @@ void TestInterfacesFile::text()
 
 void TestInterfacesFile::commands()
 {
-    QCOMPARE(addressQueryCommand("eth1"), (QStringList{"ifconfig", "eth1"}));
-    QCOMPARE(setAddressCommand("eth0", "10.0.0.1"), (QStringList{"ifconfig", "eth0", "10.0.0.1"}));
-    QCOMPARE(setAddressCommand("eth0", ""), (QStringList{"ifconfig", "eth0", ""}));
-    QCOMPARE(obtainLeaseCommand("eth1"), (QStringList{"dhclient", "eth1"}));
-    QCOMPARE(releaseLeaseCommand(), (QStringList{"dhclient", "eth0", "-r"}));
+    QCOMPARE(addressQueryCommand("eth1"), (Command{"ifconfig", {"eth1"}}));
+    QCOMPARE(setAddressCommand("eth0", "10.0.0.1"), (Command{"ifconfig", {"eth0", "10.0.0.1"}}));
+    QCOMPARE(setAddressCommand("eth0", ""), (Command{"ifconfig", {"eth0", ""}}));
+    QCOMPARE(obtainLeaseCommand("eth1"), (Command{"dhclient", {"eth1"}}));
+    QCOMPARE(releaseLeaseCommand(), (Command{"dhclient", {"eth0", "-r"}}));
 }
 
 QTEST_GUILESS_MAIN(TestInterfacesFile)

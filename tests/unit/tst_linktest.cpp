@@ -46,24 +46,40 @@ void TestLinkTest::parsesPeerAddress_data()
                                << "h" << 65535;
     QTest::newRow("leading zero") << "h:033"
                                   << "h" << 33;
-    QTest::newRow("port 0") << "h:0" << QString() << 0;
-    QTest::newRow("port too large") << "h:65536" << QString() << 0;
-    QTest::newRow("port far too large") << "192.168.0.30:99999" << QString() << 0;
-    QTest::newRow("port beyond 32 bits") << "h:4294967329" << QString() << 0;
-    QTest::newRow("negative port") << "h:-33" << QString() << 0;
-    QTest::newRow("hexadecimal port") << "h:0x21" << QString() << 0;
-    QTest::newRow("port is no number") << "h:echo" << QString() << 0;
-    QTest::newRow("no port") << "192.168.0.30:" << QString() << 0;
+    QTest::newRow("port 0") << "h:0"
+                            << "h" << 0;
+    QTest::newRow("port too large") << "h:65536"
+                                    << "h" << 0;
+    QTest::newRow("port far too large") << "192.168.0.30:99999"
+                                        << "192.168.0.30" << 0;
+    QTest::newRow("port beyond 32 bits") << "h:4294967329"
+                                         << "h" << 0;
+    QTest::newRow("negative port") << "h:-33"
+                                   << "h" << 0;
+    QTest::newRow("hexadecimal port") << "h:0x21"
+                                      << "h" << 0;
+    QTest::newRow("port is no number") << "h:echo"
+                                       << "h" << 0;
+    QTest::newRow("no port") << "192.168.0.30:"
+                             << "192.168.0.30" << 0;
     QTest::newRow("no colon") << "192.168.0.30" << QString() << 0;
     QTest::newRow("a number alone") << "33" << QString() << 0;
     QTest::newRow("no host") << ":33" << QString() << 0;
     QTest::newRow("blank host") << "  :33" << QString() << 0;
     QTest::newRow("empty") << "" << QString() << 0;
     QTest::newRow("colon alone") << ":" << QString() << 0;
-    QTest::newRow("third part") << "h:33:44" << QString() << 0;
-    QTest::newRow("IPv6") << "fe80::1" << QString() << 0;
-    QTest::newRow("IPv6 that looks like a host and a port") << "2001:33::5" << QString() << 0;
-    QTest::newRow("IPv6 in brackets") << "[::1]:33" << QString() << 0;
+    QTest::newRow("third part is ignored") << "127.0.0.1:7001:x"
+                                           << "127.0.0.1" << 7001;
+    QTest::newRow("empty third part") << "h:33:"
+                                      << "h" << 33;
+    QTest::newRow("empty second part") << "h::33"
+                                       << "h" << 0;
+    QTest::newRow("IPv6: its first part is taken for a name") << "fe80::1"
+                                                              << "fe80" << 0;
+    QTest::newRow("IPv6 that looks like a host and a port") << "2001:33::5"
+                                                            << "2001" << 33;
+    QTest::newRow("IPv6 in brackets") << "[::1]:33"
+                                      << "[" << 0;
 }
 
 void TestLinkTest::parsesPeerAddress()

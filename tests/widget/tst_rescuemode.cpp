@@ -15,18 +15,13 @@
 
 #include <memory>
 
+using namespace std::chrono_literals;
+
 namespace {
+constexpr ToolLimits shortLimits{.tool = 1000ms};
 const QString list = "xinput [--list] [--name-only]";
 const QString query = "xinput [query-state] [PenMount USB]";
 const QString nullQuery = "xinput [query-state] [null]";
-constexpr std::chrono::milliseconds shortLimit{1000}; // of tools that hang
-constexpr qint64 hangTime = 15000;                    // ms; half the limit that a panel has
-
-/// Whether a tool that took @p time, in ms, was ended at the short limit.
-bool isCutOff(qint64 time)
-{
-    return time >= shortLimit.count() && time < hangTime;
-}
 
 /// What the stand-in does when it is asked for the devices and for the state of one.
 QString touchController(const QString &devices, const QString &state)
@@ -202,12 +197,13 @@ void TestRescueMode::emptyListLeavesItUnknown()
 void TestRescueMode::hangingListIsTheOnlyToolOfItsTick()
 {
     m_tools->setBody("xinput", touchController("exec sleep 300", "true"));
-    const auto window = makeWindow({.query = shortLimit});
+    const auto window = makeWindow(shortLimits);
     const qsizetype before = m_tools->calls().size();
     QElapsedTimer timer;
     timer.start();
     window->slotRescueTimesup();
-    QVERIFY2(isCutOff(timer.elapsed()), qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() >= 1000 && timer.elapsed() < 10000,
+             qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(callsSince(before), QStringList{list});
 }
 
@@ -215,16 +211,17 @@ void TestRescueMode::hangingQueryIsCutOff()
 {
     m_tools->setBody("xinput",
                      touchController("echo 'PenMount USB'", "echo 'button[1]=up'; exec sleep 300"));
-    const auto window = makeWindow({.query = shortLimit});
+    const auto window = makeWindow(shortLimits);
     QElapsedTimer timer;
     timer.start();
     window->slotRescueTimesup();
-    QVERIFY2(isCutOff(timer.elapsed()), qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() >= 1000 && timer.elapsed() < 10000,
+             qPrintable(QString::number(timer.elapsed())));
 }
 
 void TestRescueMode::hangingBrightnessToolDoesNotStopRescue()
 {
-    const auto window = makeWindow({.setting = shortLimit});
+    const auto window = makeWindow(shortLimits);
     m_tools->setBody("xinput", touchController("echo 'PenMount USB'", "echo 'button[1]=down'"));
     m_tools->setBody("xrandr", "exec sleep 300");
     window->slotRescueTimesup();

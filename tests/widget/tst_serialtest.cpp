@@ -16,6 +16,8 @@
 #include <sys/fsuid.h>
 #include <unistd.h>
 
+using namespace std::chrono_literals;
+
 namespace {
 constexpr uid_t nobody = 65534;
 
@@ -52,6 +54,7 @@ private slots:
     void echoes();
     void lateChunkFailsOnce();
     void chunkInThePauseCounts();
+    void pauseHasNoLimit();
     void longEchoIsReadToItsEnd();
     void markupIsShownAsItIs();
     void nothingIsWrittenBeyondTheSettings();
@@ -159,6 +162,17 @@ void TestSerialTest::chunkInThePauseCounts()
     factory.click("COM1 RS232");
     QTRY_COMPARE(factory.result(), payload(0) + okLines);
     QVERIFY2(factory.calls().size() >= 2, qPrintable(factory.calls().join(' ')));
+}
+
+void TestSerialTest::pauseHasNoLimit()
+{
+    plug("whole", "none", "none");
+    const FactoryWindow factory({}, {.tool = 100ms});
+    factory.tools().setBody("sleep", "/usr/bin/sleep 0.7; touch /run/paused");
+    factory.click("Test");
+    factory.click("COM1 RS232");
+    QTRY_COMPARE(factory.result(), payload(0) + okLines);
+    QVERIFY(QFile::remove("/run/paused"));
 }
 
 void TestSerialTest::longEchoIsReadToItsEnd()

@@ -12,23 +12,23 @@ constexpr qsizetype longestExcerpt = 60; // characters
 bool endedWell(const Facts &facts, Question question)
 {
     const auto &answered = facts.answer(question);
-    return answered && answered->answer.end == ToolAnswer::End::Ended
+    return answered && answered->answer.end == ToolResult::End::Ended
         && answered->answer.status == 0;
 }
 
 /// What happened to a tool that did not succeed.
-QString fateOf(const ToolAnswer &answer, qint64 limit)
+QString fateOf(const ToolResult &answer, qint64 limit)
 {
     switch (answer.end) {
-    case ToolAnswer::End::NotStarted:
+    case ToolResult::End::NotStarted:
         return "cannot be started";
-    case ToolAnswer::End::CutOff:
+    case ToolResult::End::CutOff:
         return QString("hangs: no answer within %1 s").arg(double(limit) / 1000);
-    case ToolAnswer::End::TooMuch:
+    case ToolResult::End::Stopped:
         return "never stops writing";
-    case ToolAnswer::End::Crashed:
+    case ToolResult::End::Crashed:
         return "crashes";
-    case ToolAnswer::End::Ended:
+    case ToolResult::End::Ended:
         break;
     }
     const QString said = shortened(QString::fromLocal8Bit(answer.errors));
@@ -46,15 +46,16 @@ std::optional<Finding> badAnswer(const Facts &facts, Question question, const QS
     if (!answered) {
         return warning("not checked: the tool is missing", "see the line about the tool");
     }
-    return error(QString("\"%1\" %2")
-                     .arg(answered->command.join(' '), fateOf(answered->answer, facts.limit)),
+    const QString command
+        = (QStringList{answered->command.tool} + answered->command.arguments).join(' ');
+    return error(QString("\"%1\" %2").arg(command, fateOf(answered->answer, facts.limit)),
                  QString("run it by hand and fix it; until then %1").arg(loss));
 }
 
 std::optional<Finding> badDisplayAnswer(const Facts &facts, Question question, const QString &loss)
 {
     const auto &answered = facts.answer(question);
-    const bool ended = answered && answered->answer.end == ToolAnswer::End::Ended;
+    const bool ended = answered && answered->answer.end == ToolResult::End::Ended;
     if (ended
         && !displayAnswers(facts)) { // the missing display is the reason, and is reported once
         return warning("not checked: no display answers", "see the line about the display");

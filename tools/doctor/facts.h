@@ -38,8 +38,8 @@ inline constexpr size_t questionCount = size_t(Question::ShortPause) + 1;
 /// A question and its answer.
 struct Answered
 {
-    QStringList command;
-    ToolAnswer answer;
+    Command command;
+    ToolResult answer;
 };
 
 /// What is at a path.
@@ -62,9 +62,6 @@ QString folderOf(const char *path);
 
 /// How much of a file is read, in bytes. No file of a panel is nearly as large.
 inline constexpr qint64 contentLimit = 1 << 20;
-
-/// How much a tool may write, in bytes; beyond that it is ended.
-inline constexpr qsizetype answerLimit = 16 << 20;
 
 /// A network interface of the kernel.
 struct Interface

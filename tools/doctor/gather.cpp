@@ -122,14 +122,22 @@ void listInterfaces(Facts &facts)
     }
 }
 
+/// A tool that is not to be trusted may write for as long as it is let.
+bool writesWithoutEnd(const ToolResult &soFar)
+{
+    return soFar.output.size() + soFar.errors.size() >= mostKept;
+}
+
 void ask(Facts &facts, const QList<AskedTool> &questions, std::chrono::milliseconds limit)
 {
-    std::vector<std::future<ToolAnswer>>
-        answers; // run one after the other if there are no more threads
+    // run one after the other if there are no more threads
+    std::vector<std::future<ToolResult>> answers;
     for (const AskedTool &asked : questions) {
         answers.push_back(
-            asked.tool.isEmpty() ? std::future<ToolAnswer>() : std::async([asked, limit] {
-                return askTool(asked.command, limit, answerLimit, asked.folder);
+            asked.tool.isEmpty() ? std::future<ToolResult>() : std::async([asked, limit] {
+                return runTool(
+                    asked.command,
+                    {.limit = limit, .folder = asked.folder, .shallStop = writesWithoutEnd});
             }));
     }
     for (qsizetype index = 0; index < questions.size(); ++index) {

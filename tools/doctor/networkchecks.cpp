@@ -142,7 +142,7 @@ Findings checkDhclient(const Facts &facts)
         return {*bad};
     }
     // dhclient prints its version on standard error
-    const ToolAnswer &answer = facts.answer(Question::DhcpVersion)->answer;
+    const ToolResult &answer = facts.answer(Question::DhcpVersion)->answer;
     const QString version = QString::fromLocal8Bit(answer.output + answer.errors);
     if (!version.contains(QLatin1String("isc-dhclient"))) {
         return {error("dhclient is not the one from ISC",

@@ -16,7 +16,7 @@ QString answerText(const std::optional<Answered> &answered)
 
 QList<AskedTool> firstQuestions(const Facts &facts, const QString &archive, const QString &folder)
 {
-    const auto ask = [&facts](Question question, Tool tool, const QStringList &command) {
+    const auto ask = [&facts](Question question, Tool tool, const Command &command) {
         return AskedTool{question, facts.tool(tool), command};
     };
     const auto port = [](int lan) { return addressQueryCommand(ethernetKeys(lan).interface); };
@@ -34,8 +34,8 @@ QList<AskedTool> firstQuestions(const Facts &facts, const QString &archive, cons
         ask(Question::TarVersion,      Tool::Tar,      toolCommand(Tool::Tar, {"--version"})),
         ask(Question::DhcpVersion,     Tool::Dhclient, toolCommand(Tool::Dhclient, {"--version"})),
         ask(Question::ShortPause,      Tool::Sleep,    echoPauseCommand()),
-        {Question::InterfacesFile,     facts.ifquery,  {ifqueryName, "--list"}},
-        {Question::Fonts,              facts.fontList, {fontListName, ":", "family"}},
+        {Question::InterfacesFile,     facts.ifquery,  {ifqueryName, {"--list"}}},
+        {Question::Fonts,              facts.fontList, {fontListName, {":", "family"}}},
     };
     // clang-format on
     if (facts.path(Paths::runtimeScript).kind == PathFacts::Kind::File) {

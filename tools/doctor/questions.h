@@ -8,7 +8,7 @@ struct AskedTool
 {
     Question question;
     QString tool; ///< path; empty if it is missing, and then nothing is asked
-    QStringList command;
+    Command command;
     QString folder = {}; ///< where it runs
 };
 

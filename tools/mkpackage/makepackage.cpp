@@ -39,22 +39,16 @@ QByteArray memberNames(FolderListing &listing)
     return names.join();
 }
 
-QStringList tarCommand(const QString &namesFile, qint64 time)
+Command tarCommand(const QString &namesFile, qint64 time)
 {
     return {"tar",
-            "--create",
-            "--file=-", // the environment may name a tape drive
-            "--use-compress-program=gzip -n -9",
-            "--format=gnu",
-            "--sort=name",
-            "--owner=0",
-            "--group=0",
-            "--numeric-owner",
-            "--hard-dereference", // a copied folder has lost its hard links
-            QString("--mtime=@%1").arg(time),
-            "--null",
-            "--verbatim-files-from",
-            "--files-from=" + namesFile};
+            {"--create",
+             "--file=-", // the environment may name a tape drive
+             "--use-compress-program=gzip -n -9", "--format=gnu", "--sort=name", "--owner=0",
+             "--group=0", "--numeric-owner",
+             "--hard-dereference", // a copied folder has lost its hard links
+             QString("--mtime=@%1").arg(time), "--null", "--verbatim-files-from",
+             "--files-from=" + namesFile}};
 }
 
 QString folderOf(const QString &file)
@@ -156,9 +150,10 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
         return cannotWrite;
     }
     // By its descriptor, because the file has no name yet: if we are killed, nothing is left of it.
-    const ToolResult result
-        = runIntoFile(tarCommand(namesFile.fileName(), time), descriptorPath(folder.descriptor()),
-                      descriptorPath(package.handle()), shallStop);
+    const ToolResult result = runTool(tarCommand(namesFile.fileName(), time),
+                                      {.folder = descriptorPath(folder.descriptor()),
+                                       .outputPath = descriptorPath(package.handle()),
+                                       .shallStop = [shallStop](auto &) { return shallStop(); }});
     if (shallStop()) {
         return "stopped";
     }

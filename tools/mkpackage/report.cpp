@@ -2,8 +2,8 @@
 
 #include "common/report.h"
 #include "options.h"
-#include "system/commandline.h"
 #include "system/debugtext.h"
+#include "system/toollimits.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -22,6 +22,7 @@ namespace {
 const QStringList tools{"ifconfig", "dhclient", "xrandr", "xset", "xinput",
                         "date",     "hwclock",  "du",     "xCal"};
 constexpr int slack = 500;      // ms beyond a limit for one call
+constexpr int politeTime = 500; // ms more for a tool that does not end when it is asked to
 constexpr int patience = 12000; // ms after which something counts as waiting without limit
 constexpr int tourLimit = 5000; // ms for all pages when no tool hangs
 constexpr int pollTime = 250;   // ms in which the touch controller is asked once
@@ -237,7 +238,7 @@ void TestToolFaults::hangs()
 {
     QFETCH(const Wait *, wait);
     const qint64 taken = timeOf(*wait);
-    const int expected = wait->limit * wait->calls;
+    const int expected = (wait->limit + politeTime) * wait->calls;
     QVERIFY2(taken >= expected && taken <= expected + slack * wait->calls,
              qPrintable(QString::number(taken)));
     QCOMPARE(readFile("/run/hanging").count('\n'), wait->calls);
