@@ -5,7 +5,7 @@
 #include "support/panelplace.h"
 #include "support/resulttable.h"
 #include "system/paths.h"
-#include "system/process.h"
+#include "system/run/process.h"
 
 #include <QDir>
 #include <QDirIterator>

@@ -1,8 +1,8 @@
 #include "samplepackage.h"
 
 #include "packages/packageheader.h"
-#include "system/process.h"
-#include "system/versionfiles.h"
+#include "system/files/versionfiles.h"
+#include "system/run/process.h"
 
 #include <QDir>
 #include <QFile>

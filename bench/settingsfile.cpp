@@ -1,7 +1,7 @@
 // Reading and writing a settings file of 100,000 keys against the toolkit's own class for settings
 // files, in turn.
 
-#include "system/settingsfile.h"
+#include "system/settings/settingsfile.h"
 #include "support/panelplace.h"
 #include "support/resulttable.h"
 

@@ -3,7 +3,7 @@
 #include "samplefiles.h"
 #include "support/panelplace.h"
 #include "support/resulttable.h"
-#include "system/process.h"
+#include "system/run/process.h"
 
 #include <algorithm>
 #include <map>

@@ -48,7 +48,7 @@ src/widgets widgets
 src/packages system widgets
 src/inputpanel system widgets
 src/factory system
-src/shell system widgets packages inputpanel pages
+src/shell system widgets packages inputpanel
 src/pages system widgets packages inputpanel shell
 tools/common common
 tools/mkpackage common packages system
@@ -78,7 +78,10 @@ for header in "${headers[@]}"; do
     unit=${header%.h}.cpp
     name=${header##*/}
     if [ ! -f "$unit" ]; then # included twice, with the options of a file that includes it
-        unit=$(grep -lE "^#include \"(.*/)?$name\"" "${units[@]}" | head -n 1)
+        mapfile -t users < <(grep -lE "^#include \"(.*/)?$name\"" "${units[@]}")
+        # a header that only headers include: the options of a file next to it
+        [ "${#users[@]}" -gt 0 ] || users=("${header%/*}"/*.cpp)
+        unit=${users[0]}
         eval "$(compiler_of "$unit") -fsyntax-only -x c++ -" <<TEXT
 #include "$PWD/$header"
 #include "$PWD/$header"

@@ -1,9 +1,9 @@
 #include "factory/softwaresetup.h"
 #include "inputpanel/platformbridge.h"
 #include "shell/biosinterface.h"
-#include "system/commandline.h"
 #include "system/paths.h"
-#include "system/process.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
 #include "system/startup.h"
 #include "widgets/touchstyle.h"
 

@@ -1,10 +1,10 @@
 #include "factory/softwaresetup.h"
 
 #include "factory/kpixeltestwidget.h"
-#include "system/commandline.h"
-#include "system/factorycommand.h"
-#include "system/process.h"
-#include "system/xrandroutput.h"
+#include "system/output/tooloutput.h"
+#include "system/run/commandline.h"
+#include "system/run/factorycommand.h"
+#include "system/run/process.h"
 
 #include <QPushButton>
 #include <QSpinBox>

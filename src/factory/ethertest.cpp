@@ -2,7 +2,7 @@
 
 #include "factory/linktest.h"
 #include "factory/resultview.h"
-#include "system/process.h"
+#include "system/run/process.h"
 
 #include <QLineEdit>
 #include <QTcpSocket>

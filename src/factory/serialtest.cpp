@@ -2,9 +2,9 @@
 
 #include "factory/linktest.h"
 #include "factory/resultview.h"
-#include "system/factorycommand.h"
 #include "system/paths.h"
-#include "system/process.h"
+#include "system/run/factorycommand.h"
+#include "system/run/process.h"
 
 #include <QDeadlineTimer>
 #include <QDebug>

@@ -1,13 +1,13 @@
 #include "factory/softwaresetup.h"
 
-#include "system/atomicfile.h"
-#include "system/commandline.h"
-#include "system/factorycommand.h"
-#include "system/ifconfigoutput.h"
-#include "system/namingrules.h"
+#include "system/files/atomicfile.h"
+#include "system/files/versionfiles.h"
+#include "system/formats/networkfiles.h"
+#include "system/output/ifconfigoutput.h"
 #include "system/paths.h"
-#include "system/process.h"
-#include "system/versionfiles.h"
+#include "system/run/commandline.h"
+#include "system/run/factorycommand.h"
+#include "system/run/process.h"
 
 #include <QComboBox>
 #include <QDateTimeEdit>

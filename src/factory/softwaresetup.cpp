@@ -1,9 +1,9 @@
 #include "factory/softwaresetup.h"
 
 #include "factory/linktest.h"
-#include "system/commandline.h"
-#include "system/factorycommand.h"
-#include "system/process.h"
+#include "system/run/commandline.h"
+#include "system/run/factorycommand.h"
+#include "system/run/process.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>

@@ -1,5 +1,7 @@
 #include "packages/filetable.h"
 
+#include "widgets/metrics.h"
+
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
@@ -10,8 +12,7 @@
 #include <algorithm>
 
 namespace {
-constexpr int smallestRowHeight = 44; // px; a finger hits it
-constexpr int rowPadding = 12;        // px
+constexpr int rowPadding = 12; // px
 
 /// Shows names that hold line feeds and other bytes without a picture.
 class NameDelegate : public QStyledItemDelegate
@@ -75,7 +76,7 @@ void setUpFileTable(QTableWidget *table)
     rows->hide();
     rows->setSectionResizeMode(QHeaderView::Fixed);
     rows->setDefaultSectionSize(
-        std::max(smallestRowHeight, table->fontMetrics().height() + rowPadding));
+        std::max(Metrics::fingerHeight, table->fontMetrics().height() + rowPadding));
     table->horizontalHeader()->hide();
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table->setItemDelegate(new NameDelegate(table));

@@ -1,6 +1,6 @@
 #include "packages/filewalk.h"
 
-#include "system/folderlisting.h"
+#include "system/files/folderlisting.h"
 #include "system/paths.h"
 #include "system/textcodec.h"
 

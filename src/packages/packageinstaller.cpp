@@ -2,12 +2,12 @@
 
 #include "packages/packagecheck.h"
 #include "packages/packagetypes.h"
-#include "system/commandline.h"
-#include "system/filecopy.h"
-#include "system/folderlisting.h"
-#include "system/process.h"
+#include "system/files/filecopy.h"
+#include "system/files/folderlisting.h"
+#include "system/files/versionfiles.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
 #include "system/textcodec.h"
-#include "system/versionfiles.h"
 
 #include <QFile>
 #include <QTemporaryFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/toollimits.h"
+#include "system/run/toollimits.h"
 
 class QString;
 

@@ -3,8 +3,8 @@
 #include "packages/filetable.h"
 #include "packages/filewalk.h"
 #include "system/paths.h"
-#include "system/settingsfile.h"
-#include "system/settingskeys.h"
+#include "system/settings/settingsfile.h"
+#include "system/settings/settingskeys.h"
 
 #include <QFile>
 #include <QHBoxLayout>

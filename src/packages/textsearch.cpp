@@ -1,6 +1,6 @@
 #include "packages/textsearch.h"
 
-#include "system/filecopy.h"
+#include "system/files/filecopy.h"
 #include "system/textcodec.h"
 
 #include <QFile>

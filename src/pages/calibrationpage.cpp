@@ -1,8 +1,8 @@
 #include "shell/biosinterface.h"
 
-#include "system/commandline.h"
 #include "system/paths.h"
-#include "system/process.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
 
 #include <QDir>
 

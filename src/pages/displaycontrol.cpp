@@ -1,8 +1,8 @@
 #include "shell/biosinterface.h"
 
-#include "system/commandline.h"
-#include "system/process.h"
-#include "system/settingskeys.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
+#include "system/settings/settingskeys.h"
 
 #include <QDateTimeEdit>
 

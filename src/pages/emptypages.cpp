@@ -3,19 +3,20 @@
 
 #include "shell/biosinterface.h"
 
+#include "widgets/metrics.h"
+
 #include <QHBoxLayout>
 #include <QSpacerItem>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace {
-constexpr int contentMargin = 29; // px
-constexpr int spacerSize = 20;    // px
+constexpr int spacerSize = 20; // px
 } // namespace
 
 void BiosInterface::initEmptyPage(Page page, const QString &title)
 {
-    QVBoxLayout *content = createContent(contentMargin);
+    QVBoxLayout *content = createContent(Metrics::wideMargin);
     content->addItem(
         new QSpacerItem(spacerSize, spacerSize, QSizePolicy::Minimum, QSizePolicy::Expanding));
     setPageLayout(createTitleBar(title, true, true), content, m_pages->widget(page));

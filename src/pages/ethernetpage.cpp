@@ -1,11 +1,12 @@
 #include "shell/biosinterface.h"
 
-#include "system/commandline.h"
-#include "system/ethernetkeys.h"
-#include "system/ifconfigoutput.h"
-#include "system/process.h"
+#include "system/output/ifconfigoutput.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
+#include "system/settings/settingskeys.h"
 #include "widgets/heading.h"
 #include "widgets/lineeditwithkeypad.h"
+#include "widgets/metrics.h"
 #include "widgets/radiobutton.h"
 
 #include <QButtonGroup>
@@ -14,7 +15,6 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int contentMargin = 29;     // px
 constexpr int editMinimumHeight = 20; // px
 constexpr int captionSpacing = 6;     // px
 constexpr int editSpacing = 4;        // px; with it both ports fit a screen 600 pixels high
@@ -64,7 +64,7 @@ RadioButton *createMode(const QString &text, const char *name, QButtonGroup *mod
 
 void BiosInterface::initEthernetPage()
 {
-    QVBoxLayout *content = createContent(contentMargin);
+    QVBoxLayout *content = createContent(Metrics::wideMargin);
     content->setSpacing(0); // the rows that a finger chooses touch each other
     createEthernetPort(0, content);
     createEthernetPort(1, content);

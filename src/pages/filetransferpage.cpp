@@ -5,7 +5,8 @@
 #include "packages/packageinstaller.h"
 #include "packages/packagerefusal.h"
 #include "packages/packagetypes.h"
-#include "system/settingskeys.h"
+#include "system/settings/settingskeys.h"
+#include "widgets/metrics.h"
 #include "widgets/radiobutton.h"
 
 #include <QDir>
@@ -15,7 +16,6 @@
 #include <QTableWidget>
 
 namespace {
-constexpr int contentMargin = 29;                // px
 constexpr int warningFontSize = 24;              // px, readable at arm's length
 constexpr char tableName[] = "show_files_table"; // of both pages that have one
 constexpr char applicationName[] = "application_radioButton";
@@ -47,7 +47,7 @@ void BiosInterface::initFileTransferPage()
     choices->addWidget(m_transfer.application);
     choices->addWidget(firmware);
     m_transfer.files = createFileTable(FileTransferPage, 2);
-    QVBoxLayout *content = createContent(contentMargin);
+    QVBoxLayout *content = createContent(Metrics::wideMargin);
     content->addLayout(choices);
     content->addWidget(m_transfer.files);
     setPageLayout(createTitleBar(tr("File Transfer"), true, true), content, page);

@@ -2,17 +2,16 @@
 
 #include "packages/filetable.h"
 #include "packages/filewalk.h"
-#include "system/filecopy.h"
+#include "system/files/filecopy.h"
 #include "system/paths.h"
-#include "system/settingskeys.h"
+#include "system/settings/settingskeys.h"
+#include "widgets/metrics.h"
 
 #include <QStackedWidget>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
 namespace {
-constexpr int contentMargin = 29; // px
-
 void installFont(const QString &path)
 {
     const QString name = path.mid(path.lastIndexOf('/') + 1);
@@ -24,7 +23,7 @@ void BiosInterface::initFontSettingPage()
 {
     m_fonts.files = createFileTable(FontPage, 1);
     m_fonts.files->setSelectionMode(QAbstractItemView::MultiSelection);
-    QVBoxLayout *content = createContent(contentMargin);
+    QVBoxLayout *content = createContent(Metrics::wideMargin);
     content->addWidget(m_fonts.files);
     setPageLayout(createTitleBar(tr("Install Fonts"), true, true), content,
                   m_pages->widget(FontPage));

@@ -1,7 +1,8 @@
 #include "shell/biosinterface.h"
 
-#include "system/displaychoices.h"
-#include "system/settingskeys.h"
+#include "system/settings/displaychoices.h"
+#include "system/settings/settingskeys.h"
+#include "widgets/metrics.h"
 #include "widgets/radiobutton.h"
 
 #include <QButtonGroup>
@@ -12,7 +13,6 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int contentMargin = 19;  // px
 constexpr int gridSpacing = 40;    // px
 constexpr int tickInterval = 1000; // ms
 
@@ -45,7 +45,7 @@ void BiosInterface::initMiscPage()
     auto *grid = new QGridLayout;
     grid->setSpacing(gridSpacing);
     createMiscRows(grid);
-    QVBoxLayout *content = createContent(contentMargin);
+    QVBoxLayout *content = createContent(Metrics::narrowMargin);
     content->addLayout(grid);
     content->addStretch();
     setPageLayout(createTitleBar(tr("Miscellaneous"), true, true), content,

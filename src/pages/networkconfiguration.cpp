@@ -1,10 +1,10 @@
 #include "shell/biosinterface.h"
 
-#include "system/atomicfile.h"
-#include "system/commandline.h"
-#include "system/ethernetkeys.h"
+#include "system/files/atomicfile.h"
 #include "system/paths.h"
-#include "system/process.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
+#include "system/settings/settingskeys.h"
 #include "system/textcodec.h"
 
 QPair<QString, QString> BiosInterface::releaseCurrenEthernetProcess()

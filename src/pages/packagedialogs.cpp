@@ -6,6 +6,7 @@
 #include "packages/packageinstaller.h"
 #include "packages/packagepicker.h"
 #include "packages/textsearch.h"
+#include "system/paths.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -15,7 +16,7 @@ void BiosInterface::updateBIOSDialog(const QString &filename)
 {
     QString path = filename;
     if (path.isEmpty()) {
-        BIOSUpdateDialog dialog("/media");
+        BIOSUpdateDialog dialog(Paths::mediaFolder);
         if (dialog.exec() == QDialog::Accepted) {
             path = dialog.selectedFile();
             if (path.isEmpty()) {

@@ -1,9 +1,11 @@
 #include "shell/biosinterface.h"
 
-#include "system/commandline.h"
-#include "system/duoutput.h"
-#include "system/ifconfigoutput.h"
-#include "system/versionfiles.h"
+#include "system/files/versionfiles.h"
+#include "system/output/ifconfigoutput.h"
+#include "system/output/tooloutput.h"
+#include "system/run/commandline.h"
+#include "system/settings/settingskeys.h"
+#include "widgets/metrics.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -11,8 +13,7 @@
 #include <QToolButton>
 
 namespace {
-constexpr int contentMargin = 19; // px
-constexpr int rowSpacing = 40;    // px
+constexpr int rowSpacing = 40; // px
 constexpr char valueNamePrefix[] = "show ";
 constexpr char captionSpacer[] = "          :     ";
 
@@ -79,7 +80,7 @@ void BiosInterface::initSystemStatusPage()
     const QList<QLabel *> values = createStatusRows(grid);
     m_status = {values.at(SizeRow), values.at(FirmwareRow), values.at(FirstPortRow),
                 values.at(SecondPortRow)};
-    QVBoxLayout *content = createContent(contentMargin);
+    QVBoxLayout *content = createContent(Metrics::narrowMargin);
     content->addLayout(grid);
     content->addStretch();
     setPageLayout(createTitleBar(tr("System Status"), true, true), content,
@@ -131,8 +132,8 @@ bool BiosInterface::loadSystemStatusSettings()
     }
     const QString version = getCurrentRuntimeVersion();
     m_status.firmwareVersion->setText(version.isEmpty() ? QString(" ") : version);
-    m_status.firstAddress->setText(hardwareAddress("eth0"));
-    m_status.secondAddress->setText(hardwareAddress("eth1"));
+    m_status.firstAddress->setText(hardwareAddress(ethernetKeys(0).interface));
+    m_status.secondAddress->setText(hardwareAddress(ethernetKeys(1).interface));
     m_status.applicationSize->setText(applicationSize());
     return true;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "system/commandline.h"
-#include "system/interfacesfile.h"
+#include "system/formats/networkfiles.h"
 #include "system/presstimer.h"
-#include "system/settingsfile.h"
-#include "system/toollimits.h"
+#include "system/run/commandline.h"
+#include "system/run/toollimits.h"
+#include "system/settings/settingsfile.h"
 #include "widgets/pagefit.h"
 
 #include <QList>

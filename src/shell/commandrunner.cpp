@@ -1,7 +1,7 @@
 #include "shell/biosinterface.h"
 
 #include "system/debugtext.h"
-#include "system/process.h"
+#include "system/run/process.h"
 
 #include <QDebug>
 #include <QProcessEnvironment>

@@ -1,7 +1,7 @@
 #include "shell/biosinterface.h"
 
-#include "system/commandline.h"
-#include "system/process.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
 #include "system/startup.h"
 #include "widgets/startingapplicationaniationbutton.h"
 

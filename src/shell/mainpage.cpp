@@ -3,6 +3,7 @@
 #include "shell/pagebuttongrid.h"
 #include "shell/pagename.h"
 #include "widgets/heading.h"
+#include "widgets/metrics.h"
 #include "widgets/settingsbutton.h"
 
 #include <QFrame>
@@ -11,7 +12,6 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int contentMargin = 29;   // px
 constexpr int spacerSize = 20;      // px
 constexpr int gridSpacing = 11;     // px
 constexpr int headingFontSize = 28; // px
@@ -57,7 +57,7 @@ void BiosInterface::initMainSettingsButtonsPage()
     connect(m_runApplication, &SettingsButton::buttonClicked, this, &BiosInterface::runApplication);
     createPageButtons();
 
-    QVBoxLayout *content = createContent(contentMargin);
+    QVBoxLayout *content = createContent(Metrics::wideMargin);
     content->addWidget(m_runApplication);
     content->addItem(
         new QSpacerItem(spacerSize, spacerSize, QSizePolicy::Minimum, QSizePolicy::Fixed));

@@ -1,10 +1,10 @@
 #include "shell/biosinterface.h"
 
-#include "system/commandline.h"
-#include "system/displaychoices.h"
-#include "system/process.h"
-#include "system/settingskeys.h"
-#include "system/xinputoutput.h"
+#include "system/output/tooloutput.h"
+#include "system/run/commandline.h"
+#include "system/run/process.h"
+#include "system/settings/displaychoices.h"
+#include "system/settings/settingskeys.h"
 
 #include <QDateTime>
 #include <QDebug>

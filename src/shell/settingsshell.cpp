@@ -3,6 +3,7 @@
 #include "inputpanel/myinputpanelcontext.h"
 #include "shell/pagename.h"
 #include "shell/shiftinglayout.h"
+#include "widgets/metrics.h"
 #include "widgets/settingsbutton.h"
 
 #include <QDebug>
@@ -19,7 +20,6 @@ constexpr char cancelName[] = "cancel";
 constexpr QSize titleBarButtonSize(100, 32);
 constexpr int titleBarButtonFontSize = 18; // px
 constexpr int titleFontSize = 20;          // px
-constexpr int labelFontSize = 24;          // px
 constexpr int touchPollInterval = 50;      // ms
 
 /// A button that no layout holds would show at the window's corner.
@@ -176,6 +176,6 @@ void BiosInterface::setWidgetWithStyle(QWidget *widget)
     palette.setColor(QPalette::WindowText, Qt::white);
     widget->setPalette(palette);
     QFont font = widget->font();
-    font.setPixelSize(labelFontSize);
+    font.setPixelSize(Metrics::captionFont);
     widget->setFont(font);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/xinputoutput.h"
+#include "system/output/tooloutput.h"
 
 #include <QtGlobal>
 

@@ -1,8 +1,6 @@
 #include "widgets/lineeditwithkeypad.h"
 
-namespace {
-constexpr int fontPixelSize = 24;
-}
+#include "widgets/metrics.h"
 
 LineEditWithKeyPad::LineEditWithKeyPad(const QString &text, QWidget *parent)
     : QLineEdit(parent)
@@ -21,7 +19,7 @@ LineEditWithKeyPad::LineEditWithKeyPad(QWidget *parent)
 void LineEditWithKeyPad::init()
 {
     QFont large = font();
-    large.setPixelSize(fontPixelSize);
+    large.setPixelSize(Metrics::captionFont);
     large.setWeight(QFont::Bold);
     setFont(large);
 }

@@ -1,5 +1,6 @@
 #include "widgets/pagefit.h"
 
+#include "widgets/metrics.h"
 #include "widgets/radiobutton.h"
 #include "widgets/settingsbutton.h"
 
@@ -14,7 +15,6 @@
 #include <algorithm>
 
 namespace {
-constexpr int fullRowHeight = 44;   // px; a finger hits it
 constexpr int smallestSpacing = 12; // px; keeps neighbours apart
 constexpr int readableFont = 16;    // px; readable at arm's length
 constexpr int fieldFrame = 4;       // px above and below the text of a list box or time editor
@@ -139,7 +139,7 @@ PageFit::PageFit(QWidget *page)
         m_full.columnSpacing = std::max(m_full.columnSpacing, layout->horizontalSpacing());
         m_full.rowSpacing = std::max(m_full.rowSpacing, layout->verticalSpacing());
     }
-    m_full.rowHeight = fullRowHeight;
+    m_full.rowHeight = Metrics::fingerHeight;
     m_full.font = page->font().pixelSize();
     m_smallestFont = (readableFont * m_full.font + smallest - 1) / smallest;
 }

@@ -1,5 +1,7 @@
 #include "widgets/touchstyle.h"
 
+#include "widgets/metrics.h"
+
 #include <QComboBox>
 #include <QDialog>
 #include <QPainter>
@@ -10,18 +12,17 @@
 #include <algorithm>
 
 namespace {
-constexpr int indicatorSize = 25;   // px; leaves an even size to the dot, as its gloss wants it
-constexpr int rowHeight = 44;       // px; a finger hits it
-constexpr int fieldHeight = 40;     // px; more has no room on the factory's test page
-constexpr int listFrame = 1;        // px around the list of a combo box
-constexpr int arrowPlaceWidth = 44; // px; at the right end of a list box, and of each spin button
+constexpr int indicatorSize = 25; // px; leaves an even size to the dot, as its gloss wants it
+constexpr int fieldHeight = 40;   // px; more has no room on the factory's test page
+constexpr int listFrame = 1;      // px around the list of a combo box
+constexpr int arrowPlaceWidth
+    = Metrics::fingerHeight; // px; at the right end of a list box, and of each spin button
 constexpr int usualArrowPlaceWidth = 20;    // px that the toolkit's own size of a list box counts
 constexpr QSize smallestButton(120, 48);    // px
 constexpr int scrollBarWidth = 28;          // px
 constexpr QMargins dialogFrame(3, 3, 3, 3); // px
-constexpr QColor dialogFrameColor(192, 104, 31); // that of the headings
-constexpr int arrowSize = 10;                    // px from the centre to the corners
-constexpr QColor chosenColor(28, 100, 175);      // dark enough for white text on it
+constexpr int arrowSize = 10;               // px from the centre to the corners
+constexpr QColor chosenColor(28, 100, 175); // dark enough for white text on it
 
 /// The two buttons of a spin box lie side by side, each as high as the box.
 QRect spinBoxRect(const QRect &box, QStyle::SubControl subControl)
@@ -56,7 +57,7 @@ int listRowHeight(const QComboBox &box, int usual)
 {
     const int room = box.screen()->geometry().height() - 2 * listFrame;
     const int most = std::max(room / std::max(box.count(), 1), box.fontMetrics().height());
-    return std::min(std::max(usual, rowHeight), most);
+    return std::min(std::max(usual, Metrics::fingerHeight), most);
 }
 
 /// A triangle around @p centre that points up or down.
@@ -87,7 +88,7 @@ void TouchStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opt
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     if (element == PE_Widget && qobject_cast<const QDialog *>(widget) != nullptr) {
-        painter->fillRect(option->rect, dialogFrameColor);
+        painter->fillRect(option->rect, Metrics::orange);
         painter->fillRect(option->rect.marginsRemoved(dialogFrame), option->palette.window());
     }
 }
@@ -171,7 +172,7 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option
     case CT_ItemViewItem:
     case CT_RadioButton:
     case CT_ToolButton:
-        return usual.expandedTo({0, rowHeight});
+        return usual.expandedTo({0, Metrics::fingerHeight});
     case CT_ComboBox:
         return usual.expandedTo({0, fieldHeight})
             + QSize(arrowPlaceWidth - usualArrowPlaceWidth, 0);

@@ -7,10 +7,9 @@
 #include "packages/packageinstaller.h"
 #include "panelfiles.h"
 #include "panelguard.h"
-#include "system/interfacesfile.h"
-#include "system/namingrules.h"
+#include "system/formats/networkfiles.h"
 #include "system/paths.h"
-#include "system/settingsfile.h"
+#include "system/settings/settingsfile.h"
 
 #include <QDir>
 #include <QTest>

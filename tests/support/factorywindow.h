@@ -1,7 +1,7 @@
 #pragma once
 
 #include "faketools.h"
-#include "system/toollimits.h"
+#include "system/run/toollimits.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "system/atomicfile.h"
+#include "system/files/atomicfile.h"
 
 #include "diskfiles.h"
 #include "faultfiles.h"

@@ -1,7 +1,7 @@
-#include "system/commandline.h"
+#include "system/run/commandline.h"
 
 #include "commandtext.h"
-#include "system/toollimits.h"
+#include "system/run/toollimits.h"
 
 #include <QTest>
 

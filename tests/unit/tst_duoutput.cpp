@@ -1,4 +1,4 @@
-#include "system/duoutput.h"
+#include "system/output/tooloutput.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
-#include "system/factorycommand.h"
+#include "system/run/factorycommand.h"
 
 #include "commandtext.h"
-#include "system/namingrules.h"
+#include "system/formats/networkfiles.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "system/filecopy.h"
+#include "system/files/filecopy.h"
 
 #include "diskfiles.h"
 #include "failingrenames.h"

@@ -1,5 +1,5 @@
-#include "system/ifconfigoutput.h"
-#include "system/process.h"
+#include "system/output/ifconfigoutput.h"
+#include "system/run/process.h"
 
 #include <QTest>
 

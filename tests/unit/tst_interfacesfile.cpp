@@ -1,7 +1,7 @@
-#include "system/interfacesfile.h"
+#include "system/formats/networkfiles.h"
 
 #include "commandtext.h"
-#include "system/commandline.h"
+#include "system/run/commandline.h"
 
 #include <QTest>
 

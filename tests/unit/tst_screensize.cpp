@@ -1,4 +1,4 @@
-#include "system/screensize.h"
+#include "system/settings/settingskeys.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "system/xinputoutput.h"
+#include "system/output/tooloutput.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "system/xrandroutput.h"
+#include "system/output/tooloutput.h"
 
 #include <QTest>
 

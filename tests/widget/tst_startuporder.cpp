@@ -5,7 +5,7 @@
 #include "faketools.h"
 #include "panelfiles.h"
 #include "panelguard.h"
-#include "system/versionfiles.h"
+#include "system/files/versionfiles.h"
 #include "widgets/settingsbutton.h"
 
 #include <QElapsedTimer>

@@ -1,12 +1,11 @@
 #include "answers.h"
 #include "checks.h"
 
-#include "system/commandline.h"
 #include "system/fontnames.h"
-#include "system/settingsfile.h"
-#include "system/settingskeys.h"
-#include "system/xinputoutput.h"
-#include "system/xrandroutput.h"
+#include "system/output/tooloutput.h"
+#include "system/run/commandline.h"
+#include "system/settings/settingsfile.h"
+#include "system/settings/settingskeys.h"
 
 #include <QRegularExpression>
 

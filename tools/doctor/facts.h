@@ -1,8 +1,8 @@
 #pragma once
 
 #include "system/paths.h"
-#include "system/process.h"
-#include "system/tools.h"
+#include "system/run/process.h"
+#include "system/run/tools.h"
 
 #include <QMap>
 #include <QSize>

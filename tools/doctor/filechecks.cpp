@@ -2,7 +2,7 @@
 #include "checks.h"
 
 #include "packages/packagecheck.h"
-#include "system/versionfiles.h"
+#include "system/files/versionfiles.h"
 
 namespace Doctor {
 namespace {

@@ -3,11 +3,11 @@
 #include "facts.h"
 #include "packages/filewalk.h"
 #include "questions.h"
-#include "system/filecopy.h"
-#include "system/settingsfile.h"
-#include "system/settingskeys.h"
+#include "system/files/filecopy.h"
+#include "system/files/versionfiles.h"
+#include "system/settings/settingsfile.h"
+#include "system/settings/settingskeys.h"
 #include "system/textcodec.h"
-#include "system/versionfiles.h"
 
 #include <QDateTime>
 #include <QDir>

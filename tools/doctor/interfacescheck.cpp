@@ -1,7 +1,7 @@
 #include "answers.h"
 #include "checks.h"
 
-#include "system/ethernetkeys.h"
+#include "system/settings/settingskeys.h"
 
 namespace Doctor {
 namespace {

@@ -1,8 +1,8 @@
 #include "answers.h"
 #include "checks.h"
 
-#include "system/ethernetkeys.h"
-#include "system/ifconfigoutput.h"
+#include "system/output/ifconfigoutput.h"
+#include "system/settings/settingskeys.h"
 
 #include <QRegularExpression>
 

@@ -1,9 +1,9 @@
 #include "questions.h"
 
-#include "system/commandline.h"
-#include "system/ethernetkeys.h"
-#include "system/factorycommand.h"
-#include "system/xinputoutput.h"
+#include "system/output/tooloutput.h"
+#include "system/run/commandline.h"
+#include "system/run/factorycommand.h"
+#include "system/settings/settingskeys.h"
 
 namespace Doctor {
 namespace {

@@ -2,12 +2,10 @@
 #include "checks.h"
 
 #include "packages/filewalk.h"
-#include "system/displaychoices.h"
-#include "system/ethernetkeys.h"
-#include "system/screensize.h"
-#include "system/settingsfile.h"
-#include "system/settingskeys.h"
-#include "system/xinputoutput.h"
+#include "system/output/tooloutput.h"
+#include "system/settings/displaychoices.h"
+#include "system/settings/settingsfile.h"
+#include "system/settings/settingskeys.h"
 
 #include <algorithm>
 

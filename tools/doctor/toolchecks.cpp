@@ -1,7 +1,7 @@
 #include "answers.h"
 #include "checks.h"
 
-#include "system/duoutput.h"
+#include "system/output/tooloutput.h"
 
 #include <QRegularExpression>
 

@@ -5,7 +5,7 @@
 #include "packageinfo.h"
 #include "report.h"
 #include "system/debugtext.h"
-#include "system/filecopy.h"
+#include "system/files/filecopy.h"
 #include "system/textcodec.h"
 
 #include <QCoreApplication>

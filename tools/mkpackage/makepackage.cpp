@@ -1,7 +1,7 @@
 #include "makepackage.h"
 
-#include "system/folderlisting.h"
-#include "system/process.h"
+#include "system/files/folderlisting.h"
+#include "system/run/process.h"
 #include "system/textcodec.h"
 
 #include <QFileInfo>

@@ -5,8 +5,8 @@
 #include "packages/packagerefusal.h"
 #include "packages/packagetypes.h"
 #include "system/debugtext.h"
+#include "system/files/versionfiles.h"
 #include "system/textcodec.h"
-#include "system/versionfiles.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "common/report.h"
 #include "options.h"
 #include "system/debugtext.h"
-#include "system/toollimits.h"
+#include "system/run/toollimits.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

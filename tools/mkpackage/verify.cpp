@@ -4,8 +4,8 @@
 #include "membercheck.h"
 #include "packages/packagecheck.h"
 #include "packages/packagetypes.h"
+#include "system/run/toollimits.h"
 #include "system/textcodec.h"
-#include "system/toollimits.h"
 #include "tarreader.h"
 
 #include <QIODevice>

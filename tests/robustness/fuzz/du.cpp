@@ -1,7 +1,7 @@
 #include "fuzz.h"
 
-#include "system/duoutput.h"
-#include "system/process.h"
+#include "system/output/tooloutput.h"
+#include "system/run/process.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

@@ -1,8 +1,8 @@
 #include "fuzz.h"
 
-#include "system/ifconfigoutput.h"
-#include "system/namingrules.h"
-#include "system/process.h"
+#include "system/formats/networkfiles.h"
+#include "system/output/ifconfigoutput.h"
+#include "system/run/process.h"
 
 #include <QStringList>
 

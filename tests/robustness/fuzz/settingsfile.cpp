@@ -1,6 +1,6 @@
 #include "fuzz.h"
 
-#include "system/settingsfile.h"
+#include "system/settings/settingsfile.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

@@ -5,7 +5,7 @@
 #include "packages/packagerefusal.h"
 #include "packages/packagetypes.h"
 #include "panelguard.h"
-#include "system/filecopy.h"
+#include "system/files/filecopy.h"
 #include "verify.h"
 
 #include <QElapsedTimer>

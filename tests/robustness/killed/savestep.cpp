@@ -5,12 +5,12 @@
 #include "packages/packageinstaller.h"
 #include "panelguard.h"
 #include "settingspage.h"
-#include "system/atomicfile.h"
-#include "system/filecopy.h"
+#include "system/files/atomicfile.h"
+#include "system/files/filecopy.h"
+#include "system/files/versionfiles.h"
 #include "system/paths.h"
-#include "system/settingsfile.h"
+#include "system/settings/settingsfile.h"
 #include "system/startup.h"
-#include "system/versionfiles.h"
 
 #include <QAbstractButton>
 #include <QApplication>

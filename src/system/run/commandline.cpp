@@ -1,7 +1,15 @@
-#include "system/commandline.h"
+#include "system/run/commandline.h"
 
 #include "system/paths.h"
-#include "system/tools.h"
+#include "system/run/tools.h"
+#include "system/settings/settingskeys.h"
+
+namespace {
+QString applicationPath(const char *below)
+{
+    return QString(Paths::applicationFolder) + QLatin1String(below);
+}
+} // namespace
 
 Command startPauseCommand()
 {
@@ -80,7 +88,7 @@ Command obtainLeaseCommand(const QString &interface)
 
 Command releaseLeaseCommand()
 {
-    return toolCommand(Tool::Dhclient, {"eth0", "-r"});
+    return toolCommand(Tool::Dhclient, {ethernetKeys(0).interface, "-r"});
 }
 
 Command runtimeCommand()
@@ -95,7 +103,7 @@ Command unpackCommand(const QString &path)
 
 Command removeOldApplicationCommand()
 {
-    return toolCommand(Tool::Rm, {"-rf", "/home/dest/compile"});
+    return toolCommand(Tool::Rm, {"-rf", applicationPath("/compile")});
 }
 
 Command removeOldFirmwareCommand()
@@ -110,5 +118,5 @@ Command syncCommand()
 
 Command applicationSizeCommand()
 {
-    return toolCommand(Tool::Du, {"-h", "/home/dest/"});
+    return toolCommand(Tool::Du, {"-h", applicationPath("/")});
 }

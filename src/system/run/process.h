@@ -1,7 +1,7 @@
 #pragma once
 
-#include "system/command.h"
-#include "system/toollimits.h"
+#include "system/run/command.h"
+#include "system/run/toollimits.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/command.h"
+#include "system/run/command.h"
 
 #include <QDateTime>
 

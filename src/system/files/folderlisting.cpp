@@ -1,4 +1,4 @@
-#include "system/folderlisting.h"
+#include "system/files/folderlisting.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

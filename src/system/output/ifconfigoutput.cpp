@@ -1,4 +1,4 @@
-#include "system/ifconfigoutput.h"
+#include "system/output/ifconfigoutput.h"
 
 #include <QRegularExpression>
 

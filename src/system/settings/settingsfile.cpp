@@ -1,4 +1,4 @@
-#include "system/settingsfile.h"
+#include "system/settings/settingsfile.h"
 
 #include "system/textcodec.h"
 

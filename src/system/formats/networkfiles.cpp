@@ -1,6 +1,11 @@
-#include "system/interfacesfile.h"
+#include "system/formats/networkfiles.h"
 
 namespace {
+constexpr char ruleTemplate[]
+    = R"(SUBSYSTEM=="net", ACTION=="add", DRIVERS=="?*", ATTR{address}=="%1", ATTR{dev_id}=="0x0", )"
+      R"(ATTR{type}=="1", KERNEL=="eth*", NAME="eth%2")";
+constexpr char ruleEnd[] = " \n   ";
+
 QString portStanza(int number, const PortSetup &port)
 {
     const QString name = QString::number(number);
@@ -25,4 +30,16 @@ QString interfacesFileText(const PortSetups &ports)
         text += portStanza(number, ports[size_t(number)]);
     }
     return text;
+}
+
+QString interfaceNamingRules(QStringList hardwareAddresses)
+{
+    hardwareAddresses.sort();
+    QString rules;
+    for (qsizetype index = 0; index < hardwareAddresses.size(); ++index) {
+        // Both at once: an address may hold anything, a place holder too.
+        rules += QString(ruleTemplate).arg(hardwareAddresses.at(index), QString::number(index));
+        rules += QLatin1String(ruleEnd);
+    }
+    return rules;
 }

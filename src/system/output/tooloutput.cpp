@@ -1,6 +1,7 @@
-#include "system/xinputoutput.h"
+#include "system/output/tooloutput.h"
 
 #include <QList>
+#include <QStringList>
 #include <QStringView>
 
 namespace {
@@ -18,6 +19,20 @@ QStringView firstLineWith(const QString &text, QLatin1String part)
 }
 } // namespace
 
+QString connectedOutputName(const QString &xrandrOutput)
+{
+    QStringView name;
+    for (const QStringView line : QStringView(xrandrOutput).split('\n')) {
+        if (line.isEmpty()) {
+            break;
+        }
+        if (line.contains(QLatin1String(" connected "))) { // blanks: not "disconnected"
+            name = line.left(line.indexOf(' '));
+        }
+    }
+    return name.toString();
+}
+
 QString touchDeviceName(const QString &deviceList)
 {
     return firstLineWith(deviceList, touchControllerName).toString();
@@ -31,4 +46,11 @@ TouchState firstButtonState(const QString &deviceState)
     }
     const QString state = line.split('=').at(1).toString().simplified();
     return state == QLatin1String("up") ? TouchState::Up : TouchState::Down;
+}
+
+QString diskUsageTotal(const QString &duOutput)
+{
+    const QStringList lines = duOutput.split('\n');
+    // the output ends with a line end, so the last part is behind it
+    return lines.size() < 2 ? QString() : lines.at(lines.size() - 2).section('\t', 0, 0);
 }

@@ -1,4 +1,4 @@
-#include "system/atomicfile.h"
+#include "system/files/atomicfile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "system/tools.h"
+#include "system/run/tools.h"
 
 Command toolCommand(Tool tool, const QStringList &arguments)
 {

@@ -1,4 +1,4 @@
-#include "system/process.h"
+#include "system/run/process.h"
 
 #include <QDeadlineTimer>
 #include <QProcess>

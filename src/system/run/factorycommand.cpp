@@ -1,7 +1,7 @@
-#include "system/factorycommand.h"
+#include "system/run/factorycommand.h"
 
 #include "system/paths.h"
-#include "system/tools.h"
+#include "system/run/tools.h"
 
 #include <QRegularExpression>
 

@@ -1,4 +1,4 @@
-#include "system/versionfiles.h"
+#include "system/files/versionfiles.h"
 
 #include "system/paths.h"
 #include "system/textcodec.h"
