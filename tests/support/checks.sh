@@ -1,5 +1,5 @@
-# Shared by tests that are scripts. Sourced with $root and $build set; $work is a folder for them,
-# $failures what went wrong.
+# Functions for test scripts. The script sets $root and $build before it sources this file. $work is
+# a folder for its files; $failures collects the failures.
 # shellcheck shell=bash
 
 work=$(mktemp -d)

@@ -4,7 +4,7 @@
 
 #include <QTest>
 
-/// A command as QCOMPARE shows it: tool and arguments, each in brackets.
+/// Lets QCOMPARE print a command: tool and arguments, each in brackets.
 inline char *toString(const Command &command)
 {
     const QStringList words = QStringList{command.tool} + command.arguments;

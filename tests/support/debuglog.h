@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-/// Collects every line of the debug channel while it lives. One at a time.
+/// Collects every line of the debug channel during its lifetime. Only one may exist at a time.
 class DebugLog
 {
 public:
@@ -10,6 +10,6 @@ public:
     ~DebugLog();
     Q_DISABLE_COPY_MOVE(DebugLog)
 
-    /// The debug lines so far, in order. Warnings and worse are not among them.
+    /// The debug lines so far, in order, without warnings and errors.
     QStringList lines() const;
 };

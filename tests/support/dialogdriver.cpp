@@ -6,7 +6,7 @@
 
 namespace {
 constexpr int lookInterval = 20;      // ms
-constexpr int longestOpenTicks = 150; // of that interval
+constexpr int longestOpenTicks = 150; // intervals
 } // namespace
 
 DialogDriver::DialogDriver(std::function<void(QDialog &)> user)

@@ -6,15 +6,15 @@
 
 #include <functional>
 
-/// Does what the user does in each dialog that the program runs modally while this lives. A
-/// dialog that is open all the same some seconds later is rejected, so that the test goes on.
+/// Acts as the user of each modal dialog during its lifetime. A dialog that is still open after
+/// 3 s is rejected, so that the test continues.
 class DialogDriver
 {
 public:
     /// @p user is called once for each dialog, when it is shown.
     explicit DialogDriver(std::function<void(QDialog &)> user);
 
-    /// How many dialogs were shown.
+    /// The number of dialogs so far.
     int count() const { return m_count; }
 
 private:

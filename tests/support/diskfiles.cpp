@@ -8,7 +8,7 @@
 #include <fstream>
 #include <sstream>
 
-// Of the standard library, because the toolkit's own files change names that are not UTF-8.
+// Uses the standard library, because QFile cannot open names that are not UTF-8.
 
 namespace {
 std::filesystem::path bytePath(const QByteArray &path)

@@ -11,5 +11,5 @@ ToolRun runDoctor(const QStringList &arguments = {});
 /// The lines of @p report that are not ok.
 QByteArrayList complaintsIn(const QByteArray &report);
 
-/// Shell text of an ifconfig of today.
+/// Shell text that prints what a current ifconfig prints.
 extern const char todaysIfconfig[];

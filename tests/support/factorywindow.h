@@ -9,16 +9,17 @@ class QPushButton;
 class QWidget;
 class SoftwareSetup;
 
-/// What both echo tests send behind their own fields, and what they print behind the echo.
+/// The end of the text that both echo tests send, and the verdicts that follow the echo.
 inline const QString alphabet = "1234567890abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 inline const QString okLines = '\n' + QString(38, '-') + "\nTest Ok!";
 inline const QString failLines = '\n' + QString(38, '-') + "\nTest Fail!";
 
-/// The factory window, worked by clicks. Its pauses are real once it is built.
+/// The factory window. Tests operate it by clicks. Its pauses are real, except those of its start.
 class FactoryWindow
 {
 public:
-    /// Puts stand-ins for the tools of its start on PATH, and for @p tools.
+    /// Puts stand-ins for @p tools and for the tools of the start on PATH. @p limits are those of
+    /// the window.
     explicit FactoryWindow(const QStringList &tools = {}, const ToolLimits &limits = {});
     ~FactoryWindow();
     Q_DISABLE_COPY_MOVE(FactoryWindow)
@@ -26,17 +27,17 @@ public:
     SoftwareSetup *window() const;
     const FakeTools &tools() const;
 
-    /// What the rows of the setup page (0) or the test page (1) lie on.
+    /// The widget that holds the rows of the setup page (0) or the test page (1).
     QWidget *page(int index) const;
 
     /// The recorded runs since the window was built.
     QStringList calls() const;
 
-    /// The button with this text; of several the one with this number.
+    /// The button with this text. @p number counts buttons with the same text from 0.
     QPushButton *button(const QString &text, int number = 0) const;
     void click(const QString &text, int number = 0) const;
 
-    /// All text that the port tests printed so far.
+    /// The text that the port tests have printed so far.
     QString result() const;
 
     /// Destroys the window.

@@ -31,7 +31,7 @@ UntypedListings::~UntypedListings()
     untyped = false;
 }
 
-// Called in place of the C library's.
+// The program calls these instead of the C library's.
 extern "C" dirent *readdir(DIR *folder)
 {
     if (entriesLeft == 0) {

@@ -2,9 +2,8 @@
 
 #include <QtGlobal>
 
-/// While this lives, every listing of a folder fails once @p entries entries have been read in
-/// all, as it does where a stick was pulled out. A test program that uses it lists folders
-/// through a function of its own.
+/// During its lifetime, every listing of a folder fails after @p entries entries in total, as on a
+/// stick that was pulled. A test program that uses it has a readdir() of its own.
 class FailingListings
 {
 public:
@@ -13,7 +12,7 @@ public:
     Q_DISABLE_COPY_MOVE(FailingListings)
 };
 
-/// While this lives, listings say of no entry what it is, as those of some file systems do.
+/// During its lifetime, listings do not contain the types of entries, as on some file systems.
 class UntypedListings
 {
 public:

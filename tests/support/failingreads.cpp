@@ -32,7 +32,7 @@ FailingReads::~FailingReads()
     failingFrom = -1;
 }
 
-// The toolkit's library calls this in place of the C library's.
+// QFile calls this one instead of the C library's.
 extern "C" ssize_t read(int descriptor, void *bytes, size_t size)
 {
     if (shallFail(descriptor)) {

@@ -2,8 +2,8 @@
 
 #include <QtGlobal>
 
-/// While this lives, every read of a plain file from @p offset bytes on fails, as it does where a
-/// stick was pulled out. A test program that uses it reads through a function of its own.
+/// During its lifetime, every read of a plain file fails at @p offset bytes or later, as on a stick
+/// that was pulled. A test program that uses it has a read() of its own.
 class FailingReads
 {
 public:

@@ -40,7 +40,7 @@ FailingRenames::~FailingRenames()
     current = {};
 }
 
-// The program calls these in place of the C library's.
+// The program calls these instead of the C library's.
 extern "C" {
 int renameat2(int, const char *from, int, const char *to, unsigned flags)
 {

@@ -2,16 +2,16 @@
 
 #include <QtGlobal>
 
-/// Errors of the calls that give a file a name, numbers of errno; 0: the call works.
+/// Errors of the calls that name a file, as errno values; 0 means that the call works.
 struct RenameErrors
 {
-    int renameToNew = 0; ///< of renameat2() with a flag, which some file systems do not know
+    int renameToNew = 0; ///< renameat2() with a flag, which some file systems lack
     int link = 0;
     int rename = 0;
 };
 
-/// While this lives, renaming fails as on a file system that lacks something. A test program that
-/// uses it renames through functions of its own.
+/// During its lifetime, renaming fails as on a file system with missing features. A test program
+/// that uses it has rename functions of its own.
 class FailingRenames
 {
 public:

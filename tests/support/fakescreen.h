@@ -2,8 +2,8 @@
 
 #include <QRect>
 
-/// A second screen of the test process, plugged in for as long as this lives. The toolkit is told
-/// of it in the way in which its display connection tells it; no server is involved.
+/// A second screen, plugged in during the lifetime of this object. Only Qt in this process knows of
+/// it, through the interface that its platform plugin uses; the X server does not.
 class FakeScreen
 {
 public:
@@ -11,13 +11,13 @@ public:
     ~FakeScreen();
     Q_DISABLE_COPY_MOVE(FakeScreen)
 
-    /// Changes the size or place of the screen, as a change of its mode does.
+    /// Changes the size or place of the screen, like a change of its mode.
     void setGeometry(const QRect &geometry) const;
 
 private:
     class PlatformScreen;
-    PlatformScreen *m_screen; ///< the toolkit owns it
+    PlatformScreen *m_screen; ///< owned by Qt
 };
 
-/// Gives the test's first screen another size, as a change of its mode does.
+/// Changes the size of the primary screen, like a change of its mode.
 void setPrimaryScreenSize(QSize size);

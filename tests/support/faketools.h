@@ -3,8 +3,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-/// Stand-ins for tools, first on PATH while this lives. Each records its arguments and then does
-/// what it was told to, at first nothing.
+/// Stand-ins for tools, first on PATH during the lifetime of this object. A stand-in records its
+/// arguments and then runs its body, which is empty at first.
 class FakeTools
 {
 public:
@@ -15,11 +15,11 @@ public:
     /// Makes the tool @p name run the shell text @p body after it has recorded its arguments.
     void setBody(const QString &name, const QString &body) const;
 
-    /// The recorded runs of all tools in order, one text each: the name, then the arguments,
-    /// each in brackets: "xset [s] [600]".
+    /// The recorded runs of all tools in order. Each is the name and then the arguments in
+    /// brackets: "xset [s] [600]".
     QStringList calls() const;
 
-    /// Starts the record of the runs anew.
+    /// Clears the record.
     void forgetCalls() const;
 
 private:

@@ -42,7 +42,7 @@ FaultFile::FaultFile(const QString &kind)
     } else if (kind == "folder missing") {
         m_path = m_folder.filePath("missing/file");
     } else if (kind == "full file system") {
-        m_path = "/dev/full"; // takes no byte: no space left on device
+        m_path = "/dev/full"; // every write fails with ENOSPC
     } else if (kind == "read-only file system") {
         m_path = "/sys/kernel/file";
     } else if (kind != "missing") {

@@ -4,9 +4,9 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// A path at which reading or writing fails in one of several ways, for as long as this lives.
-/// Root passes over permissions, so with "no permission" the test process acts as an ordinary
-/// user on files meanwhile.
+/// A path where reading or writing fails in one of several ways, while this object lives.
+/// Permissions do not stop root, so with "no permission" the test process accesses files as an
+/// ordinary user meanwhile.
 class FaultFile
 {
 public:
@@ -17,7 +17,7 @@ public:
 
     QString path() const;
 
-    /// What root finds in the file; empty if it is no ordinary file.
+    /// Content of the file, read as root; empty if it is not an ordinary file.
     QByteArray content() const;
 
 private:
@@ -25,7 +25,7 @@ private:
     QString m_path;
 };
 
-/// A file system of little room in place of the folder at @p path, for as long as this lives.
+/// A small file system over the folder at @p path, during the lifetime of this object.
 class SmallDisk
 {
 public:

@@ -3,23 +3,23 @@
 #include "facts.h"
 
 namespace Doctor {
-/// What talmero-doctor gathers on a panel to which nothing is wrong.
+/// What talmero-doctor gathers on a healthy panel.
 Facts healthyFacts();
 
-/// Answers to @p question: it ends with @p status and writes these texts.
+/// Sets the answer to @p question: the exit status and the output of the tool.
 void answer(Facts &facts, Question question, const QByteArray &output,
             const QByteArray &errors = {}, int status = 0);
 
-/// The same of a tool that does not end by itself.
+/// Sets the answer of a tool that did not end by itself.
 void fail(Facts &facts, Question question, ToolResult::End end);
 
-/// Takes the tool away.
+/// Removes the tool.
 void removeTool(Facts &facts, Tool tool);
 
-/// Puts the plain file @p path with @p content there.
+/// Adds the plain file @p path with @p content.
 void putFile(Facts &facts, const QString &path, const QByteArray &content);
 
-/// One thing that is wrong, and all that the checks say of it.
+/// A fault and all complaints of the checks about it.
 struct BrokenThing
 {
     const char *name;
@@ -30,10 +30,10 @@ struct BrokenThing
 /// Test rows with a column "index", one for each of @p things.
 void addBrokenThings(const QList<BrokenThing> &things);
 
-/// Whether the checks say of @p thing what they should, and nothing else; every complaint must
-/// have an advice. Result: what they say instead; empty if that is right.
+/// Compares the complaints of the checks about @p thing with those expected. Each must have an
+/// advice. Result: empty if all is right, otherwise what the checks say.
 QString judgeBrokenThing(const BrokenThing &thing);
 
-/// What the checks complain of, "error subject: found".
+/// The complaints of the checks, as "error subject: found".
 QStringList complaints(const Facts &facts);
 } // namespace Doctor

@@ -1,5 +1,5 @@
-// Part of the program in builds that count which lines run. It is ended from outside there, and
-// counters are written at an end of its own alone.
+// Part of the program in coverage builds only. Tests end the program by a signal, but the counters
+// are written only when it exits by itself.
 
 #include <csignal>
 

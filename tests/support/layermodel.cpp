@@ -19,7 +19,7 @@ const QColor dark(0, 0, 0, 30);
 
 QRect between(int left, int top, int right, int bottom)
 {
-    // The toolkit paints a rectangle that is inside out as if it were turned over.
+    // QPainter normalizes a rectangle of negative width or height.
     return QRect(QPoint(left, top), QPoint(right, bottom)).normalized();
 }
 } // namespace
@@ -171,7 +171,7 @@ void LayerModel::addLinear(const QRect &area, QPointF start, QPointF end,
     for (int y = area.top(); y <= area.bottom(); ++y) {
         for (int x = area.left(); x <= area.right(); ++x) {
             const QPointF centre(x + 0.5, y + 0.5);
-            // A gradient without length is its first colour.
+            // A gradient of length 0 has its first colour everywhere.
             const double at = length > 0 ? QPointF::dotProduct(centre - start, way) / length : 0;
             blend(x, y, colorAt(stops, at));
         }

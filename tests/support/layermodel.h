@@ -7,11 +7,11 @@
 
 class QWidget;
 
-/// What @p widget paints itself, in its own size, over cyan, a colour that no widget uses.
+/// Picture of @p widget over cyan, a colour that no widget uses.
 QImage paintedImage(QWidget &widget);
 
-/// What the painted widgets should look like, computed pixel by pixel from the gradients without
-/// any painter. Layers are laid over each other in the order of the calls.
+/// The expected picture of a painted widget, computed pixel by pixel from the gradients, without
+/// QPainter. Each call lays another layer on top.
 class LayerModel
 {
 public:
@@ -23,14 +23,14 @@ public:
     void addRadialGradient(const QRect &rect);
     void addHighlight(const QRect &rect);
 
-    /// The first pixel of @p image that is not as computed, as a text; empty if there is none.
-    /// A difference of 2 of 255 is rounding. Pixels in @p except are not looked at.
+    /// Text about the first pixel of @p image that differs from the model; empty if there is none.
+    /// Accepts differences of up to 2 of 255, which are rounding. Ignores pixels in @p except.
     QString difference(const QImage &image, const QRect &except = {}) const;
 
 private:
     struct Pixel
     {
-        double red = 0; ///< the colours are premultiplied, 0 to 255
+        double red = 0; ///< premultiplied colours, 0 to 255
         double green = 0;
         double blue = 0;
         double alpha = 0;

@@ -4,9 +4,9 @@
 #include <QByteArrayList>
 #include <QString>
 
-/// The examples of the manual page at @p path, a path in the source tree, each as a reader sees it
-/// and with a line end.
+/// The examples in the manual page at @p path, relative to the source tree. Each is the text
+/// that a reader sees, with a line end.
 QByteArrayList examplesOfManualPage(const QByteArray &path);
 
-/// Shell text that runs @p example where @p program is installed.
+/// Shell text that runs @p example as if @p program were installed.
 QString withProgram(const QString &program, const QByteArray &example);

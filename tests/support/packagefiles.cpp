@@ -97,8 +97,7 @@ void resetInstalledFiles()
 
 QStringList installedState()
 {
-    // Folders of the test program itself come and go, and so does what the checkout holds, which
-    // may lie below /tmp.
+    // Ignores folders of the test program itself, and the checkout, which may lie below /tmp.
     const QByteArray lines = shellBytes(
         "cd /; in='home opt/talmero/bios tmp outside homde media etc/passwd';"
         "own=$(dirname '" PANEL_SIMULATOR "');"

@@ -7,19 +7,19 @@
 #include <QString>
 #include <QStringList>
 
-// Package files, and what installing them changes on the panel.
+// Package files, and the files that an installation changes on the panel.
 
-/// Short names for the rows of tables.
+/// Short names for data rows.
 namespace Kinds {
 inline constexpr PackageKind application = PackageKind::Application;
 inline constexpr PackageKind firmware = PackageKind::Firmware;
 inline constexpr PackageKind biosImage = PackageKind::BiosImage;
 } // namespace Kinds
 
-/// A package is written here.
+/// Path of the package that tests write.
 inline constexpr char packagePath[] = "/media/usb0/package";
 
-/// Another folder for temporary files for as long as this lives.
+/// Replaces the folder for temporary files during its lifetime.
 class TemporaryFolder
 {
 public:
@@ -28,7 +28,7 @@ public:
     Q_DISABLE_COPY_MOVE(TemporaryFolder)
 };
 
-/// A gzip-compressed tar archive of what the shell text @p script makes in an empty folder.
+/// Runs the shell text @p script in an empty folder. Result: a tar.gz archive of the folder.
 QByteArray archiveOf(const QString &script);
 
 /// An archive with "compile/new", "both" and an executable "bin/run".
@@ -37,38 +37,37 @@ const QByteArray &smallArchive();
 /// An archive with a "bios.version" of 4 and a "program".
 const QByteArray &biosArchive();
 
-/// An archive with "a", "b" and "c" that takes 300,000 bytes, packed and unpacked.
+/// An archive with "a", "b" and "c". It has 300,000 bytes, packed and unpacked.
 const QByteArray &largeArchive();
 
 /// The files in a package: names, with folders, and contents.
 using PackageMembers = QMap<QByteArray, QByteArray>;
 
-/// A package file: its header, then @p archive.
+/// A package file: the header and @p archive.
 QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target,
                         const QByteArray &archive);
 
-/// A whole package file: the header, and behind it what the system's tar makes of @p members.
+/// A package file: the header and a tar archive of @p members.
 QByteArray packageBytes(PackageKind kind, quint32 version, const QString &target,
                         const PackageMembers &members);
 
-/// Makes such a package at @p path, and the folders that it lies in.
+/// Writes such a package to @p path. Creates its folders.
 void writePackage(const QByteArray &path, PackageKind kind, quint32 version, const QString &target,
                   const PackageMembers &members = {});
 
-/// Writes a package and installs it with installPackage(). The test fails unless that gives
-/// @p expected.
+/// Writes a package and calls installPackage(). The test fails unless the result is @p expected.
 void install(PackageKind kind, quint32 version, const QString &target, const QByteArray &archive,
              int expected);
 
 bool fileExists(const QString &path);
 
-/// Puts a panel with an application in place, of the model RV-K21T, the OEM TALMERO, the runtime
-/// version 12 and the BIOS version 3. Files that must not be touched are in "/outside".
+/// Restores a panel with an application: model RV-K21T, OEM TALMERO, runtime version 12, BIOS
+/// version 3. "/outside" holds files that an installation must not change.
 void resetInstalledFiles();
 
-/// Everything that an installation may touch, and what it must not touch: one line per entry and
-/// one per content.
+/// All files that an installation may change, and "/outside": one line per entry and one per
+/// content.
 QStringList installedState();
 
-/// The temporary files that the test program has left behind.
+/// Temporary files that the test program has left.
 QStringList temporaryFiles();

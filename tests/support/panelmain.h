@@ -6,7 +6,7 @@
 #include <QApplication>
 #include <QTest>
 
-/// QTEST_MAIN for tests that need the program's own input method.
+/// QTEST_MAIN with the input method of the program.
 #define PANEL_QTEST_MAIN(TestClass)                                                                \
     int main(int argc, char *argv[])                                                               \
     {                                                                                              \

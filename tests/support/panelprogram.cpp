@@ -29,7 +29,7 @@ PanelProgram::PanelProgram(const QStringList &arguments)
 PanelProgram::~PanelProgram()
 {
 #ifdef PANEL_COVERAGE
-    m_process.terminate(); // lets it write its counters
+    m_process.terminate(); // it writes its coverage counters when it exits
     m_process.waitForFinished(endLimit);
 #endif
     m_process.kill();

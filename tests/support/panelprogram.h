@@ -5,7 +5,7 @@
 #include <QProcess>
 #include <QStringList>
 
-/// The real program, running on the panel's display for as long as this lives.
+/// The real program on the display of the panel, during the lifetime of this object.
 class PanelProgram
 {
 public:
@@ -15,10 +15,10 @@ public:
 
     bool isRunning() const;
 
-    /// Waits for the end for at most 10 s. Result: the exit status; -1 for a crash or no end.
+    /// Waits up to 10 s for the end. Result: the exit status; -1 after a crash or without an end.
     int waitForEnd();
 
-    /// What the program wrote to its standard error, on which the debug channel is, so far.
+    /// Standard error of the program so far, which includes the debug channel.
     QString errorText();
 
 private:
@@ -26,24 +26,23 @@ private:
     QString m_errorText;
 };
 
-/// A picture of the panel's whole screen.
+/// A picture of the whole screen.
 QImage screenImage();
 
 /// Colour of one pixel of the screen.
 QColor screenColor(QPoint at);
 
-/// Touches the panel at @p at for a moment, through the driver of its touch device.
+/// Taps the panel at @p at, through the driver of its touch device.
 void tapScreen(QPoint at);
 
 /// Puts the finger on the panel at @p at and leaves it there.
 void putFingerDown(QPoint at);
 
-/// Moves the finger, which is on the panel, to @p to.
+/// Moves the finger on the panel to @p to.
 void moveFinger(QPoint to);
 
-/// Takes the finger off the panel.
+/// Lifts the finger.
 void liftFinger();
 
-/// Runs a tool and gives back what it writes to standard output. The test program ends if the
-/// tool fails.
+/// Runs a tool. Result: its standard output. The test program ends if the tool fails.
 QString toolOutput(const QStringList &command);

@@ -20,7 +20,7 @@ struct ShownList
     int rowHeight = 0; ///< px; 0 if no such list is shown
 };
 
-/// The list with so many rows: a window that is as high as that many rows and a frame.
+/// Finds the list with @p rows rows, by the height of its window.
 ShownList shownList(int rows)
 {
     static const QRegularExpression line(
@@ -38,7 +38,7 @@ ShownList shownList(int rows)
 constexpr int transferRowHeight = 45;
 constexpr int firstTransferRow = 143;
 
-/// The bar of a chosen row is a gradient of blues; nothing else on the pages is blue.
+/// The bar of a chosen row is blue; nothing else on the pages is.
 bool isBlue(const QColor &color)
 {
     return color.red() < 90 && color.blue() > 170;
@@ -101,7 +101,7 @@ int shownCount()
 
 QRect programWindow()
 {
-    // Lists and the keypad are windows of the same class, but lie above.
+    // Lists and the keypad are windows of the same class, but above this one.
     const QRegularExpression line(
         "\\(\"talmero-bios\" \"talmero-bios\"\\) +([0-9]+)x([0-9]+)\\+[-0-9]+\\+[-0-9]+ "
         "+\\+(-?[0-9]+)\\+(-?[0-9]+)");
@@ -128,7 +128,7 @@ QRect dialogPlace(const QString &title)
 
 QString shownBrightness()
 {
-    // By its path: a recording stand-in of a test is not to see this.
+    // The full path bypasses a stand-in of the test.
     return QRegularExpression("Brightness: ([0-9.]+)")
         .match(toolOutput({"/usr/bin/xrandr", "--verbose"}))
         .captured(1);
@@ -137,11 +137,11 @@ QString shownBrightness()
 void openMainPage()
 {
     if (!QTest::qWaitFor([] { return shownCount() >= 0; }, startLimit)) {
-        qFatal("there is no countdown");
+        qFatal("the countdown does not appear");
     }
     tapScreen(countDownButton);
     if (!QTest::qWaitFor(showsMainPage, startLimit)) {
-        qFatal("the countdown does not lead to the main page");
+        qFatal("a touch of the countdown does not open the main page");
     }
 }
 

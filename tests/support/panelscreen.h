@@ -10,9 +10,9 @@
 class PanelProgram;
 class QImage;
 
-// What a test sees on the panel's screen of 800x600, and where it touches it.
+// Finds and touches things on the panel's screen of 800x600.
 
-inline constexpr int startLimit = 15000; // ms until the first window, however slow the machine is
+inline constexpr int startLimit = 15000; // ms until the first window on a slow machine
 
 inline constexpr QPoint countDownButton(400, 450);
 inline constexpr QPoint cancelButton(50, 16);
@@ -29,8 +29,8 @@ inline constexpr PageButton pageButtons[] = {
     {"System Status", {150, 522}}, {"Miscellaneous", {400, 522}}, {"Calibration", {650, 522}},
 };
 
-/// What xwininfo prints when called with @p arguments; nothing if there is no such window. It fails
-/// where another window vanishes while it looks, so it gets further tries then.
+/// Output of xwininfo with @p arguments; empty if there is no such window. xwininfo fails if any
+/// window vanishes while it runs, so this function tries again.
 QString windowInfo(const QStringList &arguments);
 
 /// Whether a pixel of @p area in @p image has exactly this colour.
@@ -42,23 +42,23 @@ bool showsMainPage();
 /// Whether a page with Cancel and OK in its title bar is on the screen.
 bool showsSettingsPage();
 
-/// The count whose colour the countdown's ring on the screen has, -1 if there is no ring.
+/// The count that the colour of the ring stands for; -1 if there is no ring on the screen.
 int shownCount();
 
-/// Where the program's window is on the screen; nothing if there is none.
+/// Place of the program's window on the screen; empty if there is none.
 QRect programWindow();
 
-/// Where the dialog with this title is on the screen; nothing if it is not shown.
+/// Place of the dialog with this title on the screen; empty if it is not shown.
 QRect dialogPlace(const QString &title);
 
-/// The brightness of the display as xrandr prints it, for example "0.50".
+/// Brightness of the display as xrandr prints it, for example "0.50".
 QString shownBrightness();
 
-/// Waits for the countdown and touches it, then waits for the main settings page. The test
-/// program ends if one of them does not come.
+/// Waits for the countdown, touches it and waits for the main settings page. The test program ends
+/// if one of them does not appear.
 void openMainPage();
 
-/// Opens the list of the combo box at @p box, which has so many rows, and taps a row of it.
+/// Opens the list of the combo box at @p box, which has @p rows rows, and taps one of them.
 void chooseRow(QPoint box, int rows, int row);
 
 // The file transfer page, and the way to a page and back.
@@ -70,7 +70,7 @@ inline constexpr QPoint firmwareChoice(490, 92);
 /// A place on a row of the page's list.
 QPoint transferRow(int row);
 
-/// Whether the row at this place, of this page or of another one with a list, is chosen.
+/// Whether the row at this place is chosen. Works on any page with a list.
 bool isChosen(QPoint row);
 
 /// Taps a row and waits until it is chosen.
@@ -78,11 +78,11 @@ void choose(QPoint row);
 
 bool showsDialog(const QString &title);
 
-/// Closes the box that tells why nothing was installed, and waits for the main page.
+/// Closes the box with the reason why nothing was installed, and waits for the main page.
 void acceptWarning(const QString &title);
 
-/// Starts the program, goes to the main page and opens a page by its button there. The test
-/// program ends if it does not come.
+/// Starts the program, opens the main page and taps the button of a page there. The test program
+/// ends if the page does not open.
 std::unique_ptr<PanelProgram> startAtPage(QPoint button);
 
 /// Taps a button of the page and waits for the main page.

@@ -12,12 +12,12 @@
 
 namespace {
 constexpr int dragStep = 10;     // px
-constexpr int dragInterval = 10; // ms between the steps: a flick would go on behind the finger
-constexpr int restTime = 120;    // ms at the end of a drag, for the same reason
+constexpr int dragInterval = 10; // ms between the steps; a faster drag is a flick, which scrolls on
+constexpr int restTime = 120;    // ms of rest before the lift, for the same reason
 
 void activate(QWidget *window)
 {
-    window->activateWindow(); // nothing manages the windows here
+    window->activateWindow(); // there is no window manager
     if (!QTest::qWaitForWindowActive(window)) {
         qFatal("the window does not get the focus");
     }
@@ -56,7 +56,7 @@ bool SettingsPage::hasTitle(const QString &title) const
         || buttons.at(2)->objectName() != QLatin1String("ok")) {
         return false;
     }
-    // A button does not tell its text, but one with the same text looks the same.
+    // SettingsButton has no getter for its text, so compare it with a button of the expected text.
     SettingsButton same(title);
     same.setFont(buttons.at(1)->font());
     same.setPressEnabled(false);

@@ -7,15 +7,15 @@
 
 #include <memory>
 
-/// The settings window with one of its pages open, worked by clicks.
+/// The settings window with one of its pages open. Tests operate it by clicks.
 class SettingsPage
 {
 public:
     enum Start { OpensPage, StaysClosed };
 
-    /// Makes @p settings the settings file, shows the window and opens the page of the button named
-    /// @p buttonName, "label:index", unless @p start says that the test does so itself.
-    /// @p limits says how long tools are waited for.
+    /// Writes @p settings to the settings file, shows the window and opens the page of the button
+    /// @p buttonName, "label:index", unless @p start is StaysClosed. @p limits are those of the
+    /// window.
     SettingsPage(const QString &buttonName, const QByteArray &settings, Start start = OpensPage,
                  const ToolLimits &limits = {});
 
@@ -23,13 +23,13 @@ public:
     QWidget *page() const;
     QTableWidget *table() const { return page()->findChild<QTableWidget *>(); }
 
-    /// Whether the title bar has Cancel and OK and between them this title.
+    /// Whether the title bar has Cancel, this title and OK.
     bool hasTitle(const QString &title) const;
 
     /// Opens the page from the main page.
     void open() const;
 
-    /// Leaves the page by the title bar's button @p name, "ok" or "cancel".
+    /// Taps the button @p name of the title bar, "ok" or "cancel".
     void leave(const char *name) const;
 
 private:
@@ -37,7 +37,7 @@ private:
     std::unique_ptr<BiosInterface> m_window;
 };
 
-/// Another window takes the focus from @p window and gives it back.
+/// Moves the focus from @p window to another window and back.
 void loseAndRegainFocus(QWidget *window);
 
 /// The texts of the rows of @p table.
@@ -46,8 +46,8 @@ QStringList rowTexts(const QTableWidget *table);
 /// The row of the file @p name; the test program ends if there is none.
 int rowOf(const QTableWidget *table, const QString &name);
 
-/// Taps the row @p row of @p table, at its left end or at its right one.
+/// Taps the row @p row of @p table, at its left or right end.
 void tapRow(QTableWidget *table, int row, Qt::Edge end = Qt::LeftEdge);
 
-/// Puts a finger on the middle of @p table, moves it by @p distance pixels downwards and lifts it.
+/// Drags a finger by @p distance pixels downwards from the middle of @p table.
 void dragTable(const QTableWidget *table, int distance);

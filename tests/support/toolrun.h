@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QStringList>
 
-/// One run of a tool of ours.
+/// Result of a run of one of our command-line tools.
 struct ToolRun
 {
     int status = -1;

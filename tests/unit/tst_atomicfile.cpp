@@ -14,13 +14,13 @@
 namespace {
 constexpr uid_t someUser = 1234;
 constexpr gid_t someGroup = 4321;
-constexpr mode_t someMode = 0440; // root may write all the same
+constexpr mode_t someMode = 0440; // root can write nevertheless
 
 const QByteArray folder = "/run/replaced/";
 const QByteArray path = folder + "interfaces";
 const QByteArray oldText = "an old text of middle length\n";
 
-/// Owner, group and mode of the file at @p file, and which file it is.
+/// Owner, group, mode and inode of the file at @p file.
 struct Identity
 {
     explicit Identity(const QByteArray &file)
@@ -56,7 +56,7 @@ QStringList namesIn(const QByteArray &folderPath)
     return QDir(folderPath).entryList(QDir::Files | QDir::Hidden);
 }
 
-/// Fills the file system of the folder to its last byte.
+/// Uses up all free space of the folder's file system.
 void fillDisk()
 {
     shellBytes("head -c 1000000 /dev/zero >" + folder + "rest 2>/dev/null || true");
@@ -70,15 +70,15 @@ private slots:
     void initTestCase();
     void init();
     void replacesWholeFile();
-    void makesAMissingFile();
+    void createsAMissingFile();
     void keepsOwnerAndMode();
     void followsSymbolicLinks_data();
     void followsSymbolicLinks();
-    void writesWhatCannotBeReplaced_data();
-    void writesWhatCannotBeReplaced();
-    void fullDiskWithRoomInTheFile();
+    void fallsBackToWritingInPlace_data();
+    void fallsBackToWritingInPlace();
+    void fullDiskTakesTextThatFitsTheFile();
     void fullDiskKeepsTheOldText();
-    void pipeStaysAPipe();
+    void pipeIsNotReplaced();
     void keepsOldFileOnFailure_data();
     void keepsOldFileOnFailure();
 };
@@ -100,12 +100,12 @@ void TestAtomicFile::replacesWholeFile()
     QVERIFY(reader.open(QIODevice::ReadOnly));
     QVERIFY(replaceFile(path, "new\n"));
     QCOMPARE(readFile(path), QByteArray("new\n"));
-    // Who has the old file open still reads all of it: it was replaced, not written over.
+    // The old file was replaced, not overwritten: a program that has it open still reads all of it.
     QCOMPARE(reader.readAll(), oldText);
     QCOMPARE(namesIn(folder), QStringList{"interfaces"});
 }
 
-void TestAtomicFile::makesAMissingFile()
+void TestAtomicFile::createsAMissingFile()
 {
     QVERIFY(replaceFile(folder + "new", "new\n"));
     QCOMPARE(readFile(folder + "new"), QByteArray("new\n"));
@@ -126,7 +126,7 @@ void TestAtomicFile::followsSymbolicLinks_data()
 {
     QTest::addColumn<QString>("target");
     QTest::newRow("to a file") << QString(path);
-    QTest::newRow("to a file beside it") << "interfaces";
+    QTest::newRow("to a relative path") << "interfaces";
     QTest::newRow("to a missing file") << QString(folder + "missing");
 }
 
@@ -141,9 +141,9 @@ void TestAtomicFile::followsSymbolicLinks()
     QCOMPARE(readFile(end.toUtf8()), QByteArray("new\n"));
 }
 
-void TestAtomicFile::writesWhatCannotBeReplaced_data()
+void TestAtomicFile::fallsBackToWritingInPlace_data()
 {
-    QTest::addColumn<QString>("cover"); // a shell's commands
+    QTest::addColumn<QString>("cover"); // shell commands
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("text");
     const QString readOnly
@@ -152,19 +152,19 @@ void TestAtomicFile::writesWhatCannotBeReplaced_data()
     const QByteArray longer(10000, 'l');
     const QByteArray shorter = "new\n";
     const QByteArray sameLength(oldText.size(), 's');
-    QTest::newRow("mounted by itself") << mounted << "interfaces" << shorter;
-    QTest::newRow("mounted by itself, longer") << mounted << "interfaces" << longer;
-    QTest::newRow("mounted by itself, as long") << mounted << "interfaces" << sameLength;
-    QTest::newRow("mounted by itself, empty") << mounted << "interfaces" << QByteArray();
+    QTest::newRow("bind mount") << mounted << "interfaces" << shorter;
+    QTest::newRow("bind mount, longer") << mounted << "interfaces" << longer;
+    QTest::newRow("bind mount, same length") << mounted << "interfaces" << sameLength;
+    QTest::newRow("bind mount, empty") << mounted << "interfaces" << QByteArray();
     QTest::newRow("in a read-only folder") << readOnly + mounted << "interfaces" << shorter;
     QTest::newRow("in a read-only folder, longer") << readOnly + mounted << "interfaces" << longer;
-    QTest::newRow("link to a file mounted by itself")
+    QTest::newRow("link to a file bind mount")
         << "ln -s interfaces link; " + mounted << "link" << longer;
     QTest::newRow("link in a read-only folder") << "ln -s /run/kept link; " + readOnly + "true"
                                                 << "link" << shorter;
 }
 
-void TestAtomicFile::writesWhatCannotBeReplaced()
+void TestAtomicFile::fallsBackToWritingInPlace()
 {
     QFETCH(QString, cover);
     QFETCH(QString, name);
@@ -183,15 +183,15 @@ void TestAtomicFile::writesWhatCannotBeReplaced()
     QCOMPARE(seen, text);
     QCOMPARE(readFile(kept), text);
     QCOMPARE(Identity(kept).rights(), someRights);
-    QCOMPARE(left, namesIn(folder)); // nothing was left beside it
+    QCOMPARE(left, namesIn(folder)); // no temporary file is left
 }
 
-void TestAtomicFile::fullDiskWithRoomInTheFile()
+void TestAtomicFile::fullDiskTakesTextThatFitsTheFile()
 {
     const SmallDisk disk(folder, "size=64k");
     writeFile(path, oldText);
     fillDisk();
-    const QByteArray text = oldText + oldText; // fits the memory page of the old one
+    const QByteArray text = oldText + oldText; // fits the block that the file already has
     const bool written = replaceFile(path, text);
     QCOMPARE(readFile(path), text);
     QVERIFY(written);
@@ -210,12 +210,12 @@ void TestAtomicFile::fullDiskKeepsTheOldText()
     QCOMPARE(namesIn(folder), (QStringList{"interfaces", "rest"}));
 }
 
-void TestAtomicFile::pipeStaysAPipe()
+void TestAtomicFile::pipeIsNotReplaced()
 {
     const QByteArray pipe = folder + "pipe";
     QCOMPARE(mkfifo(pipe.constData(), 0600), 0);
     QVERIFY(QFile::link(pipe, folder + "link"));
-    QVERIFY(!replaceFile(folder + "link", "new\n")); // does not wait for a reader either
+    QVERIFY(!replaceFile(folder + "link", "new\n")); // returns without waiting for a reader
     QVERIFY(S_ISFIFO(Identity(pipe).status.st_mode));
 }
 

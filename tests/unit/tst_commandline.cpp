@@ -32,7 +32,7 @@ void TestCommandLine::fixedCommands()
     QCOMPARE(calibrationCommand(), Command{"xCal"});
 }
 
-/// What a panel gets. Tests of hanging tools hand in shorter ones.
+/// The limits on a real panel. Tests of hanging tools pass shorter ones.
 void TestCommandLine::toolLimits()
 {
     constexpr ToolLimits limits;
@@ -51,7 +51,7 @@ void TestCommandLine::screenSaving_data()
     const Command off{"xset", {"-dpms", "s", "noexpose"}};
     QTest::newRow("absent") << "" << off;
     QTest::newRow("0") << "0" << off;
-    QTest::newRow("no number") << "ten" << off;
+    QTest::newRow("not a number") << "ten" << off;
     QTest::newRow("number with a unit") << "10 min" << off;
     QTest::newRow("beyond 32 bits") << "99999999999" << off;
     QTest::newRow("5") << "5" << Command{"xset", {"s", "300"}};
@@ -86,8 +86,8 @@ void TestCommandLine::orientation_data()
                               << "left";
     QTest::newRow("any other text") << "portrait"
                                     << "left";
-    QTest::newRow("landscape is another text") << "landscape"
-                                               << "left";
+    QTest::newRow("landscape counts as any other text") << "landscape"
+                                                        << "left";
 }
 
 void TestCommandLine::orientation()
@@ -97,7 +97,7 @@ void TestCommandLine::orientation()
     QCOMPARE(orientationCommand("LVDS1", stored),
              (Command{"xrandr", {"--output", "LVDS1", "--rotate", rotation}}));
     QCOMPARE(orientationCommand("", stored),
-             (Command{"xrandr", {"--output", "", "--rotate", rotation}})); // one empty argument
+             (Command{"xrandr", {"--output", "", "--rotate", rotation}})); // an empty argument
 }
 
 void TestCommandLine::brightness_data()
@@ -112,14 +112,14 @@ void TestCommandLine::brightness_data()
                           << "1";
     QTest::newRow("half") << "0.5"
                           << "0.5";
-    QTest::newRow("dark: no minimum") << "0"
+    QTest::newRow("dark, no minimum") << "0"
                                       << "0";
-    QTest::newRow("blanks around") << " 0.5 "
-                                   << "0.5";
-    QTest::newRow("text goes as it is, in small letters") << "Very Bright"
-                                                          << "very bright";
-    QTest::newRow("no number") << "1e400"
-                               << "1e400";
+    QTest::newRow("surrounding blanks") << " 0.5 "
+                                        << "0.5";
+    QTest::newRow("any text, in lower case") << "Very Bright"
+                                             << "very bright";
+    QTest::newRow("not a number") << "1e400"
+                                  << "1e400";
     QTest::newRow("from rescue mode") << QString(QChar(1)) << QString(QChar(1));
 }
 
@@ -140,7 +140,7 @@ void TestCommandLine::clock_data()
     };
     QTest::newRow("afternoon") << at(2026, 11, 15, 13, 16, 0) << "111513162026";
     QTest::newRow("seconds are dropped") << at(2026, 11, 15, 13, 16, 59) << "111513162026";
-    QTest::newRow("zeros in front") << at(2026, 1, 2, 3, 4, 5) << "010203042026";
+    QTest::newRow("leading zeros") << at(2026, 1, 2, 3, 4, 5) << "010203042026";
     QTest::newRow("midnight") << at(2026, 12, 31, 0, 0, 0) << "123100002026";
     QTest::newRow("2038 and later") << at(2038, 1, 19, 3, 14, 8) << "011903142038";
     QTest::newRow("2106 and later") << at(2106, 2, 7, 6, 28, 16) << "020706282106";

@@ -154,9 +154,9 @@ void TestDoctorFiles::findsStrayLinks()
     }
     const StrayLinks links = findStrayLinks({"/nowhere", folder.path()});
     QCOMPARE(links.count, 4);
-    QCOMPARE(links.paths.size(), 3); // that many are shown
+    QCOMPARE(links.paths.size(), 3); // only the first three are shown
     QVERIFY(links.isWhole);
-    QVERIFY(!findStrayLinks({"/usr"}).isWhole); // ends somewhere in there
+    QVERIFY(!findStrayLinks({"/usr"}).isWhole); // the search stops at its limit
 }
 
 void TestDoctorFiles::opensSerialPorts()
@@ -164,7 +164,7 @@ void TestDoctorFiles::opensSerialPorts()
     QCOMPARE(serialPortState("/dev/no-such-port"), SerialPort::Missing);
     QCOMPARE(serialPortState("/dev/null"), SerialPort::NoDevice);
     QCOMPARE(serialPortState("/dev"), SerialPort::Refused);
-    QCOMPARE(serialPortState("/dev/ttyS0"), SerialPort::Ready); // the simulated panel has it
+    QCOMPARE(serialPortState("/dev/ttyS0"), SerialPort::Ready); // a port of the simulated panel
 }
 
 QTEST_GUILESS_MAIN(TestDoctorFiles)

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 using namespace Doctor;
 
 namespace {
-/// Settings texts, and all that is said of them.
+/// A settings file and all complaints about it.
 struct SettingsRow
 {
     const char *name;
@@ -68,14 +68,14 @@ const QList<SettingsRow> &settingsRows()
         {"DHCP in capitals", "ethernet.eth1=DHCP\n", {"warning settings: line 1: ethernet.eth1=DHCP counts as a fixed address but is not one"}},
         {"half an address", "ethernet.eth0=10.0.0\n", {"warning settings: line 1: ethernet.eth0=10.0.0 counts as a fixed address but is not one"}},
         {"mask with a hole", "ethernet.eth0.mask=255.0.255.0\n", {"warning settings: line 1: ethernet.eth0.mask=255.0.255.0 is not a netmask"}},
-        {"mask with what stood behind it", "ethernet.eth1.mask=255.0.0.0 UP B\n", {"warning settings: line 1: ethernet.eth1.mask=255.0.0.0 UP B is not a netmask"}},
+        {"mask with trailing text", "ethernet.eth1.mask=255.0.0.0 UP B\n", {"warning settings: line 1: ethernet.eth1.mask=255.0.0.0 UP B is not a netmask"}},
         {"all hosts, one host", "ethernet.eth0.mask=0.0.0.0\nethernet.eth1.mask=255.255.255.255\n", {}},
         {"folder that is not there", "bios.fontsetting.folder=/stick\n",
          {"warning settings: line 1: bios.fontsetting.folder=/stick is not a folder at the moment: nothing is found"}},
         {"blanks around the equals sign", "bios.debug = 1\n", {"warning settings: line 1: bios.debug = 1 is not the key \"bios.debug\""}},
         {"key in capitals", "App.Mouse=1\n", {"warning settings: line 1: App.Mouse=1 is not the key \"app.mouse\""}},
         {"mistyped key", "app.orientaton=vertical\n", {"warning settings: line 1: app.orientaton=vertical is a key that the program does not know"}},
-        {"somebody else's key", "runtime.port=80\n", {}},
+        {"key of another program", "runtime.port=80\n", {}},
         {"long line", "app." + QByteArray(500, 'x') + "=1\n",
          {"warning settings: line 1: app." + QString(53, 'x') + "... is a key that the program does not know"}},
     };
@@ -125,8 +125,8 @@ private slots:
     void brokenThing_data() { addBrokenThings(brokenThings()); }
     void brokenThing();
     void report();
-    void statusIsTheWorst_data();
-    void statusIsTheWorst();
+    void statusIsTheWorstLevel_data();
+    void statusIsTheWorstLevel();
     void commandLine_data();
     void commandLine();
 };
@@ -147,7 +147,7 @@ void TestDoctorSettings::settings()
     QCOMPARE(complaints(facts), settingsRows().at(index).complaints);
 }
 
-/// All that the program's own lists of keys spell.
+/// One row for each key in the sources of the program.
 void TestDoctorSettings::everyKeyIsKnown_data()
 {
     QTest::addColumn<QString>("key");
@@ -170,7 +170,7 @@ void TestDoctorSettings::everyKeyIsKnown()
     Facts facts = healthyFacts();
     putFile(facts, Paths::settingsFile, key.toUtf8() + "=~\n");
     const QStringList said = complaints(facts);
-    QCOMPARE(said.size(), 1); // no key takes this value
+    QCOMPARE(said.size(), 1); // the value is invalid for every key
     QVERIFY2(!said.first().contains("does not know"), qPrintable(said.first()));
 }
 
@@ -203,7 +203,7 @@ void TestDoctorSettings::report()
                                      {"advice", "see \\x5c"}}}));
 }
 
-void TestDoctorSettings::statusIsTheWorst_data()
+void TestDoctorSettings::statusIsTheWorstLevel_data()
 {
     QTest::addColumn<QList<int>>("levels");
     QTest::addColumn<int>("status");
@@ -213,7 +213,7 @@ void TestDoctorSettings::statusIsTheWorst_data()
     QTest::newRow("an error before a warning") << QList<int>{2, 1, 0} << 2;
 }
 
-void TestDoctorSettings::statusIsTheWorst()
+void TestDoctorSettings::statusIsTheWorstLevel()
 {
     QFETCH(QList<int>, levels);
     Findings findings;

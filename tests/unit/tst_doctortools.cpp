@@ -122,7 +122,7 @@ const QList<BrokenThing> &brokenThings()
     return things;
 }
 
-/// The checks that look at what a question is answered.
+/// The checks that use the answer to a question.
 struct Askers
 {
     Question question;
@@ -162,12 +162,12 @@ class TestDoctorTools : public QObject
 private slots:
     void brokenThing_data() { addBrokenThings(brokenThings()); }
     void brokenThing();
-    void everyToolIsMissed_data();
-    void everyToolIsMissed();
-    void everyFailureIsTold_data();
-    void everyFailureIsTold();
-    void rubbishIsTold_data();
-    void rubbishIsTold();
+    void reportsEveryMissingTool_data();
+    void reportsEveryMissingTool();
+    void reportsEveryFailure_data();
+    void reportsEveryFailure();
+    void reportsGarbage_data();
+    void reportsGarbage();
 };
 
 void TestDoctorTools::brokenThing()
@@ -176,7 +176,7 @@ void TestDoctorTools::brokenThing()
     QCOMPARE(judgeBrokenThing(brokenThings().at(index)), QString());
 }
 
-void TestDoctorTools::everyToolIsMissed_data()
+void TestDoctorTools::reportsEveryMissingTool_data()
 {
     QTest::addColumn<size_t>("tool");
     for (size_t tool = 0; tool < std::size(toolNames); ++tool) {
@@ -184,7 +184,7 @@ void TestDoctorTools::everyToolIsMissed_data()
     }
 }
 
-void TestDoctorTools::everyToolIsMissed()
+void TestDoctorTools::reportsEveryMissingTool()
 {
     QFETCH(size_t, tool);
     Facts facts = healthyFacts();
@@ -197,7 +197,7 @@ void TestDoctorTools::everyToolIsMissed()
     }
 }
 
-void TestDoctorTools::everyFailureIsTold_data()
+void TestDoctorTools::reportsEveryFailure_data()
 {
     QTest::addColumn<qsizetype>("index");
     QTest::addColumn<End>("end");
@@ -208,13 +208,14 @@ void TestDoctorTools::everyFailureIsTold_data()
         QTest::addRow("%d is not started", number)
             << index << End::NotStarted << "cannot be started";
         QTest::addRow("%d hangs", number) << index << End::CutOff << "hangs: no answer within 5 s";
-        QTest::addRow("%d writes on", number) << index << End::Stopped << "never stops writing";
+        QTest::addRow("%d never stops writing", number)
+            << index << End::Stopped << "never stops writing";
         QTest::addRow("%d crashes", number) << index << End::Crashed << "crashes";
         QTest::addRow("%d fails", number) << index << End::Ended << "fails with status 3: no";
     }
 }
 
-void TestDoctorTools::everyFailureIsTold()
+void TestDoctorTools::reportsEveryFailure()
 {
     QFETCH(qsizetype, index);
     QFETCH(End, end);
@@ -228,7 +229,7 @@ void TestDoctorTools::everyFailureIsTold()
     }
     QStringList expected;
     for (const QString &subject : askers.subjects) {
-        if (askers.question == Question::TarVersion) { // another tar may know no such option
+        if (askers.question == Question::TarVersion) { // not an option of every tar
             expected += "warning unpacking: tar unpacks a sample package but is not GNU tar";
         } else {
             expected += QString("%1 %2: \"tool -x\" %3")
@@ -242,9 +243,9 @@ void TestDoctorTools::everyFailureIsTold()
     QCOMPARE(complaints(facts), expected);
 }
 
-void TestDoctorTools::rubbishIsTold_data()
+void TestDoctorTools::reportsGarbage_data()
 {
-    QTest::addColumn<QByteArray>("rubbish");
+    QTest::addColumn<QByteArray>("garbage");
     QTest::newRow("nothing") << QByteArray();
     QTest::newRow("zero bytes") << QByteArray(5000, '\0');
     QTest::newRow("all bytes") << [] {
@@ -258,13 +259,13 @@ void TestDoctorTools::rubbishIsTold_data()
     QTest::newRow("lines of 2 MB") << QByteArray("eth0: x\n").repeated(250'000);
 }
 
-/// Whatever a tool prints, its check says something short of it.
-void TestDoctorTools::rubbishIsTold()
+/// A check complains about garbage in a short text, however much there is.
+void TestDoctorTools::reportsGarbage()
 {
-    QFETCH(QByteArray, rubbish);
+    QFETCH(QByteArray, garbage);
     for (const Askers &askers : allAskers()) {
         Facts facts = healthyFacts();
-        answer(facts, askers.question, rubbish, rubbish, 0);
+        answer(facts, askers.question, garbage, garbage, 0);
         const Findings findings = runChecks(facts);
         for (const Finding &finding : findings) {
             QVERIFY2(finding.text.size() < 200, qPrintable(finding.text.left(300)));
@@ -272,7 +273,7 @@ void TestDoctorTools::rubbishIsTold()
         const QStringList said = complaints(facts);
         if (askers.question == Question::Server || askers.question == Question::InterfacesFile
             || askers.question == Question::ScriptSyntax || askers.question == Question::Unpack
-            || askers.question == Question::ShortPause) { // their status alone counts
+            || askers.question == Question::ShortPause) { // these checks only use the exit status
             QCOMPARE(said, QStringList());
         } else {
             QVERIFY2(!said.isEmpty() && said.first().contains(' ' + askers.subjects.first() + ':'),

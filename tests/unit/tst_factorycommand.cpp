@@ -60,7 +60,7 @@ void TestFactoryCommand::presetTone()
 void TestFactoryCommand::namingRules_data()
 {
     QTest::addColumn<QStringList>("addresses");
-    QTest::addColumn<QStringList>("rules"); // address and number of each
+    QTest::addColumn<QStringList>("rules"); // MAC address and number of each rule
     QTest::newRow("none") << QStringList() << QStringList();
     QTest::newRow("one") << QStringList{"02:00:00:00:00:01"}
                          << QStringList{"02:00:00:00:00:01", "0"};
@@ -73,7 +73,7 @@ void TestFactoryCommand::namingRules_data()
                        "00:aa:00:00:00:00", "2"};
     QTest::newRow("equal") << QStringList{"00:01", "00:01"}
                            << QStringList{"00:01", "0", "00:01", "1"};
-    QTest::newRow("text behind, which is a place holder")
+    QTest::newRow("placeholder as trailing text")
         << QStringList{"00:02 %1 %2", "00:01 up"}
         << QStringList{"00:01 up", "0", "00:02 %1 %2", "1"};
     QTest::newRow("five") << QStringList{"e", "d", "c", "b", "a"}

@@ -21,7 +21,7 @@
 Q_DECLARE_METATYPE(RenameErrors)
 
 namespace {
-constexpr qint64 wholeSize = 1000003; // bytes, no multiple of any buffer
+constexpr qint64 wholeSize = 1000003; // bytes; not a multiple of any buffer size
 
 QByteArray someBytes(qint64 size)
 {
@@ -52,12 +52,12 @@ QStringList entries(const QString &folder)
                                   | QDir::NoDotAndDotDot);
 }
 
-/// Rows with a column "errors": what the calls fail with on file systems that lack something.
+/// Rows with a column "errors": how the calls fail on file systems with missing features.
 void addFileSystemRows()
 {
     QTest::addColumn<RenameErrors>("errors");
     QTest::newRow("usual") << RenameErrors{};
-    QTest::newRow("cannot refuse to replace") << RenameErrors{.renameToNew = EINVAL};
+    QTest::newRow("rename cannot keep an existing file") << RenameErrors{.renameToNew = EINVAL};
     QTest::newRow("old kernel") << RenameErrors{.renameToNew = ENOSYS};
     QTest::newRow("without links") << RenameErrors{.renameToNew = EINVAL, .link = EPERM};
     QTest::newRow("with links not supported")
@@ -75,17 +75,17 @@ private slots:
     void unreadable();
     void copiesTheRest_data();
     void copiesTheRest();
-    void failingReadIsTheEnd();
-    void fullDiskIsTold();
+    void failingReadEndsTheCopy();
+    void reportsAFullDisk();
     void copiesToANewFile();
-    void copiesNamesThatAreNoText();
+    void copiesNamesThatAreNotUtf8();
     void replacesNothing_data() { addFileSystemRows(); }
     void replacesNothing();
     void copiesOnAnyFileSystem_data() { addFileSystemRows(); }
     void copiesOnAnyFileSystem();
     void failingRenameLeavesNothing_data();
     void failingRenameLeavesNothing();
-    void noFolderToCopyTo();
+    void missingTargetFolder();
     void fullDiskLeavesNothing();
     void unreadableSourceLeavesNothing();
 
@@ -131,7 +131,7 @@ void TestFileCopy::copiesTheRest_data()
 {
     QTest::addColumn<qint64>("size");
     QTest::newRow("large") << wholeSize;
-    for (const int rest : {0, 1, 2, 255, 256, 257, 511, 512, 513}) { // it is copied in pieces
+    for (const int rest : {0, 1, 2, 255, 256, 257, 511, 512, 513}) { // near piece sizes
         QTest::addRow("%d", rest) << qint64{36} + rest;
     }
 }
@@ -151,9 +151,9 @@ void TestFileCopy::copiesTheRest()
     QCOMPARE(read(path("to")), content.mid(36));
 }
 
-void TestFileCopy::failingReadIsTheEnd()
+void TestFileCopy::failingReadEndsTheCopy()
 {
-    QFile from; // stays closed: every read fails
+    QFile from; // not open, so every read fails
     QFile to(path("empty"));
     QVERIFY(to.open(QIODevice::WriteOnly));
     QTest::ignoreMessage(QtWarningMsg, "QIODevice::read (QFile, \"\"): device not open");
@@ -162,9 +162,9 @@ void TestFileCopy::failingReadIsTheEnd()
     QCOMPARE(read(path("empty")), QByteArray());
 }
 
-void TestFileCopy::fullDiskIsTold()
+void TestFileCopy::reportsAFullDisk()
 {
-    write(path("from"), someBytes(100)); // less than any buffer
+    write(path("from"), someBytes(100)); // smaller than any buffer
     QFile from;
     QVERIFY(openPlainFile(from, path("from")));
     QFile to("/dev/full");
@@ -187,7 +187,7 @@ void TestFileCopy::copiesToANewFile()
     QCOMPARE(entries(path("new")), QStringList{"a font.ttf"});
 }
 
-void TestFileCopy::copiesNamesThatAreNoText()
+void TestFileCopy::copiesNamesThatAreNotUtf8()
 {
     const QByteArray bytes = path("").toUtf8() + "Sch\xF6n\n\"'.ttf";
     const int descriptor = open(bytes.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
@@ -252,7 +252,7 @@ void TestFileCopy::failingRenameLeavesNothing()
     QCOMPARE(entries(path("failed")), QStringList());
 }
 
-void TestFileCopy::noFolderToCopyTo()
+void TestFileCopy::missingTargetFolder()
 {
     write(path("font"), "font");
     QVERIFY(!copyToNewFile(path("font"), path("missing/font")));
@@ -267,7 +267,7 @@ void TestFileCopy::fullDiskLeavesNothing()
     QCOMPARE(mount("test", folder.constData(), "tmpfs", 0, "size=64k"), 0);
     const bool copied = copyToNewFile(path("large"), path("full/large"));
     const QStringList left = entries(path("full"));
-    write(path("full/marker"), "writable again"); // the room was given back
+    write(path("full/marker"), "writable again"); // the space is free again
     QCOMPARE(umount(folder.constData()), 0);
     QVERIFY(!copied);
     QCOMPARE(left, QStringList());

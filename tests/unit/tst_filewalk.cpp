@@ -20,7 +20,7 @@ namespace {
 constexpr ExtensionCase smallLetters = ExtensionCase::SmallLetters;
 constexpr ExtensionCase anyCase = ExtensionCase::AnyCase;
 
-/// A folder tree whose names are bytes.
+/// A folder tree. File names are bytes and need not be UTF-8.
 class Tree
 {
 public:
@@ -85,20 +85,20 @@ private slots:
     void initTestCase();
     void folderOfSetting_data();
     void folderOfSetting();
-    void topComesBeforeFolders();
-    void inTheOrderOfTheFileSystem();
-    void cases();
+    void listsUpperLevelsFirst();
+    void keepsTheOrderOfTheFileSystem();
+    void caseOfExtensions();
     void severalExtensions();
     void plainFilesOnly();
     void anyNames();
     void emptyAndMissingFolders();
-    void unreadableFolderIsPassedOver();
+    void skipsUnreadableFolders();
     void folderMayBeALink();
     void foldersWithTheExtensionAreWalked();
     void deepFolders();
     void manyOtherFiles();
-    void stickPulledWhileWalked();
-    void fileSystemWithoutTypes();
+    void stickPulledDuringTheWalk();
+    void fileSystemWithoutEntryTypes();
 };
 
 void TestFileWalk::initTestCase()
@@ -130,7 +130,7 @@ void TestFileWalk::folderOfSetting()
     QTEST(searchFolder(setting), "folder");
 }
 
-void TestFileWalk::topComesBeforeFolders()
+void TestFileWalk::listsUpperLevelsFirst()
 {
     const Tree tree;
     tree.addFolder("A");
@@ -148,7 +148,7 @@ void TestFileWalk::topComesBeforeFolders()
     QCOMPARE(found.last(), QString("A/deeper/d.pkg"));
 }
 
-void TestFileWalk::inTheOrderOfTheFileSystem()
+void TestFileWalk::keepsTheOrderOfTheFileSystem()
 {
     const Tree tree;
     for (const char *name : {"m.mo", "a.mo", "z.mo", "b.mo", "0.mo"}) {
@@ -165,10 +165,10 @@ void TestFileWalk::inTheOrderOfTheFileSystem()
     QCOMPARE(tree.find({".mo"}, smallLetters), expected);
     QStringList byName = expected;
     byName.sort();
-    QVERIFY2(byName != expected, "the file system happens to sort: this test shows nothing");
+    QVERIFY2(byName != expected, "this file system sorts its entries, so the test proves nothing");
 }
 
-void TestFileWalk::cases()
+void TestFileWalk::caseOfExtensions()
 {
     const Tree tree;
     for (const char *name : {"a.kpc", "b.KPC", "c.Kpc", "d.kpc.bak", "kpc", "ekpc", "f.kp"}) {
@@ -238,7 +238,7 @@ void TestFileWalk::emptyAndMissingFolders()
     QCOMPARE(findFilesBelow(tree.path() + "file/", {".kpc"}, anyCase), QStringList());
 }
 
-void TestFileWalk::unreadableFolderIsPassedOver()
+void TestFileWalk::skipsUnreadableFolders()
 {
     const Tree tree;
     tree.addFolder("closed");
@@ -247,7 +247,7 @@ void TestFileWalk::unreadableFolderIsPassedOver()
     tree.addFile("open/b.kpc");
     QCOMPARE(chmod(tree.bytes("closed").constData(), 0), 0);
     QCOMPARE(chmod(tree.path().toUtf8().constData(), 0755), 0);
-    QCOMPARE(seteuid(65534), 0); // root would be let in
+    QCOMPARE(seteuid(65534), 0); // root could read it
     const QStringList found = tree.find({".kpc"}, anyCase);
     QCOMPARE(seteuid(0), 0);
     QCOMPARE(found, QStringList{"open/b.kpc"});
@@ -300,7 +300,7 @@ void TestFileWalk::manyOtherFiles()
     QCOMPARE(tree.find({".txt"}, anyCase).size(), qsizetype{folders} * files);
 }
 
-void TestFileWalk::stickPulledWhileWalked()
+void TestFileWalk::stickPulledDuringTheWalk()
 {
     const Tree tree;
     tree.addFolder("folder");
@@ -311,13 +311,14 @@ void TestFileWalk::stickPulledWhileWalked()
         const FailingListings pulled(entries);
         const QStringList found = tree.find({".kpc"}, anyCase);
         QVERIFY(found.size() <= qMin(entries, 4));
-        // ".", "..", the folder, three files and the end; then ".", ".." and one file
+        // All files need seven reads at the top (".", "..", the folder, three files, the end) and
+        // three in the folder (".", "..", a file).
         QCOMPARE(found.size() == 4, entries >= 10);
     }
     QCOMPARE(tree.find({".kpc"}, anyCase).size(), 4);
 }
 
-void TestFileWalk::fileSystemWithoutTypes()
+void TestFileWalk::fileSystemWithoutEntryTypes()
 {
     const Tree tree;
     tree.addFolder("folder");

@@ -13,7 +13,7 @@ QByteArray padded(QByteArray bytes)
     return bytes.append((blockSize - bytes.size() % blockSize) % blockSize, '\0');
 }
 
-/// A tar header of the type @p type. The walk looks neither at its name nor at its checksum.
+/// A tar header of the type @p type. The walk ignores the name and the checksum.
 QByteArray header(char type, const QByteArray &size = "00000000000")
 {
     QByteArray block = padded("name");
@@ -25,7 +25,7 @@ QByteArray header(char type, const QByteArray &size = "00000000000")
     return block;
 }
 
-/// One that describes the next member by @p content.
+/// A header with @p content, which describes the next member.
 QByteArray describing(char type, const QByteArray &content)
 {
     return header(type, QByteArray::number(content.size(), 8).rightJustified(11, '0'))
@@ -70,13 +70,14 @@ void TestHeaderWalk::walks_data()
     QTest::newRow("long name and long link")
         << describing('K', "target") + describing('L', "name") + file << 2560 << none;
     QTest::newRow("extended") << describing('x', "10 path=x\n") + file << 1536 << none;
-    QTest::newRow("extended by zeros")
+    QTest::newRow("extended, padded with zeros")
         << describing('L', QByteArray(512, '\0')) + file << 1536 << none;
     QTest::newRow("extended, malformed")
         << describing('x', "11 path=x\n") + file << -1 << QByteArray("a malformed extended header");
-    QTest::newRow("of git") << describing('g', "13 comment=x\n") + file << 1536 << none;
-    QTest::newRow("a name for all")
-        << describing('g', "10 path=x\n") + file << -1 << QByteArray("a global extended header");
+    QTest::newRow("global, written by git")
+        << describing('g', "13 comment=x\n") + file << 1536 << none;
+    QTest::newRow("global name") << describing('g', "10 path=x\n") + file << -1
+                                 << QByteArray("a global extended header");
     QTest::newRow("eight descriptions") << describing('L', "n").repeated(8) + file << 8704 << none;
     QTest::newRow("nine descriptions") << describing('L', "n").repeated(9) + file << -1 << tooMuch;
     QTest::newRow("large description") << header('L', "00004000001") << -1 << tooMuch;
@@ -88,9 +89,9 @@ void TestHeaderWalk::walks_data()
     }
 
     const QByteArray format = "a header of an unusual format";
-    QTest::newRow("of POSIX") << with(file, 257, QByteArray("ustar\00000", 8)) << 512 << none;
-    QTest::newRow("of old times") << with(file, 257, QByteArray(8, '\0')) << -1 << format;
-    QTest::newRow("of two formats") << with(file, 263, "0") << -1 << format;
+    QTest::newRow("POSIX format") << with(file, 257, QByteArray("ustar\00000", 8)) << 512 << none;
+    QTest::newRow("pre-POSIX format") << with(file, 257, QByteArray(8, '\0')) << -1 << format;
+    QTest::newRow("mixed formats") << with(file, 263, "0") << -1 << format;
 
     QTest::newRow("blanks around a number") << header('0', "    1234   ") << 512 << none;
     QTest::newRow("twelve digits") << header('0', "000000001234") << 512 << none;
@@ -98,13 +99,13 @@ void TestHeaderWalk::walks_data()
                                  << none;
     QTest::newRow("negative time")
         << with(file, 136, QByteArray("\xff\xff\xff\xff\0\0\0\0\0\0\0\0", 12)) << 512 << none;
-    QTest::newRow("size of too many bytes")
+    QTest::newRow("binary size too large")
         << header('0', QByteArray("\x80\0\0\1\0\0\0\0\0\0\0\0", 12)) << -1 << number;
-    QTest::newRow("size of another sign") << header('0', QByteArray("\x81", 1)) << -1 << number;
+    QTest::newRow("negative binary size") << header('0', QByteArray("\x81", 1)) << -1 << number;
     QTest::newRow("no digits") << with(file, 100, "       ") << -1 << number;
     QTest::newRow("letters in a mode") << with(file, 100, "0K") << -1 << number;
-    QTest::newRow("an eight in a user") << with(file, 114, "8") << -1 << number;
-    QTest::newRow("more behind a group")
+    QTest::newRow("digit 8 in a user") << with(file, 114, "8") << -1 << number;
+    QTest::newRow("trailing text in a group")
         << with(file, 116, QByteArray("0\0001", 3)) << -1 << number;
     QTest::newRow("minus in a size") << with(file, 124, "-") << -1 << number;
     QTest::newRow("letters in a time") << with(file, 140, "x") << -1 << number;
@@ -159,21 +160,22 @@ void TestHeaderWalk::paxRecords_data()
     QTest::newRow("no length") << QByteArray("path=x\n") << malformed;
     QTest::newRow("second one without a length") << QByteArray("10 path=x\npath=x\n") << malformed;
     QTest::newRow("length alone") << QByteArray("3 \n") << malformed;
-    QTest::newRow("length of nothing") << QByteArray("0 path=x\n") << malformed;
+    QTest::newRow("length 0") << QByteArray("0 path=x\n") << malformed;
     QTest::newRow("length with a sign") << QByteArray("+10 path=x\n") << malformed;
     QTest::newRow("length beyond the end") << QByteArray("11 path=x\n") << malformed;
     QTest::newRow("length before the line feed") << QByteArray("8 path=x\n") << malformed;
-    QTest::newRow("length of many digits")
+    QTest::newRow("length with many digits")
         << QByteArray("99999999999999999999 path=x\n") << malformed;
     QTest::newRow("no line feed") << QByteArray("10 path=xy") << malformed;
     QTest::newRow("no equals sign") << QByteArray("10 path x\n") << malformed;
     QTest::newRow("no key") << QByteArray("5 =x\n") << malformed;
     QTest::newRow("zero byte") << QByteArray("11 path=x\0\n", 11) << malformed;
-    QTest::newRow("size that is none") << QByteArray("11 size=3x\n") << malformed;
+    QTest::newRow("size is not a number") << QByteArray("11 size=3x\n") << malformed;
     QTest::newRow("negative user") << QByteArray("10 uid=-1\n") << malformed;
-    QTest::newRow("time that is none") << QByteArray("11 mtime=-\n") << malformed;
+    QTest::newRow("time is not a number") << QByteArray("11 mtime=-\n") << malformed;
     QTest::newRow("time with two points") << QByteArray("15 mtime=1.2.3\n") << malformed;
-    QTest::newRow("holes") << QByteArray("22 GNU.sparse.major=1\n") << QByteArray("a sparse file");
+    QTest::newRow("sparse file") << QByteArray("22 GNU.sparse.major=1\n")
+                                 << QByteArray("a sparse file");
 }
 
 void TestHeaderWalk::paxRecords()

@@ -26,7 +26,7 @@ void TestIfconfigOutput::parses_data()
         "Mask:255.255.255.0\n"
         "          UP BROADCAST RUNNING MULTICAST  MTU:1500  Metric:1\n")
                              << "192.168.0.123"
-                             << "255.255.255.0\n     "; // and five characters more
+                             << "255.255.255.0\n     "; // the mask and five more characters
     QTest::newRow("old net-tools")
         << QByteArray("eth0      Link encap:Ethernet  HWaddr 00:0c:29:3e:1d:8a  \n"
                       "          inet addr:10.0.0.7  Bcast:10.255.255.255  Mask:255.0.0.0\n"
@@ -47,25 +47,25 @@ void TestIfconfigOutput::parses_data()
     QTest::newRow("loopback has no Bcast")
         << QByteArray("          inet addr:127.0.0.1  Mask:255.0.0.0\n")
         << "127.0.0.1  Mask:255.0.0.0\n"
-        << "255.0.0.0\n"; // the address is all the rest
+        << "255.0.0.0\n"; // without "Bcast" the address is the rest of the text
     QTest::newRow("Bcast before the address")
         << QByteArray("Bcast:1 inet addr:5.6.7.8  ") << "5.6.7.8"
         << "";
-    QTest::newRow("Bcast right behind") << QByteArray("inet addr:Bcast:1\n") << ""
-                                        << "";
+    QTest::newRow("Bcast right after the label") << QByteArray("inet addr:Bcast:1\n") << ""
+                                                 << "";
     QTest::newRow("blanks alone") << QByteArray("inet addr:    Bcast:1\n") << ""
                                   << "";
-    QTest::newRow("blanks go, a tab stays")
+    QTest::newRow("blanks are cut, a tab stays")
         << QByteArray("inet addr:1.2.3.4\t  Bcast:1\n") << "1.2.3.4\t"
         << "";
-    QTest::newRow("mask that ends the text") << QByteArray("Mask:255.0.0.0") << "NULL"
-                                             << "";
-    QTest::newRow("mask with a blank behind") << QByteArray("Mask:255.0.0.0 abcdefgh") << "NULL"
-                                              << "255.0.0.0 abcde";
-    QTest::newRow("mask with CR behind") << QByteArray("Mask:255.0.0.0\r\nabcdefgh") << "NULL"
-                                         << "255.0.0.0\r\nabcd";
-    QTest::newRow("little behind the mask") << QByteArray("Mask:1\nab") << "NULL"
-                                            << "1\nab";
+    QTest::newRow("mask at the end of the text") << QByteArray("Mask:255.0.0.0") << "NULL"
+                                                 << "";
+    QTest::newRow("blank after the mask") << QByteArray("Mask:255.0.0.0 abcdefgh") << "NULL"
+                                          << "255.0.0.0 abcde";
+    QTest::newRow("CR after the mask") << QByteArray("Mask:255.0.0.0\r\nabcdefgh") << "NULL"
+                                       << "255.0.0.0\r\nabcd";
+    QTest::newRow("short text after the mask") << QByteArray("Mask:1\nab") << "NULL"
+                                               << "1\nab";
     QTest::newRow("empty mask") << QByteArray("Mask:\nabcdefgh") << "NULL"
                                 << "\nabcde";
     QTest::newRow("other case") << QByteArray("INET ADDR:1.2.3.4 mask:1\n") << "NULL"
@@ -77,7 +77,7 @@ void TestIfconfigOutput::parses_data()
                              << "";
     QTest::newRow("1 MB of something else") << QByteArray(1'000'000, 'x') << "NULL"
                                             << "";
-    QTest::newRow("1 MB in front")
+    QTest::newRow("1 MB before the address")
         << QByteArray(1'000'000, ' ') + "inet addr:1.2.3.4  Bcast:5 Mask:6\nabcdef"
         << "1.2.3.4"
         << "6\nabcde";
@@ -104,7 +104,7 @@ void TestIfconfigOutput::parsesHardwareAddress_data()
         << QByteArray("eth0: flags=4163<UP>\n        ether 00:11:22:33:44:55  txqueuelen 1000\n")
         << "NULL";
     QTest::newRow("nothing") << QByteArray() << "NULL";
-    QTest::newRow("no blank behind") << QByteArray("HWaddr\t00:11\n") << "NULL";
+    QTest::newRow("no blank after HWaddr") << QByteArray("HWaddr\t00:11\n") << "NULL";
     QTest::newRow("other case") << QByteArray("hwaddr 00:11\n") << "NULL";
     QTest::newRow("30 characters") << QByteArray("HWaddr ") + QByteArray(30, 'x') + '\n'
                                    << QString(30, 'x');
@@ -136,9 +136,9 @@ void TestIfconfigOutput::listsHardwareAddresses_data()
            "eth1      Link encap:Ethernet  HWaddr 02:00:00:00:00:02  \n\n"
            "lo        Link encap:Local Loopback  \n"
         << QStringList{"02:00:00:00:00:01", "02:00:00:00:00:02"};
-    QTest::newRow("text behind") << "HWaddr  02:00 \t and  more \n"
-                                 << QStringList{"02:00 and more"};
-    QTest::newRow("equal ones stay") << "HWaddr 1\nHWaddr 1" << QStringList{"1", "1"};
+    QTest::newRow("trailing text") << "HWaddr  02:00 \t and  more \n"
+                                   << QStringList{"02:00 and more"};
+    QTest::newRow("duplicates stay") << "HWaddr 1\nHWaddr 1" << QStringList{"1", "1"};
     QTest::newRow("no address") << "x HWaddr\n" << QStringList{""};
     QTest::newRow("other case") << "HWADDR 1\n" << QStringList{};
 }

@@ -23,7 +23,8 @@ void TestKeypadPosition::places_data()
         = [](const char *name, const QRect &field, const QRect &available, const QPoint &position) {
               QTest::newRow(name) << field << available << position;
           };
-    // The field's last row is y + height - 1; the keypad, 296 high, starts two rows below that.
+    // The last row of a field is y + height - 1. The keypad is 296 px high and starts two rows
+    // below that.
     row("top", {151, 100, 300, 34}, landscape, {151, 135});
     row("bottom", {151, 500, 300, 34}, landscape, {151, 204});
     row("top edge", {0, 0, 300, 34}, landscape, {0, 35});

@@ -32,10 +32,10 @@ void TestLinkTest::characters()
 void TestLinkTest::parsesPeerAddress_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("host"); // empty: refused
+    QTest::addColumn<QString>("host"); // empty if the address is refused
     QTest::addColumn<int>("port");
-    QTest::newRow("as offered") << "192.168.0.30:33"
-                                << "192.168.0.30" << 33;
+    QTest::newRow("default") << "192.168.0.30:33"
+                             << "192.168.0.30" << 33;
     QTest::newRow("name") << "peer.local:7"
                           << "peer.local" << 7;
     QTest::newRow("blanks") << " 10.0.0.1 : 80 "
@@ -74,8 +74,8 @@ void TestLinkTest::parsesPeerAddress_data()
                                       << "h" << 33;
     QTest::newRow("empty second part") << "h::33"
                                        << "h" << 0;
-    QTest::newRow("IPv6: its first part is taken for a name") << "fe80::1"
-                                                              << "fe80" << 0;
+    QTest::newRow("IPv6, its first part taken as the name") << "fe80::1"
+                                                            << "fe80" << 0;
     QTest::newRow("IPv6 that looks like a host and a port") << "2001:33::5"
                                                             << "2001" << 33;
     QTest::newRow("IPv6 in brackets") << "[::1]:33"
@@ -164,8 +164,8 @@ void TestLinkTest::judges_data()
                                 << "Test Fail!";
     QTest::newRow("line break inside") << "5:1:\nab"
                                        << "Test Fail!";
-    QTest::newRow("line break behind") << "5:1:ab\n"
-                                       << "Test Fail!";
+    QTest::newRow("trailing line break") << "5:1:ab\n"
+                                         << "Test Fail!";
     QTest::newRow("blank before") << " 5:1:ab"
                                   << "Test Fail!";
 }

@@ -45,7 +45,7 @@ QByteArray listingOfArchive(const QByteArray &path)
     return listing.text();
 }
 
-/// Makes one member of each sort that tar packs, and names that a terminal could misread.
+/// Creates a file of each type that tar packs, and names with terminal escapes.
 constexpr char oddFiles[] = R"sh(
     umask 022; mkdir folder sticky; chmod 1777 sticky; echo x >folder/x; ln folder/x hard
     ln -s folder/x link; ln -s '../a b' 'link 2'; mkfifo pipe
@@ -61,7 +61,7 @@ constexpr char oddFiles[] = R"sh(
         echo x >"./$name"
     done)sh";
 
-/// Adds devices to the archive, which not every root may make on a disk.
+/// Adds device nodes to the archive. In a container even root may not create them on disk.
 constexpr char addDevices[] = R"py(
 import tarfile
 with tarfile.open("archive.tar", "a") as archive:
@@ -83,8 +83,8 @@ private slots:
     void columnGrows();
     void escapes_data();
     void escapes();
-    void asTar_data();
-    void asTar();
+    void matchesTar_data();
+    void matchesTar();
 };
 
 void TestMemberListing::lines_data()
@@ -109,7 +109,7 @@ void TestMemberListing::lines_data()
                             << QByteArray("b--------- 0/0             8,1 1970-01-01 00:00 a\n");
     TarMember endless = member(Type::File, 06000);
     endless.time = std::numeric_limits<qint64>::max();
-    QTest::newRow("time beyond all calendars")
+    QTest::newRow("time beyond the calendar")
         << endless << QByteArray("---S--S--- 0/0               0 9223372036854775807 a\n");
 }
 
@@ -119,7 +119,7 @@ void TestMemberListing::lines()
     QTEST(listingOf(member), "line");
 }
 
-/// Lines before the wide one stay as they are.
+/// A wide size widens the column only for the lines after it.
 void TestMemberListing::columnGrows()
 {
     TarMember wide = member(TarMember::Type::File, 0644);
@@ -142,7 +142,7 @@ void TestMemberListing::escapes_data()
     QTest::newRow("line feed") << QByteArray("a\nb") << QByteArray("a\\nb");
     QTest::newRow("backslash") << QByteArray("a\\b") << QByteArray("a\\\\b");
     QTest::newRow("terminal escape") << QByteArray("\x1b[2J") << QByteArray("\\033[2J");
-    QTest::newRow("digit behind a byte") << QByteArray("\1\61") << QByteArray("\\0011");
+    QTest::newRow("digit after a control character") << QByteArray("\1\61") << QByteArray("\\0011");
     QTest::newRow("UTF-8") << QByteArray("\xC3\xBC") << QByteArray("\\303\\274");
     QTest::newRow("NUL") << QByteArray("\0x", 2) << QByteArray("\\000x");
 }
@@ -153,19 +153,19 @@ void TestMemberListing::escapes()
     QTEST(escapedName(name), "shown");
 }
 
-void TestMemberListing::asTar_data()
+void TestMemberListing::matchesTar_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<QString>("moreFiles");
-    // A name of the POSIX format has to be UTF-8, or the reader calls the archive damaged.
+    // Names in the POSIX format must be UTF-8; otherwise the reader calls the archive damaged.
     QTest::newRow("GNU") << "gnu"
                          << "echo x >\"$(printf '\\377\\001')\"";
     QTest::newRow("POSIX") << "pax"
                            << "true";
 }
 
-/// Nobody should have to learn another listing.
-void TestMemberListing::asTar()
+/// The listing looks like that of tar, which people know.
+void TestMemberListing::matchesTar()
 {
     QFETCH(QString, format);
     QFETCH(QString, moreFiles);

@@ -112,8 +112,8 @@ void TestMkpackageOptions::refused_data()
                             << "--target must be the OEM name that the package is for";
     QTest::newRow("16 characters") << app + "--version 1 --target 1234567890123456"
                                    << "--target has 16 characters; at most 15 fit";
-    QTest::newRow("no ASCII") << app + QString::fromUtf8("--version 1 --target Gr\xC3\xB6\xC3\x9F")
-                              << "--target must be printable ASCII";
+    QTest::newRow("not ASCII") << app + QString::fromUtf8("--version 1 --target Gr\xC3\xB6\xC3\x9F")
+                               << "--target must be printable ASCII";
     QTest::newRow("control character") << app + "--version 1 --target K\n"
                                        << "--target must be printable ASCII";
     QTest::newRow("bios with a long target")
@@ -189,7 +189,7 @@ void TestMkpackageOptions::verify()
     QCOMPARE(options.verify.name, options.file);
     QVERIFY(options.verify.panel.model == QString("RV-K21T"));
     QVERIFY(options.verify.panel.runtimeVersion == 12U);
-    QVERIFY(options.verify.panel.oem == QString("")); // of a panel that was never set up
+    QVERIFY(options.verify.panel.oem == QString("")); // the OEM of a panel that was never set up
     QVERIFY(options.verify.panel.biosVersion == 4294967295U);
     QCOMPARE(options.verify.rate, 7);
     QVERIFY(options.json);
@@ -216,8 +216,8 @@ void TestMkpackageOptions::warnings_data()
         << QStringList{"a panel lists packages of this kind only with the extension .kpc"};
     QTest::newRow("bios image") << bios << "a.mo" << none;
     QTest::newRow("add-on") << bios << "a.pkg" << none;
-    QTest::newRow("add-on in capitals") << bios << "A.PKG" << none; // its picker takes any letters
-    QTest::newRow("bios of another extension")
+    QTest::newRow("add-on in capitals") << bios << "A.PKG" << none; // its picker ignores case
+    QTest::newRow("bios with another extension")
         << bios << "a.kpc"
         << QStringList{"a panel lists packages of this kind only with the extension .mo or .pkg"};
     QTest::newRow("firmware") << PackageHeader{PackageKind::Firmware, 2147483647U, "O"} << "a.fmw"
@@ -237,7 +237,7 @@ void TestMkpackageOptions::warnings()
 void TestMkpackageOptions::fileTimes_data()
 {
     QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<qint64>("time"); // -1: refused
+    QTest::addColumn<qint64>("time"); // -1 if the text is refused
     QTest::newRow("not set") << QByteArray() << qint64(946684800);
     QTest::newRow("set") << QByteArray("1441036800") << qint64(1441036800);
     QTest::newRow("0") << QByteArray("0") << qint64(0);

@@ -29,7 +29,7 @@ void TestPackageCheck::versionNumber_data()
     QTest::newRow("empty") << "" << 0U;
     QTest::newRow("number") << "12" << 12U;
     QTest::newRow("leading zero is decimal") << "010" << 10U;
-    QTest::newRow("no number") << "abc" << 0U;
+    QTest::newRow("not a number") << "abc" << 0U;
     QTest::newRow("number and text") << "12b" << 0U;
     QTest::newRow("hexadecimal") << "0x10" << 0U;
     QTest::newRow("fraction") << "1.5" << 0U;
@@ -38,7 +38,7 @@ void TestPackageCheck::versionNumber_data()
     QTest::newRow("largest") << "4294967295" << 4294967295U;
     QTest::newRow("too large") << "4294967296" << 0U;
     QTest::newRow("far too large") << "99999999999999999999" << 0U;
-    QTest::newRow("as the setter stores the largest") << "-1" << 4294967295U;
+    QTest::newRow("largest, as the setter stores it") << "-1" << 4294967295U;
     QTest::newRow("smallest signed") << "-2147483648" << 2147483648U;
     QTest::newRow("too small") << "-2147483649" << 0U;
 }
@@ -56,14 +56,15 @@ void TestPackageCheck::package_data()
     QTest::addColumn<int>("result");
 
     QTest::newRow("application") << PackageHeader{application, 12, "RV-K21T"} << "12" << 0;
-    QTest::newRow("by its short code") << PackageHeader{application, 12, "K21T"} << "12" << 0;
+    QTest::newRow("application for the short code")
+        << PackageHeader{application, 12, "K21T"} << "12" << 0;
     QTest::newRow("version above") << PackageHeader{application, 13, "RV-K21T"} << "12" << 2;
     QTest::newRow("version below") << PackageHeader{application, 11, "RV-K21T"} << "12" << 2;
     QTest::newRow("no runtime, version 0") << PackageHeader{application, 0, "K21T"} << "" << 0;
     QTest::newRow("no runtime, version 1") << PackageHeader{application, 1, "K21T"} << "" << 2;
     QTest::newRow("largest version")
         << PackageHeader{application, 4294967295U, "K21T"} << "4294967295" << 0;
-    QTest::newRow("largest version as a firmware left it")
+    QTest::newRow("largest version, stored as negative")
         << PackageHeader{application, 4294967295U, "K21T"} << "-1" << 0;
     QTest::newRow("other model") << PackageHeader{application, 12, "RV-K25T"} << "12" << 3;
     QTest::newRow("model in small letters")
@@ -78,7 +79,7 @@ void TestPackageCheck::package_data()
     QTest::newRow("other OEM") << PackageHeader{firmware, 1, "TALMEROQZP"} << "12" << 4;
     QTest::newRow("model for OEM") << PackageHeader{firmware, 1, "RV-K21T"} << "12" << 4;
 
-    QTest::newRow("BIOS image here") << PackageHeader{biosImage, 1, ""} << "12" << 0;
+    QTest::newRow("BIOS image") << PackageHeader{biosImage, 1, ""} << "12" << 0;
     QTest::newRow("kind 2") << PackageHeader{PackageKind(2), 1, ""} << "12" << 0;
     QTest::newRow("kind 3") << PackageHeader{PackageKind(3), 1, ""} << "12" << 0;
     QTest::newRow("largest kind") << PackageHeader{PackageKind(4294967295U), 1, ""} << "12" << 0;
@@ -104,7 +105,7 @@ void TestPackageCheck::biosPackage_data()
     QTest::newRow("largest") << PackageHeader{biosImage, 4294967295U, ""} << "3" << 1;
     QTest::newRow("unsigned") << PackageHeader{biosImage, 2147483648U, ""} << "2147483647" << 1;
     QTest::newRow("stored negative") << PackageHeader{biosImage, 5, ""} << "-1" << -2;
-    QTest::newRow("target is not looked at") << PackageHeader{biosImage, 4, "any"} << "3" << 1;
+    QTest::newRow("target is ignored") << PackageHeader{biosImage, 4, "any"} << "3" << 1;
     QTest::newRow("application") << PackageHeader{application, 4, ""} << "3" << -1;
     QTest::newRow("firmware") << PackageHeader{firmware, 4, ""} << "3" << -1;
     QTest::newRow("unknown kind") << PackageHeader{PackageKind(5), 4, ""} << "3" << -1;

@@ -3,7 +3,7 @@
 #include <QTest>
 
 namespace {
-/// A header as a packer of another maker would write it, byte by byte.
+/// The bytes of a header, put together without the code under test.
 QByteArray headerBytes(const QByteArray &kind, const QByteArray &version,
                        const QByteArray &target = QByteArray(PackageFields::target.size, '\0'))
 {
@@ -24,9 +24,9 @@ private slots:
     void parse();
     void tooShort_data();
     void tooShort();
-    void bytesBehindAreNotRead();
+    void ignoresBytesAfterTheHeader();
     void format();
-    void formatCutsTheTarget();
+    void formatTruncatesTheTarget();
     void roundTrip_data();
     void roundTrip();
 };
@@ -57,10 +57,10 @@ void TestPackageHeader::parse_data()
                                   << "123456789012345";
     QTest::newRow("target without NUL")
         << headerBytes(zero, zero, "1234567890123456") << 0U << 0U << "1234567890123456";
-    QTest::newRow("bytes behind the NUL")
+    QTest::newRow("bytes after the NUL")
         << headerBytes(zero, zero, QByteArray("K21T\0garbage....", 16)) << 0U << 0U << "K21T";
-    QTest::newRow("blanks count") << headerBytes(zero, zero, padded(" K21T ")) << 0U << 0U
-                                  << " K21T ";
+    QTest::newRow("blanks are kept")
+        << headerBytes(zero, zero, padded(" K21T ")) << 0U << 0U << " K21T ";
 }
 
 void TestPackageHeader::parse()
@@ -87,7 +87,7 @@ void TestPackageHeader::tooShort()
     QVERIFY(!parsePackageHeader(QByteArray(size, '\0')));
 }
 
-void TestPackageHeader::bytesBehindAreNotRead()
+void TestPackageHeader::ignoresBytesAfterTheHeader()
 {
     const auto header
         = parsePackageHeader(QByteArray(PackageFields::target.offset, '\0')
@@ -103,7 +103,7 @@ void TestPackageHeader::format()
                         "52 56 2d 4b 32 31 54 00 00 00 00 00 00 00 00 00"));
 }
 
-void TestPackageHeader::formatCutsTheTarget()
+void TestPackageHeader::formatTruncatesTheTarget()
 {
     const QByteArray bytes
         = formatPackageHeader({PackageKind::Firmware, 1, "1234567890123456 and more"});

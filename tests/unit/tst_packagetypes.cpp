@@ -68,7 +68,7 @@ void TestPackageTypes::listedNames()
     QTEST(types, "types");
 }
 
-/// Two types share the kind of BIOS images.
+/// BIOS images and add-ons have the same kind.
 void TestPackageTypes::listedKinds()
 {
     QVERIFY(isListedAs(PackageKind::BiosImage, "a.mo"));

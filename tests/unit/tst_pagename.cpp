@@ -19,8 +19,8 @@ void TestPageName::readsIndex_data()
     QTest::newRow("two digits") << "Install Fonts:11" << 11;
     QTest::newRow("no colon") << "Ethernet" << 0;
     QTest::newRow("empty") << "" << 0;
-    QTest::newRow("no number") << "Ethernet:x" << 0;
-    QTest::newRow("nothing behind") << "Ethernet:" << 0;
+    QTest::newRow("not a number") << "Ethernet:x" << 0;
+    QTest::newRow("nothing after the colon") << "Ethernet:" << 0;
     QTest::newRow("second part of three") << "a:4:9" << 4;
     QTest::newRow("empty second part") << "a::9" << 0;
 }

@@ -3,7 +3,7 @@
 #include <QTest>
 
 namespace {
-/// One poll: 'd' down, 'u' up, '?' unknown, and the clock.
+/// One poll: the button ('d' down, 'u' up, '?' unknown) and the clock in ms.
 struct Poll
 {
     char state;
@@ -39,45 +39,42 @@ private slots:
 void TestPressTimer::fires_data()
 {
     QTest::addColumn<Polls>("polls");
-    QTest::addColumn<QList<int>>("firing"); // which polls fire
+    QTest::addColumn<QList<int>>("firing"); // indexes of the polls that fire
     using Firing = QList<int>;
     QTest::newRow("first down never fires") << Polls{{'d', start}} << Firing{};
     QTest::newRow("2100 ms") << Polls{{'d', start}, {'d', start + 2100}} << Firing{1};
     QTest::newRow("1900 ms, then 2300 ms")
         << Polls{{'d', start}, {'d', start + 1900}, {'d', start + 2300}} << Firing{2};
-    QTest::newRow("2000 ms is not more") << Polls{{'d', start}, {'d', start + 2000}} << Firing{};
-    QTest::newRow("2001 ms is") << Polls{{'d', start}, {'d', start + 2001}} << Firing{1};
-    QTest::newRow("up restarts") << Polls{{'d', start},
-                                          {'u', start + 1000},
-                                          {'d', start + 1200},
-                                          {'d', start + 3100}}
-                                 << Firing{};
-    QTest::newRow("up restarts, then held")
+    QTest::newRow("2000 ms is too short") << Polls{{'d', start}, {'d', start + 2000}} << Firing{};
+    QTest::newRow("2001 ms is enough") << Polls{{'d', start}, {'d', start + 2001}} << Firing{1};
+    QTest::newRow("release restarts")
+        << Polls{{'d', start}, {'u', start + 1000}, {'d', start + 1200}, {'d', start + 3100}}
+        << Firing{};
+    QTest::newRow("release restarts, then held")
         << Polls{{'d', start}, {'u', start + 1000}, {'d', start + 1200}, {'d', start + 3201}}
         << Firing{3};
-    QTest::newRow("unknown keeps timing")
+    QTest::newRow("unknown keeps counting")
         << Polls{{'d', start}, {'?', start + 500}, {'?', start + 2500}, {'d', start + 2600}}
         << Firing{3};
     QTest::newRow("unknown keeps idle")
         << Polls{{'u', start}, {'?', start + 9000}, {'d', start + 9001}} << Firing{};
-    QTest::newRow("starts anew after firing")
+    QTest::newRow("restarts after firing")
         << Polls{{'d', start}, {'d', start + 2500}, {'d', start + 2600}, {'d', start + 4700}}
         << Firing{1, 3};
-    QTest::newRow("clock jumps back: waits for it")
+    QTest::newRow("clock jumps back: waits until it catches up")
         << Polls{{'d', start}, {'d', start - 60000}, {'d', start + 1900}, {'d', start + 2001}}
         << Firing{3};
-    QTest::newRow("clock jumps forth: fires early")
+    QTest::newRow("clock jumps forward: fires early")
         << Polls{{'d', start}, {'d', start + 3600000}} << Firing{1};
-    // The difference is taken in 32 bits: it turns negative after 2^31 ms and comes round after
-    // 2^32.
+    // The difference is an int: it turns negative after 2^31 ms and starts again at 0 after 2^32.
     QTest::newRow("jump of 25 days")
         << Polls{{'d', start}, {'d', start + 2147483648LL}} << Firing{};
     QTest::newRow("jump of nearly 25 days")
         << Polls{{'d', start}, {'d', start + 2147483647LL}} << Firing{1};
     QTest::newRow("jump of 50 days")
         << Polls{{'d', start}, {'d', start + 4294967296LL + 1000}} << Firing{};
-    QTest::newRow("clock at 0 times") << Polls{{'d', 0}, {'d', 2001}} << Firing{1};
-    QTest::newRow("clock before the epoch times nothing")
+    QTest::newRow("clock at 0 counts") << Polls{{'d', 0}, {'d', 2001}} << Firing{1};
+    QTest::newRow("clock before the epoch does not count")
         << Polls{{'d', -5000}, {'d', -2000}, {'d', -1}, {'d', 1999}} << Firing{};
 }
 

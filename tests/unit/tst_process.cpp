@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 
 namespace {
 #ifdef __SANITIZE_ADDRESS__
-constexpr qint64 mostMemory = 600'000; // KiB: the sanitizer holds on to what is freed
+constexpr qint64 mostMemory = 600'000; // KiB; the sanitizer keeps freed memory
 #else
 constexpr qint64 mostMemory = 100'000; // KiB
 #endif
@@ -40,7 +40,7 @@ bool isRunning(const QString &processId)
     return commandLine.open(QIODevice::ReadOnly) && !commandLine.readAll().isEmpty();
 }
 
-/// Runs a tool that is ended after this time.
+/// Runs a tool and ends it after this time.
 using RunUntil = void (*)(const Command &, std::chrono::milliseconds);
 
 void addRunRows()
@@ -63,7 +63,7 @@ void addRunRows()
         });
 }
 
-/// The most memory that this process ever had, in KiB.
+/// Peak memory of this process, in KiB.
 qint64 peakMemory()
 {
     rusage usage{};
@@ -82,20 +82,20 @@ private slots:
     void collectsBothStreams();
     void passesArgumentsWithoutShell();
     void collectsMoreThanAPipeHolds();
-    void keepsTheFirstOfTooMuch();
-    void missingProgramAnswersAtOnce_data();
-    void missingProgramAnswersAtOnce();
+    void keepsTheFirst16MiB();
+    void missingProgramFailsAtOnce_data();
+    void missingProgramFailsAtOnce();
     void cutsOffAtTheLimit();
     void letsAToolEndItself_data();
     void letsAToolEndItself();
     void killsAToolThatDoesNotEnd_data();
     void killsAToolThatDoesNotEnd();
-    void throwsAwayWhatIsWrittenAtTheEnd();
+    void discardsOutputWrittenAfterTheLimit();
     void waitsForAToolThatClosedItsOutput();
     void appendsOutputToAFile();
     void runsInAFolder();
-    void tellsHowItEnded_data();
-    void tellsHowItEnded();
+    void reportsHowItEnded_data();
+    void reportsHowItEnded();
     void endsToolsThatWriteTooMuch_data();
     void endsToolsThatWriteTooMuch();
     void inputIsEmpty();
@@ -103,14 +103,14 @@ private slots:
     void readsOutputAsText();
     void runAndWaitWaits();
     void runAndWaitKeepsItsLimit();
-    void runAndWaitPassesOverFailures();
+    void runAndWaitIgnoresFailures();
     void startDetachedDoesNotWait();
     void splitsCommandLines_data();
     void splitsCommandLines();
     void byteTextEndsAtZero();
 };
 
-/// No run may make QProcess complain, as its destructor does of a process that still runs.
+/// QProcess warns if it is destroyed while its process runs. No test may cause that warning.
 void TestProcess::init()
 {
     QTest::failOnWarning(QRegularExpression(".*"));
@@ -140,7 +140,7 @@ void TestProcess::collectsMoreThanAPipeHolds()
     QCOMPARE(result.errors.size(), tenMegabytes);
 }
 
-void TestProcess::keepsTheFirstOfTooMuch()
+void TestProcess::keepsTheFirst16MiB()
 {
     constexpr qsizetype most = 16 * 1024 * 1024;
     const ToolResult ended
@@ -163,7 +163,7 @@ void TestProcess::keepsTheFirstOfTooMuch()
     QVERIFY2(grown < mostMemory, qPrintable(QString::number(grown)));
 }
 
-void TestProcess::missingProgramAnswersAtOnce_data()
+void TestProcess::missingProgramFailsAtOnce_data()
 {
     QTest::addColumn<Command>("command");
     QTest::newRow("not on PATH") << Command{"no-such-tool", {"x"}};
@@ -173,7 +173,7 @@ void TestProcess::missingProgramAnswersAtOnce_data()
     QTest::newRow("empty command") << Command{};
 }
 
-void TestProcess::missingProgramAnswersAtOnce()
+void TestProcess::missingProgramFailsAtOnce()
 {
     QFETCH(Command, command);
     QElapsedTimer timer;
@@ -194,7 +194,7 @@ void TestProcess::cutsOffAtTheLimit()
     QVERIFY(timer.elapsed() < 10000);
     QVERIFY(!result.hasFinished());
     const QString processId = QString::fromLatin1(result.output).trimmed();
-    QVERIFY(processId.toInt() > 0); // what it wrote until then is there
+    QVERIFY(processId.toInt() > 0); // its output before the limit is kept
     QVERIFY(!isRunning(processId));
 }
 
@@ -240,8 +240,8 @@ void TestProcess::killsAToolThatDoesNotEnd()
     QVERIFY(!isRunning(processId.readAll().trimmed()));
 }
 
-/// Neither kept nor left in the pipe: the tool would wait for room, and be killed.
-void TestProcess::throwsAwayWhatIsWrittenAtTheEnd()
+/// The pipe must be read nevertheless: a tool that waits for space in it would be killed.
+void TestProcess::discardsOutputWrittenAfterTheLimit()
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("ended");
@@ -290,27 +290,27 @@ void TestProcess::runsInAFolder()
     QVERIFY(!QFile::exists(folder.filePath("there")));
 }
 
-void TestProcess::tellsHowItEnded_data()
+void TestProcess::reportsHowItEnded_data()
 {
     using End = ToolResult::End;
     QTest::addColumn<Command>("command");
     QTest::addColumn<ToolResult>("expected");
     QTest::newRow("ends") << shell("echo a; echo b >&2; exit 3")
                           << ToolResult{End::Ended, 3, "a\n", "b\n"};
-    QTest::newRow("not there") << Command{"no-such-tool"} << ToolResult{};
-    QTest::newRow("no program") << Command{"/etc/passwd"} << ToolResult{};
+    QTest::newRow("missing") << Command{"no-such-tool"} << ToolResult{};
+    QTest::newRow("not executable") << Command{"/etc/passwd"} << ToolResult{};
     QTest::newRow("empty") << Command{} << ToolResult{};
     QTest::newRow("crashes") << shell("echo a; kill -9 $$")
                              << ToolResult{End::Crashed, -1, "a\n", ""};
     QTest::newRow("hangs") << shell("echo a; trap '' TERM; exec sleep 60")
                            << ToolResult{End::CutOff, -1, "a\n", ""};
-    QTest::newRow("just not too much")
+    QTest::newRow("just within the limit")
         << shell("printf 1234; printf 56 >&2") << ToolResult{End::Ended, 0, "1234", "56"};
     QTest::newRow("too much") << shell("printf 1234; printf 567 >&2; exec sleep 60")
                               << ToolResult{End::Stopped, -1, "1234", "567"};
 }
 
-void TestProcess::tellsHowItEnded()
+void TestProcess::reportsHowItEnded()
 {
     QFETCH(Command, command);
     QFETCH(ToolResult, expected);
@@ -331,7 +331,7 @@ void TestProcess::endsToolsThatWriteTooMuch_data()
     QTest::newRow("errors") << shell("exec yes >&2");
 }
 
-/// Soon: what comes until then is in memory.
+/// The tool must end soon, because its output until then is kept in memory.
 void TestProcess::endsToolsThatWriteTooMuch()
 {
     QFETCH(Command, command);
@@ -378,7 +378,7 @@ void TestProcess::runAndWaitKeepsItsLimit()
              qPrintable(QString::number(timer.elapsed())));
 }
 
-void TestProcess::runAndWaitPassesOverFailures()
+void TestProcess::runAndWaitIgnoresFailures()
 {
     runAndWait({"no-such-tool"});
     runAndWait({});
@@ -411,7 +411,7 @@ void TestProcess::splitsCommandLines_data()
     QTest::newRow("two words") << "ifconfig eth0" << Command{"ifconfig", {"eth0"}};
     QTest::newRow("two blanks and quotes") << "xinput query-state  \"PenMount USB\""
                                            << Command{"xinput", {"query-state", "PenMount USB"}};
-    QTest::newRow("three quotes for one") << "a \"\"\"b\"\"\"" << Command{"a", {"\"b\""}};
+    QTest::newRow("three quotes stand for one") << "a \"\"\"b\"\"\"" << Command{"a", {"\"b\""}};
 }
 
 void TestProcess::splitsCommandLines()

@@ -13,7 +13,7 @@ private slots:
 void TestScreenSize::parses_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QSize>("size"); // invalid: no size
+    QTest::addColumn<QSize>("size"); // invalid if the text is no size
     QTest::newRow("small x") << "800x600" << QSize(800, 600);
     QTest::newRow("large X") << "800X600" << QSize(800, 600);
     QTest::newRow("smallest") << "1x1" << QSize(1, 1);

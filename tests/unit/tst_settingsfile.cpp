@@ -101,7 +101,7 @@ void TestSettingsFile::appliesText_data()
     QTest::newRow("removed later") << QByteArray("a=1\na=\n") << before;
     QTest::newRow("removed, then set") << QByteArray("a=\na=1\n") << with({{"a", "1"}});
     QTest::newRow("the later line wins") << QByteArray("a=1\na=2\n") << with({{"a", "2"}});
-    QTest::newRow("removes what was there") << QByteArray("kept=\n") << SettingsMap();
+    QTest::newRow("removes an earlier key") << QByteArray("kept=\n") << SettingsMap();
     QTest::newRow("no line end at the end")
         << QByteArray("a=1\nb=2") << with({{"a", "1"}, {"b", "2"}});
     QTest::newRow("CRLF") << QByteArray("a=1\r\nb=2\r\n") << with({{"a", "1"}, {"b", "2"}});
@@ -230,7 +230,7 @@ void TestSettingsFile::unwritableFileIsReported()
     QVERIFY(!writeSettingsFile(fault.path(), {{"a", "1"}}));
 }
 
-/// A save keeps each line of it where it is, but for the comment.
+/// A save keeps all lines of the example in place, except the comment.
 void TestSettingsFile::documentedExample()
 {
     const QByteArrayList examples = examplesOfManualPage("src/bios.ini.5");

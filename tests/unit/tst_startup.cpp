@@ -12,7 +12,7 @@ private slots:
     void recognisesVersionQuery_data();
     void recognisesVersionQuery();
     void printsVersion();
-    void shieldsFromEnvironment();
+    void clearsTheEnvironment();
     void quotesWithoutEscapes();
 };
 
@@ -47,7 +47,7 @@ void TestStartup::printsVersion()
     QCOMPARE(log.lines(), QStringList{"Version:  Aug 31 2015 16:26:17"});
 }
 
-void TestStartup::shieldsFromEnvironment()
+void TestStartup::clearsTheEnvironment()
 {
     const char *const scaling[] = {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS",
                                    "QT_USE_PHYSICAL_DPI", "QT_FONT_DPI", "QT_STYLE_OVERRIDE"};

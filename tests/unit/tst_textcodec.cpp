@@ -6,14 +6,14 @@ class TestTextCodec : public QObject
 {
     Q_OBJECT
 private slots:
-    void survivesBothWays_data();
-    void survivesBothWays();
-    void everyPairOfBytesSurvives();
+    void survivesARoundTrip_data();
+    void survivesARoundTrip();
+    void everyPairOfBytesSurvivesARoundTrip();
     void encodesOtherTextAsUtf8();
     void argumentsKeepTheirBytes();
 };
 
-void TestTextCodec::survivesBothWays_data()
+void TestTextCodec::survivesARoundTrip_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text");
@@ -30,9 +30,9 @@ void TestTextCodec::survivesBothWays_data()
     QTest::newRow("Latin-1") << QByteArray("caf\xE9") << QString("caf") + e9;
     QTest::newRow("Latin-1 before UTF-8")
         << QByteArray("\xE9\xC3\xA9") << QString(e9) + QString::fromUtf8("é");
-    QTest::newRow("cut sequence") << QByteArray("\xC3") << QString(QChar(char16_t(0xDCC3)));
-    QTest::newRow("no lead") << QByteArray("\xFF\xFF") << QString(ff) + ff;
-    // Beside a byte that is no text, each character is read by itself.
+    QTest::newRow("truncated sequence") << QByteArray("\xC3") << QString(QChar(char16_t(0xDCC3)));
+    QTest::newRow("invalid bytes") << QByteArray("\xFF\xFF") << QString(ff) + ff;
+    // Next to an invalid byte, the decoder reads each character by itself.
     for (const char32_t character :
          {U'\u0080', U'\u07FF', U'\u0800', U'\u0FFF', U'\uFFFD', U'\U00010000', U'\U0010FFFF'}) {
         const QString text = QString::fromUcs4(&character, 1);
@@ -42,11 +42,11 @@ void TestTextCodec::survivesBothWays_data()
     QTest::newRow("UTF-8 of a surrogate")
         << QByteArray("\xED\xB3\xA9")
         << QString(QChar(char16_t(0xDCED))) + QChar(char16_t(0xDCB3)) + QChar(char16_t(0xDCA9));
-    QTest::newRow("character before a cut one")
+    QTest::newRow("character before a truncated one")
         << QByteArray("\xF0\x9F\x94\x86\xF0") << QString::fromUtf8("🔆") + QChar(char16_t(0xDCF0));
 }
 
-void TestTextCodec::survivesBothWays()
+void TestTextCodec::survivesARoundTrip()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, text);
@@ -54,7 +54,7 @@ void TestTextCodec::survivesBothWays()
     QCOMPARE(bytesFromText(text), bytes);
 }
 
-void TestTextCodec::everyPairOfBytesSurvives()
+void TestTextCodec::everyPairOfBytesSurvivesARoundTrip()
 {
     for (int first = 0; first < 256; ++first) {
         for (int second = 0; second < 256; ++second) {
@@ -62,7 +62,7 @@ void TestTextCodec::everyPairOfBytesSurvives()
             QCOMPARE(bytesFromText(textFromBytes(bytes)), bytes);
         }
     }
-    const QByteArray mark("\xEF\xBB\xBFx"); // the toolkit drops a byte order mark
+    const QByteArray mark("\xEF\xBB\xBFx"); // QString::fromUtf8() drops a byte order mark
     QCOMPARE(bytesFromText(textFromBytes(mark)), mark);
 }
 

@@ -15,7 +15,7 @@ using namespace MkPackage;
 namespace {
 constexpr char asRoot[] = "umask 022; tar --owner=0 --group=0 -cz ";
 
-/// An archive of what @p script makes in an empty folder, packed by @p command.
+/// Runs @p script in an empty folder and packs the result by @p command.
 QByteArray packed(const QString &script, const QString &command = QString(asRoot) + "*")
 {
     return shellBytes("folder=$(mktemp -d); cd $folder; umask 022; " + script + "; " + command
@@ -47,7 +47,7 @@ QByteArrayList linesOf(const Verification &found)
     return lines;
 }
 
-/// Gives some bytes and then fails, as a stick does that is pulled.
+/// Returns some bytes and then fails, like a stick that is pulled.
 class FailingDevice : public QIODevice
 {
 public:
@@ -103,11 +103,12 @@ void TestVerify::archives_data()
     const QByteArray ending = "; a panel unpacks what it can and says nothing";
 
     QTest::newRow("good") << small << QByteArrayList();
-    QTest::newRow("none") << QByteArray()
-                          << QByteArrayList{gzipError + "no archive follows the header" + ending};
+    QTest::newRow("missing") << QByteArray()
+                             << QByteArrayList{gzipError + "no archive follows the header"
+                                               + ending};
     QTest::newRow("one byte missing")
         << small.chopped(1) << QByteArrayList{gzipError + "cut off" + ending};
-    QTest::newRow("a NUL byte behind it")
+    QTest::newRow("a NUL byte after it")
         << small + QByteArray(1, '\0')
         << QByteArrayList{gzipError + "something else follows it" + ending};
     QTest::newRow("half a second stream")
@@ -115,18 +116,18 @@ void TestVerify::archives_data()
     QTest::newRow("two archives in one stream")
         << packed("echo a >a", "(tar -c a; tar -c a) | gzip")
         << QByteArrayList{"error tar something follows its end"};
-    QTest::newRow("an archive that ends in zeros of a file")
+    QTest::newRow("archive cut off in a file of zeros")
         << packed("head -c 2048 /dev/zero >z", "tar -c z | head -c 2560 | gzip")
         << QByteArrayList{"error tar the two blocks of zeros at its end are missing"};
-    QTest::newRow("half an end") << packed("echo a >a", "tar -c a | head -c 1536 | gzip")
-                                 << QByteArrayList{
-                                        "error tar the two blocks of zeros at its end are missing"};
+    QTest::newRow("half of the end")
+        << packed("echo a >a", "tar -c a | head -c 1536 | gzip")
+        << QByteArrayList{"error tar the two blocks of zeros at its end are missing"};
     const QByteArray longEnd = packed("echo a >a; head -c 200000 /dev/zero >z",
                                       "(tar -c --owner=0 --group=0 a; cat z) | gzip");
     QTest::newRow("a long end") << longEnd << QByteArrayList();
-    QTest::newRow("a wrong checksum behind a long end") << longEnd.chopped(8) + QByteArray(4, '\1')
+    QTest::newRow("wrong checksum after a long end") << longEnd.chopped(8) + QByteArray(4, '\1')
             + longEnd.right(4) << QByteArrayList{gzipError + "incorrect data check" + ending};
-    QTest::newRow("something behind a long end")
+    QTest::newRow("data after a long end")
         << packed("echo a >a; head -c 200000 /dev/zero >z", "(tar -c a; cat z a) | gzip")
         << QByteArrayList{"error tar something follows its end"};
     QTest::newRow("no members") << packed("echo a >a", "tar -cz --files-from=/dev/null")
@@ -139,7 +140,7 @@ void TestVerify::archives_data()
     QTest::newRow("the panel's folder")
         << packed("echo a >a; chmod 755 .", QString(asRoot) + ".")
         << QByteArrayList{"warning rights ./: changes the permissions of the panel's folder"};
-    QTest::newRow("the panel's folder for all")
+    QTest::newRow("the panel's folder, writable by all")
         << packed("echo a >a; chmod 777 .", QString(asRoot) + ".")
         << QByteArrayList{"warning rights ./: can be written by anyone",
                           "error rights ./: gives the panel's folder unsafe permissions"};
@@ -168,20 +169,20 @@ void TestVerify::archives_data()
                           "error links m: is a hard link to something that is not an earlier file"};
     QTest::newRow("a folder twice")
         << packed("mkdir d; echo a >d/a",
-                  QString(asRoot) + "--hard-dereference d d/") // as archives that were joined
+                  QString(asRoot) + "--hard-dereference d d/") // like joined archives
         << QByteArrayList{"warning names d/a: occurs twice; the last one wins"};
-    QTest::newRow("below a file")
+    QTest::newRow("inside a file")
         << packed("mkdir a b; echo x >a/x; echo x >b/a",
                   QString(asRoot) + "--transform=s,b/a,a, b/a a/x")
         << QByteArrayList{"error names a/x: is inside something that is not a folder"};
     QTest::newRow("hard link to a folder that is a file")
         << packed("echo a >a; ln a b", QString(asRoot) + "--transform=s,^a,a/,hRS a b")
         << QByteArrayList{"error links b: is a hard link to something that is not an earlier file"};
-    QTest::newRow("link named as a folder")
+    QTest::newRow("link named like a folder")
         << packed("echo a >a; ln -s a l", QString(asRoot) + "--transform=s,l,l/,S a l")
         << QByteArrayList{"error names l/: is named like a folder but is not one",
                           "warning links l/ -> a: is a link inside the folder"};
-    QTest::newRow("in place of a folder")
+    QTest::newRow("file in place of a folder")
         << packed("mkdir a; echo x >a/x; echo y >y", QString(asRoot) + "--transform=s,y,a, a/x y")
         << QByteArrayList{"error names a: was a folder earlier in the archive"};
     QTest::newRow("a link twice") << packed("mkdir d; ln -s a l; ln -s a d/l",
@@ -191,14 +192,14 @@ void TestVerify::archives_data()
                                          "warning links l -> a: is a link inside the folder",
                                          "error links l: occurs twice, once as a link"};
     QTest::newRow("a hard link to itself")
-        << packed("echo a >a", QString(asRoot) + "a a") // as tar packs a file that is named twice
+        << packed("echo a >a", QString(asRoot) + "a a") // tar stores the second "a" as a hard link
         << QByteArrayList{"error links a: occurs twice, once as a link",
                           "error links a: is a hard link to something that is not an earlier file"};
-    QTest::newRow("shrinks too much")
+    QTest::newRow("compressed too much")
         << packed("head -c 21M /dev/zero >z")
         << QByteArrayList{"error size 22026240 bytes unpacked, 1026 times the packed size: made "
                           "to fill a disk"};
-    QTest::newRow("shrinks much, but is small")
+    QTest::newRow("compressed much, but small")
         << packed("head -c 19M /dev/zero >z") << QByteArrayList();
 }
 
@@ -223,7 +224,7 @@ void TestVerify::headers_data()
     QTest::newRow("reserved bytes")
         << application.left(19) + '\1' + application.mid(20)
         << QByteArrayList{"warning header the reserved bytes are not all zero"};
-    QTest::newRow("rest behind the target") << application.left(35)
+    QTest::newRow("bytes after the target") << application.left(35)
             + '\1' << QByteArrayList{"warning header there are bytes after the end of the target"};
     QTest::newRow("target without an end")
         << application.left(20) + "0123456789ABCDEF"
@@ -233,7 +234,7 @@ void TestVerify::headers_data()
         << formatPackageHeader({Kinds::application, 12, ""})
         << QByteArrayList{"warning header the target is empty: only a panel that was never set up "
                           "accepts it"};
-    QTest::newRow("target that is no text")
+    QTest::newRow("target is not text")
         << formatPackageHeader({Kinds::application, 12, "\x1b[2J"})
         << QByteArrayList{"warning header the target is not printable ASCII: \\x1b[2J"};
     QTest::newRow("unknown kind")
@@ -315,16 +316,16 @@ void TestVerify::versionFiles_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArrayList>("lines");
     const QByteArray differs = ", its header says 4: the panel goes by the file";
-    QTest::newRow("right") << "echo 4 >bios.version"
-                           << "a.mo" << QByteArrayList();
-    QTest::newRow("another") << "echo 3 >bios.version"
-                             << "a.mo"
-                             << QByteArrayList{"warning panel its bios.version is 3" + differs};
-    QTest::newRow("no number") << "head -c 99 /dev/zero >bios.version"
-                               << "a.pkg"
-                               << QByteArrayList{"warning panel its bios.version is "
-                                                 + QByteArray("\\x00").repeated(15) + "..."
-                                                 + differs};
+    QTest::newRow("same version") << "echo 4 >bios.version"
+                                  << "a.mo" << QByteArrayList();
+    QTest::newRow("another version")
+        << "echo 3 >bios.version"
+        << "a.mo" << QByteArrayList{"warning panel its bios.version is 3" + differs};
+    QTest::newRow("not a number") << "head -c 99 /dev/zero >bios.version"
+                                  << "a.pkg"
+                                  << QByteArrayList{"warning panel its bios.version is "
+                                                    + QByteArray("\\x00").repeated(15) + "..."
+                                                    + differs};
     QTest::newRow("missing") << "mkdir d; echo 4 >d/bios.version"
                              << "a.mo"
                              << QByteArrayList{"warning panel it has no file bios.version: the "
@@ -376,7 +377,7 @@ void TestVerify::timeDependsOnTheRate()
     QCOMPARE(linesOf(verifiedArchive(archive, 1)),
              QByteArrayList{"warning time up to 20.0 s at 1 MB/s; a panel allows 30 s"});
     const QByteArray files = packed("mkdir d; cd d; seq 15000 | xargs touch; cd ..");
-    QCOMPARE(verifiedArchive(files).seconds, 3.8); // 3 of them to make the files
+    QCOMPARE(verifiedArchive(files).seconds, 3.8); // 3 s of it to create the files
     QCOMPARE(linesOf(verifiedArchive(files)), QByteArrayList());
     QCOMPARE(linesOf(verifiedArchive(files, 1)),
              QByteArrayList{"error time up to 37.7 s at 1 MB/s; a panel allows 30 s"});
@@ -393,7 +394,7 @@ void TestVerify::unreadable()
     }
 }
 
-/// To one who only looks: a panel can do nothing with it, as the error among the archives tells.
+/// The info command accepts an empty archive; only verify calls it an error.
 void TestVerify::emptyArchiveIsWhole()
 {
     QBuffer buffer;

@@ -8,7 +8,7 @@
 using namespace MkPackage;
 
 namespace {
-/// With a finding of each level.
+/// A result with findings of each level.
 Verification mixedVerification()
 {
     Verification found;
@@ -47,7 +47,7 @@ private slots:
     void jsonWithoutAHeader();
 };
 
-/// A package may have a million of one sort.
+/// A check may have a million findings; the report must stay short.
 void TestVerifyReport::manyFindings()
 {
     Findings findings;

@@ -23,8 +23,8 @@ private slots:
     void unreadableFileIsEmpty_data();
     void unreadableFileIsEmpty();
     void writesWithoutLineEnd();
-    void unwritableFileIsPassedOver_data();
-    void unwritableFileIsPassedOver();
+    void ignoresAnUnwritableFile_data();
+    void ignoresAnUnwritableFile();
     void namesModel_data();
     void namesModel();
 };
@@ -77,12 +77,12 @@ void TestVersionFiles::writesWithoutLineEnd()
     QCOMPARE(content(path), QByteArray("Müller"));
 }
 
-void TestVersionFiles::unwritableFileIsPassedOver_data()
+void TestVersionFiles::ignoresAnUnwritableFile_data()
 {
     addUnwritablePathRows();
 }
 
-void TestVersionFiles::unwritableFileIsPassedOver()
+void TestVersionFiles::ignoresAnUnwritableFile()
 {
     QFETCH(QString, kind);
     const FaultFile fault(kind);
@@ -97,7 +97,7 @@ void TestVersionFiles::namesModel_data()
     QTest::addColumn<QStringList>("names");
     QTest::newRow("K21T") << "RV-K21T" << QStringList{"RV-K21T", "K21T"};
     QTest::newRow("K25T") << "RV-K25T" << QStringList{"RV-K25T", "K25T"};
-    QTest::newRow("blank behind") << "RV-K25T " << QStringList{"RV-K25T "};
+    QTest::newRow("trailing blank") << "RV-K25T " << QStringList{"RV-K25T "};
     QTest::newRow("other case") << "rv-k25t" << QStringList{"rv-k25t"};
     QTest::newRow("short code alone") << "K21" << QStringList{"K21"};
     QTest::newRow("none") << QString() << QStringList{QString()};

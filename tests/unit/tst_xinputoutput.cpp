@@ -37,8 +37,8 @@ void TestXinputOutput::findsDevice_data()
                                  << "PenMount";
     QTest::newRow("CRLF") << "PenMount\r\n"
                           << "PenMount";
-    QTest::newRow("behind an empty line") << "\nPenMount\n"
-                                          << "PenMount";
+    QTest::newRow("after an empty line") << "\nPenMount\n"
+                                         << "PenMount";
     QTest::newRow("UTF-8") << QString::fromUtf8("PenMount für Kälte\n")
                            << QString::fromUtf8("PenMount für Kälte");
 }
@@ -61,11 +61,11 @@ void TestXinputOutput::readsState_data()
     QTest::newRow("down") << head + "\tbutton[1]=down\n\tbutton[2]=up\n" << TouchState::Down;
     QTest::newRow("second button alone") << head + "\tbutton[2]=down\n" << TouchState::Unknown;
     QTest::newRow("eleventh button") << "\tbutton[11]=down\n" << TouchState::Unknown;
-    QTest::newRow("blanks around") << "button[1]=  up \n" << TouchState::Up;
+    QTest::newRow("surrounding blanks") << "button[1]=  up \n" << TouchState::Up;
     QTest::newRow("any other text is down") << "button[1]=UP\n" << TouchState::Down;
     QTest::newRow("no text is down") << "button[1]=\n" << TouchState::Down;
     QTest::newRow("the second part counts") << "button[1]=up=down\n" << TouchState::Up;
-    QTest::newRow("= in front") << "a=up button[1]=down\n" << TouchState::Down;
+    QTest::newRow("= before the name") << "a=up button[1]=down\n" << TouchState::Down;
     QTest::newRow("the first line counts") << "button[1]=up\nbutton[1]=down\n" << TouchState::Up;
     QTest::newRow("failure") << "unable to find device 'null'\n" << TouchState::Unknown;
     QTest::newRow("garbage") << QString(QChar(0)) + "button[1]" << TouchState::Unknown;

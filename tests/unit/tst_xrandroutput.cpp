@@ -33,8 +33,8 @@ void TestXrandrOutput::findsConnectedOutput_data()
         << "VGA1";
     QTest::newRow("disconnected only") << "VGA1 disconnected (normal)\n"
                                        << "";
-    QTest::newRow("no blank behind") << "VGA1 connected\n"
-                                     << "";
+    QTest::newRow("no blank after connected") << "VGA1 connected\n"
+                                              << "";
     QTest::newRow("stops at an empty line") << "LVDS1 connected 1\n\nVGA1 connected 1\n"
                                             << "LVDS1";
     QTest::newRow("begins with an empty line") << "\nVGA1 connected 1\n"

@@ -11,8 +11,10 @@
 namespace {
 constexpr QSize buttonSize(400, 300);
 constexpr QPoint centre(200, 150);
-constexpr int second = 1000; // ms
-/// Room around the ring, in which pixels are not as the layers alone make them.
+constexpr int second = 1000;               // ms
+constexpr int overOneTick = 1200;          // ms
+constexpr int timerTolerance = second / 5; // ms by which a tick may come early
+/// The area of the ring, where pixels differ from the layers below it.
 constexpr QRect ringArea(110, 60, 180, 180);
 
 const QList<QColor> ringColors{Qt::red, Qt::magenta, Qt::yellow, Qt::green, Qt::blue, Qt::white};
@@ -22,15 +24,15 @@ QImage painted(QWidget &button)
     return button.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-/// Radius at which a ring around a number of one digit is drawn, px.
+/// Radius of the ring around a number of one digit, in px.
 int ringRadius(const QWidget &button)
 {
     const QFontMetrics metrics(button.font());
     return qMax(metrics.height(), metrics.horizontalAdvance('5'));
 }
 
-/// The count of which the ring has its colour, -1 if there is no ring. The ring is looked for at
-/// its radius, where the number in the centre does not reach.
+/// The count that the colour of the ring stands for; -1 if there is no ring. Looks at the radius
+/// of the ring, outside the number.
 int ringCount(StartingApplicationAniationButton &button)
 {
     const int radius = ringRadius(button);
@@ -116,18 +118,18 @@ void TestCountDown::countsDownForSixSeconds()
     QElapsedTimer timer;
     timer.start();
     for (int count = 5; count >= 0; --count) {
-        QTest::qWait(int((5 - count) * second + second / 2 - timer.elapsed()));
-        QCOMPARE(ringCount(button), count);
+        QTRY_COMPARE_WITH_TIMEOUT(ringCount(button), count, 2 * second);
+        QVERIFY(timer.elapsed() >= (5 - count) * second - timerTolerance);
         QCOMPARE(zero.count(), 0);
     }
     QVERIFY(zero.wait(2 * second));
     QVERIFY2(timer.elapsed() > 5700 && timer.elapsed() < 8000,
              qPrintable(QString::number(timer.elapsed())));
-    // No colour for -1: no ring, not even a black one, but the number.
+    // After the end there is no ring, not even a black one, but the number stays.
     const QRect number(centre - QPoint(30, 20), QSize(60, 40));
     QCOMPARE(computed(false).difference(painted(button), number), QString());
     QVERIFY(holdsWhite(painted(button), number));
-    QTest::qWait(2 * second);
+    QTest::qWait(overOneTick); // the signal must not come again
     QCOMPARE(zero.count(), 1);
 }
 
@@ -143,7 +145,7 @@ void TestCountDown::touchStopsTheCount()
     QCOMPARE(clicked.count(), 0);
     QTest::mouseRelease(&button, Qt::LeftButton);
     QCOMPARE(clicked.count(), 1);
-    QTest::qWait(5 * second);
+    QTest::qWait(overOneTick); // the count must not go on
     QCOMPARE(ringCount(button), 3);
     QCOMPARE(zero.count(), 0);
     QTest::mouseClick(&button, Qt::LeftButton);
@@ -163,10 +165,10 @@ void TestCountDown::showingAgainRestarts()
     timer.start();
     QCOMPARE(ringCount(button), 5);
     QVERIFY(zero.wait(8 * second));
-    // The first show's timer still ticks and must not count.
+    // The timer of the first show still runs, but must not count.
     QVERIFY2(timer.elapsed() > 5700 && timer.elapsed() < 8000,
              qPrintable(QString::number(timer.elapsed())));
-    QTest::qWait(2 * second);
+    QTest::qWait(overOneTick); // the signal must not come again
     QCOMPARE(zero.count(), 1);
 }
 
@@ -187,12 +189,13 @@ void TestCountDown::ringIsADottedCircle_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("fontSize");
-    QTest::newRow("usual") << buttonSize << 40;
+    QTest::newRow("default") << buttonSize << 40;
     QTest::newRow("other size") << QSize(300, 500) << 40;
     QTest::newRow("other font") << buttonSize << 61;
 }
 
-/// A dot is a pen's width long and two apart; the square ends make it longer by a half at each end.
+/// A dot is one pen width long, and two pen widths lie between dots. The square cap adds half a
+/// width at each end.
 void TestCountDown::ringIsADottedCircle()
 {
     QFETCH(QSize, size);
@@ -203,12 +206,12 @@ void TestCountDown::ringIsADottedCircle()
     font.setPixelSize(fontSize);
     button.setFont(font);
     button.resize(size);
-    button.setPressed(true); // black but for the ring and the number
+    button.setPressed(true); // then only the ring and the number are not black
     const QImage image = painted(button);
     const int radius = ringRadius(button);
     const QPoint middle(size.width() / 2, size.height() / 2);
 
-    QList<int> lit; // to the right of the number, in the middle row
+    QList<int> lit; // x of lit pixels right of the number, in the middle row
     for (int x = middle.x() + radius / 2; x < size.width(); ++x) {
         if (isLit(image, x, middle.y())) {
             lit += x - middle.x() - radius;
@@ -216,7 +219,7 @@ void TestCountDown::ringIsADottedCircle()
     }
     QCOMPARE(lit, (QList<int>{-5, -4, -3, -2, -1, 0, 1, 2, 3, 4}));
 
-    const int dots = int(2 * M_PI * radius) / (3 * width); // what is left at the end may be short
+    const int dots = int(2 * M_PI * radius) / (3 * width); // the last dot may be shorter
     for (int dot = 0; dot < dots; ++dot) {
         const int start = dot * 3 * width;
         for (const int arc : {-3, 0, 5, 10, 13}) {

@@ -29,7 +29,7 @@ QList<KPixelTestWidget *> pixelTests()
     return tests;
 }
 
-/// The one colour of a picture; nothing if there are several.
+/// The colour of a picture; an invalid one if it has several.
 QColor onlyColor(const QImage &image)
 {
     const QColor color = image.pixelColor(0, 0);
@@ -38,7 +38,7 @@ QColor onlyColor(const QImage &image)
     return image == plain ? color : QColor();
 }
 
-/// The gradient's colour at @p position from 0 to 1, from its five stops.
+/// Colour of the gradient at @p position, from 0 to 1.
 QColor blendedColor(double position)
 {
     constexpr Qt::GlobalColor stops[] = {Qt::blue, Qt::yellow, Qt::red, Qt::green, Qt::blue};
@@ -53,7 +53,7 @@ QColor blendedColor(double position)
             mixed(from.blue(), to.blue())};
 }
 
-/// The largest difference of a channel, 0 to 255.
+/// The largest difference in a colour channel, 0 to 255.
 int difference(const QColor &first, const QColor &second)
 {
     return std::max({std::abs(first.red() - second.red()), std::abs(first.green() - second.green()),
@@ -69,8 +69,8 @@ private slots:
     void plainBeep();
     void freeTone();
     void presetTones();
-    void beepThatFails_data();
-    void beepThatFails();
+    void failingBeep_data();
+    void failingBeep();
     void tonesDoNotBlock();
     void brightness();
     void brightnessOutput_data();
@@ -95,7 +95,7 @@ void TestDeviceTests::plainBeep()
     factory.tools().setBody("beep", "sleep 0.1; echo ended >>/run/beeps");
     factory.click("Test");
     factory.click("Beep", 0);
-    QVERIFY(QFile::exists("/run/beeps")); // it was waited for
+    QVERIFY(QFile::exists("/run/beeps")); // the program waited for the end of the tool
     QCOMPARE(factory.calls().first(), QString("beep"));
 }
 
@@ -131,7 +131,7 @@ void TestDeviceTests::presetTones()
                           "beep [-f] [2900] [-l] [100]"}));
 }
 
-void TestDeviceTests::beepThatFails_data()
+void TestDeviceTests::failingBeep_data()
 {
     QTest::addColumn<QString>("body");
     QTest::newRow("exit status") << "exit 1";
@@ -139,7 +139,7 @@ void TestDeviceTests::beepThatFails_data()
     QTest::newRow("missing") << QString();
 }
 
-void TestDeviceTests::beepThatFails()
+void TestDeviceTests::failingBeep()
 {
     QFETCH(QString, body);
     const FactoryWindow factory({"beep", "xrandr"});
@@ -181,11 +181,11 @@ void TestDeviceTests::brightness()
     const FactoryWindow factory({"xrandr"});
     factory.tools().setBody("xrandr", "[ \"$1\" != -q ] || echo 'LVDS1 connected 800x600+0+0'");
     factory.click("Test");
-    QCOMPARE(factory.calls(), QStringList()); // the entry it starts with is not applied
+    QCOMPARE(factory.calls(), QStringList()); // the initial brightness is not applied
     auto *box = factory.page(1)->findChild<QComboBox *>();
     box->setCurrentIndex(0);
     QCOMPARE(factory.calls(), QStringList());
-    // The light rises as the shown percentage falls.
+    // The display gets brighter as the shown percentage falls.
     const QStringList factors{"0", "0.2", "0.4", "0.6", "0.8", "1"};
     for (const int index : {5, 0, 1, 2, 3, 4}) {
         box->setCurrentIndex(index);
@@ -231,7 +231,7 @@ void TestDeviceTests::pixelTestWalk()
         QVERIFY(test->isVisible());
         QCOMPARE(onlyColor(test->grab().toImage()), QColor(color));
         QTest::mousePress(test, Qt::LeftButton);
-        QCOMPARE(onlyColor(test->grab().toImage()), QColor(color)); // the release counts
+        QCOMPARE(onlyColor(test->grab().toImage()), QColor(color)); // the colour changes on release
         QTest::mouseRelease(test, Qt::LeftButton);
     }
     QVERIFY(!test->isVisible());
@@ -268,7 +268,7 @@ void TestDeviceTests::closedPixelTestStaysGreen()
 {
     auto *test = new KPixelTestWidget;
     test->run();
-    for (int release = 0; release < 7; ++release) { // two come before it is gone
+    for (int release = 0; release < 7; ++release) { // the last two come before it is deleted
         QTest::mouseRelease(test, Qt::LeftButton);
     }
     QVERIFY(!test->isVisible());
@@ -291,7 +291,7 @@ void TestDeviceTests::gradient()
     ColorBlending blending;
     blending.resize(size);
     const QImage image = blending.grab().toImage();
-    // A pixel's colour is that of its middle; the toolkit reads it from a table of 1024 steps.
+    // Qt samples the gradient at the middle of a pixel, from a table of 1024 steps.
     const int tolerance = 4;
     for (int x = 0; x < size.width(); ++x) {
         const QColor expected = blendedColor((x + 0.5) / size.width());

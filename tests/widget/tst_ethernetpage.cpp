@@ -32,14 +32,14 @@ QString interfacesText()
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString("none");
 }
 
-/// The settings window with its Ethernet page open, worked by clicks.
+/// The settings window with its Ethernet page open. Tests operate it by clicks.
 class Page : public SettingsPage
 {
 public:
     explicit Page(const QByteArray &settings = {}, const ToolLimits &limits = {})
         : SettingsPage("Ethernet:3", settings, StaysClosed, limits)
     {
-        window()->activateWindow(); // nothing manages the windows here
+        window()->activateWindow(); // there is no window manager
         if (!QTest::qWaitForWindowActive(window())) {
             qFatal("the window does not get the focus");
         }
@@ -95,18 +95,18 @@ private slots:
     void layout();
     void shows_data();
     void shows();
-    void liveAddress_data();
-    void liveAddress();
+    void showsTheLiveAddress_data();
+    void showsTheLiveAddress();
     void hangingIfconfigIsCutOff();
     void modesEnableTheEdits();
     void saves_data();
     void saves();
     void cancelChangesNothing();
-    void textsAreTakenAsTyped();
+    void textsAreNotChecked();
     void emptyMaskIsStoredEmpty();
-    void unwritableInterfacesFileStays();
-    void interfacesFileThatCannotBeReplaced_data();
-    void interfacesFileThatCannotBeReplaced();
+    void unwritableInterfacesFileIsKept();
+    void interfacesFileIsWrittenInPlace_data();
+    void interfacesFileIsWrittenInPlace();
     void toolsThatFail_data();
     void toolsThatFail();
     void hangingDhcpClientIsCutOff();
@@ -138,7 +138,7 @@ void TestEthernetPage::cleanup()
 void TestEthernetPage::builtPage()
 {
     writePanelFile("bios.ini", "");
-    const BiosInterface window; // not opened: as it was built
+    const BiosInterface window; // as built, before the page is opened
     QWidget *page = window.findChild<QStackedWidget *>()->widget(BiosInterface::EthernetPage);
     const auto modes = page->findChildren<RadioButton *>();
     const auto edits = page->findChildren<LineEditWithKeyPad *>();
@@ -218,7 +218,7 @@ void TestEthernetPage::shows_data()
     QTest::addColumn<QByteArray>("settings");
     QTest::addColumn<QString>("shown");
     const QString off = "Disable [] [] disabled";
-    const QString none = "DHCP [NULL] [255.255.255.0] disabled"; // ifconfig says nothing
+    const QString none = "DHCP [NULL] [255.255.255.0] disabled"; // ifconfig prints nothing
     QTest::newRow("nothing set") << QByteArray() << off + " / " + off;
     QTest::newRow("both on DHCP") << QByteArray("ethernet.eth0=dhcp\nethernet.eth1=dhcp\n")
                                   << none + " / " + none;
@@ -227,7 +227,7 @@ void TestEthernetPage::shows_data()
         "ethernet.eth1=10.0.0.2\n")
                                << "Manual Input [10.0.0.1] [255.0.0.0] enabled / "
                                   "Manual Input [10.0.0.2] [255.255.255.0] enabled";
-    QTest::newRow("upper case is no DHCP")
+    QTest::newRow("upper case is not DHCP")
         << QByteArray("ethernet.eth0=DHCP\n")
         << "Manual Input [DHCP] [255.255.255.0] enabled / " + off;
     QTest::newRow("mask alone") << QByteArray("ethernet.eth0.mask=255.0.0.0\n")
@@ -245,20 +245,20 @@ void TestEthernetPage::shows()
     QFETCH(QString, shown);
     const Page page(settings);
     QCOMPARE(page.shown(), shown);
-    page.choose(0, Manual); // left without saving: the next visit shows the settings again
+    page.choose(0, Manual); // not saved, so the next visit shows the settings again
     page.cancel();
     page.open();
     QCOMPARE(page.shown(), shown);
 }
 
-void TestEthernetPage::liveAddress_data()
+void TestEthernetPage::showsTheLiveAddress_data()
 {
     QTest::addColumn<QString>("ifconfig");
     QTest::addColumn<QString>("shown");
     QTest::newRow("classic format")
         << "printf '  inet addr:192.168.0.123  Bcast:192.168.0.255  Mask:255.255.0.0\\n abcdef'"
         << "DHCP [192.168.0.123] [255.255.0.0\n abcd] disabled";
-    QTest::newRow("today's format") << "echo 'inet 192.168.0.123  netmask 255.255.0.0'"
+    QTest::newRow("current format") << "echo 'inet 192.168.0.123  netmask 255.255.0.0'"
                                     << "DHCP [NULL] [255.255.255.0] disabled";
     QTest::newRow("fails") << "exit 1"
                            << "DHCP [NULL] [255.255.255.0] disabled";
@@ -266,7 +266,7 @@ void TestEthernetPage::liveAddress_data()
                            << "DHCP [NULL] [255.255.255.0] disabled";
 }
 
-void TestEthernetPage::liveAddress()
+void TestEthernetPage::showsTheLiveAddress()
 {
     QFETCH(QString, ifconfig);
     QFETCH(QString, shown);
@@ -364,7 +364,7 @@ void TestEthernetPage::cancelChangesNothing()
     QCOMPARE(interfacesText(), QString(oldInterfaces));
 }
 
-void TestEthernetPage::textsAreTakenAsTyped()
+void TestEthernetPage::textsAreNotChecked()
 {
     const Page page;
     page.choose(0, Manual);
@@ -378,7 +378,7 @@ void TestEthernetPage::textsAreTakenAsTyped()
     page.open();
     page.address(0)->clear();
     page.ok();
-    QVERIFY(m_tools->calls().contains("ifconfig [eth0] []")); // one empty argument
+    QVERIFY(m_tools->calls().contains("ifconfig [eth0] []")); // an empty argument
 }
 
 void TestEthernetPage::emptyMaskIsStoredEmpty()
@@ -395,7 +395,7 @@ void TestEthernetPage::emptyMaskIsStoredEmpty()
              QString("Manual Input [10.0.0.9] [255.255.255.0] enabled"));
 }
 
-void TestEthernetPage::unwritableInterfacesFileStays()
+void TestEthernetPage::unwritableInterfacesFileIsKept()
 {
     const Page page;
     page.choose(0, Dhcp);
@@ -405,18 +405,18 @@ void TestEthernetPage::unwritableInterfacesFileStays()
     const QString left = interfacesText();
     shellBytes("umount /etc/network");
     QCOMPARE(left, QString(oldInterfaces));
-    QCOMPARE(readPanelFile("bios.ini"), QByteArray("ethernet.eth0=dhcp\n")); // the choice is kept
+    QCOMPARE(readPanelFile("bios.ini"), QByteArray("ethernet.eth0=dhcp\n")); // saved anyway
     QCOMPARE(page.window()->findChild<QStackedWidget *>()->currentIndex(), 1);
 }
 
-void TestEthernetPage::interfacesFileThatCannotBeReplaced_data()
+void TestEthernetPage::interfacesFileIsWrittenInPlace_data()
 {
     QTest::addColumn<QString>("cover");
     QTest::addColumn<QString>("undo");
     const QString mount = "cp interfaces /run/kept && chmod 600 /run/kept && "
                           "chown 7:8 /run/kept && mount --bind /run/kept interfaces";
-    QTest::newRow("mounted by itself") << mount << "umount interfaces";
-    QTest::newRow("mounted by itself, read-only root")
+    QTest::newRow("bind mount") << mount << "umount interfaces";
+    QTest::newRow("bind mount, read-only root")
         << "mount --bind . . && cd /etc/network && mount -o remount,bind,ro . && " + mount
         << "umount interfaces && cd / && umount /etc/network";
     QTest::newRow("full disk") << "mount -t tmpfs -o size=64k panel . && cd /etc/network && "
@@ -426,7 +426,7 @@ void TestEthernetPage::interfacesFileThatCannotBeReplaced_data()
                                << "cd / && umount /etc/network";
 }
 
-void TestEthernetPage::interfacesFileThatCannotBeReplaced()
+void TestEthernetPage::interfacesFileIsWrittenInPlace()
 {
     QFETCH(QString, cover);
     QFETCH(QString, undo);
@@ -440,7 +440,7 @@ void TestEthernetPage::interfacesFileThatCannotBeReplaced()
     shellBytes(inFolder + undo);
     QCOMPARE(written, loopback + "auto eth0\niface eth0 inet dhcp\n\n");
     QCOMPARE(rights, QByteArray("7:8:600\n"));
-    QCOMPARE(interfacesText(), QString(oldInterfaces)); // what was covered
+    QCOMPARE(interfacesText(), QString(oldInterfaces)); // the covered file is unchanged
 }
 
 void TestEthernetPage::toolsThatFail_data()
@@ -509,9 +509,9 @@ void TestEthernetPage::keypadServesTheFields()
     }
     QVERIFY(keypad != nullptr && keypad->isVisible());
     const QRect place(field->mapToGlobal(QPoint(0, 0)), field->size());
-    QVERIFY(!keypad->geometry().intersects(place)); // never over the field that it serves
+    QVERIFY(!keypad->geometry().intersects(place)); // the keypad does not cover its field
     QVERIFY(QApplication::primaryScreen()->geometry().contains(keypad->geometry()));
-    page.ok(); // leaves the page
+    page.ok(); // back to the main page
     QVERIFY(!keypad->isVisible());
 }
 

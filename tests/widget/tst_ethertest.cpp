@@ -44,7 +44,7 @@ private slots:
     void eachPort();
     void echoes_data();
     void echoes();
-    void everySplitFails();
+    void splitEchoFails();
     void longEchoIsReadToItsEnd();
     void markupIsShownAsItIs();
     void silentPeer();
@@ -57,7 +57,7 @@ private slots:
     void anotherPeer_data();
     void anotherPeer();
     void startedAgain();
-    void anOlderEchoGivesNoVerdict();
+    void echoOfAnEarlierTestGivesNoVerdict();
     void serialTestMeanwhile();
     void verdictEndsTheConnection();
     void windowClosedMeanwhile();
@@ -67,6 +67,7 @@ void TestEtherTest::initTestCase()
 {
     requirePanel();
     ip("address add 192.168.0.10/24 dev eth0");
+    ip("ntable change name arp_cache dev eth0 retrans 100"); // ms; missing hosts fail sooner
 }
 
 void TestEtherTest::init()
@@ -88,7 +89,7 @@ void TestEtherTest::eachPort()
     factory.click("Test");
     factory.click(QString("Eth%1").arg(number - 1));
     QTRY_COMPARE(factory.result(), payload(number) + okLines);
-    QCOMPARE(factory.calls(), QStringList()); // no pause here
+    QCOMPARE(factory.calls(), QStringList()); // unlike a serial test, this one does not pause
 }
 
 void TestEtherTest::echoes_data()
@@ -101,10 +102,10 @@ void TestEtherTest::echoes_data()
         << "changed" << sent.left(40) + '#' + sent.mid(41) + failLines;
     QTest::newRow("one byte more") << "extra" << sent + '#' + failLines;
     QTest::newRow("one byte less") << "missing" << sent.left(40) + sent.mid(41) + failLines;
-    QTest::newRow("a zero byte behind") << "zero" << sent + okLines;
+    QTest::newRow("trailing zero byte") << "zero" << sent + okLines;
     QTest::newRow("closed after a part") << "cut:30" << sent.left(30) + failLines;
     QTest::newRow("closed at once") << "cut:0" << QString();
-    QTest::newRow("closed behind the echo") << "cut:66" << sent + okLines;
+    QTest::newRow("closed after the echo") << "cut:66" << sent + okLines;
     QTest::newRow("in parts") << "chunks:250" << sent.left(17) + failLines;
 }
 
@@ -117,12 +118,12 @@ void TestEtherTest::echoes()
     factory.click("Test");
     factory.click("Eth0");
     QTRY_COMPARE(factory.result(), result);
-    QTest::qWait(850); // what else comes finds nobody
+    QTest::qWait(300); // a further part, 250 ms later, must find no reader
     QCOMPARE(factory.result(), result);
 }
 
-/// Parts that are read one after the other each have a line of their own.
-void TestEtherTest::everySplitFails()
+/// The program prints each part that it reads on a line of its own and compares each with the text.
+void TestEtherTest::splitEchoFails()
 {
     network({"peer", "eth0", "bytes"});
     const FactoryWindow factory;
@@ -158,7 +159,7 @@ void TestEtherTest::silentPeer()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("Eth0");
-    QTest::qWait(300);
+    QTest::qWait(200); // no verdict may come
     QCOMPARE(factory.result(), QString());
 }
 
@@ -187,7 +188,7 @@ void TestEtherTest::notConnected()
     timer.start();
     factory.click("Eth1");
     QVERIFY2(timer.elapsed() < 31000, qPrintable(QString::number(timer.elapsed())));
-    QTest::qWait(50);
+    QTest::qWait(50); // no verdict may come
     QCOMPARE(factory.result(), QString());
     init();
     setPeer(factory, "192.168.0.30:33");
@@ -203,7 +204,7 @@ void TestEtherTest::noPeerAddress_data()
     }
 }
 
-/// Nothing changes, what the last test showed included.
+/// The result of the last test stays on the screen as well.
 void TestEtherTest::noPeerAddress()
 {
     QFETCH(QString, address);
@@ -238,7 +239,7 @@ void TestEtherTest::noPort()
     QTRY_COMPARE(factory.result(), payload(1) + okLines);
     setPeer(factory, address);
     factory.click("Eth1");
-    QCOMPARE(factory.result(), QString()); // the test has begun, and nobody answers
+    QCOMPARE(factory.result(), QString()); // the test has started, but cannot connect
 }
 
 void TestEtherTest::anotherPeer_data()
@@ -278,21 +279,21 @@ void TestEtherTest::startedAgain()
     QTRY_COMPARE(factory.result(), payload(2) + okLines);
 }
 
-void TestEtherTest::anOlderEchoGivesNoVerdict()
+void TestEtherTest::echoOfAnEarlierTestGivesNoVerdict()
 {
     network({"peer", "eth0", "late:400"});
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("Eth0");
-    QTest::qWait(200);
-    factory.click("Eth1"); // the first echo comes before this one's
+    QTest::qWait(200); // so the echo of Eth0 comes first
+    factory.click("Eth1");
     QTRY_COMPARE(factory.result(), payload(2) + okLines);
     factory.click("Eth0");
-    QTest::qWait(200);
+    QTest::qWait(200); // the peer reads this text before another peer replaces it
     init();
     factory.click("Eth1");
     QTRY_COMPARE(factory.result(), payload(2) + okLines);
-    QTest::qWait(400); // the first echo comes when no test runs any more
+    QTest::qWait(300); // the echo of Eth0 comes late and must give no verdict
     QCOMPARE(factory.result(), payload(2) + okLines);
 }
 
@@ -325,7 +326,7 @@ void TestEtherTest::windowClosedMeanwhile()
     factory.click("Eth0");
     factory.click("Eth1");
     factory.close();
-    QTest::qWait(200);
+    QTest::qWait(200); // late echoes must not reach the destroyed window
 }
 
 QTEST_MAIN(TestEtherTest)

@@ -1,5 +1,5 @@
-// Every page on every size of screen that panels have, with the font of both kinds of models:
-// nothing is cut, nothing lies outside, and the fonts are as large as the screen allows.
+// Shows every page on every screen size of the panels, with the fonts of both model series. No
+// text may be cut, no widget may lie outside the screen, and fonts must be as large as possible.
 
 #include "fakescreen.h"
 #include "faketools.h"
@@ -50,7 +50,7 @@ QSize textSize(const QWidget *widget, const QString &text)
     return {widget->fontMetrics().horizontalAdvance(text), widget->fontMetrics().height()};
 }
 
-/// Whether a text of @p size has room in @p place.
+/// Whether a text of @p size fits into @p place.
 bool holds(const QRect &place, QSize size)
 {
     return place.width() >= size.width() && place.height() >= size.height();
@@ -89,7 +89,7 @@ bool listBoxHoldsTexts(const QComboBox *box)
     return true;
 }
 
-/// Whether all of the text of a line edit shows: it would scroll in an edit that is too narrow.
+/// Whether the whole text of a line edit is visible; in a narrow edit it would scroll.
 bool editHoldsText(const QLineEdit *edit, const QString &text)
 {
     QStyleOptionFrame option;
@@ -120,7 +120,7 @@ bool holdsText(const QWidget *widget)
     if (const auto *button = qobject_cast<const QToolButton *>(widget)) {
         return holds(button->contentsRect(), textSize(button, button->text()));
     }
-    return true; // a SettingsButton draws its text smaller, a table scrolls
+    return true; // a SettingsButton shrinks its text, and a table scrolls
 }
 
 QString nameOf(const QWidget *widget)
@@ -129,7 +129,7 @@ QString nameOf(const QWidget *widget)
     return QString("%1 \"%2\"").arg(widget->metaObject()->className(), text.toString());
 }
 
-/// The widgets that the page made itself, without those of the title bar.
+/// The widgets of the page, without those of the title bar.
 QList<QWidget *> contentsOf(const QWidget *page)
 {
     QList<QWidget *> contents;
@@ -141,7 +141,7 @@ QList<QWidget *> contentsOf(const QWidget *page)
     return contents;
 }
 
-/// What is wrong with a page; empty if nothing is.
+/// The first fault in the layout of a page; empty if there is none.
 QString faultOf(const QWidget *page)
 {
     const auto widgets = page->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
@@ -165,7 +165,7 @@ QString faultOf(const QWidget *page)
     return {};
 }
 
-/// Whether the list of @p box, once opened, shows all of its rows on the screen.
+/// Opens the list of @p box. Result: whether the screen shows all of its rows.
 bool listShowsAllRows(QComboBox *box)
 {
     box->showPopup();
@@ -180,7 +180,7 @@ bool listShowsAllRows(QComboBox *box)
     return shown;
 }
 
-/// The settings window of a panel of the model @p model whose screen has the size @p size.
+/// The settings window on a panel of the model @p model with a screen of the size @p size.
 class Panel
 {
 public:
@@ -192,7 +192,7 @@ public:
                        "bios.debug=1\nethernet.eth0=10.0.0.1\nethernet.eth1=10.0.0.2\n");
         m_window = std::make_unique<BiosInterface>();
         m_window->show();
-        m_window->activateWindow(); // nothing manages the windows here
+        m_window->activateWindow(); // there is no window manager
         if (!QTest::qWaitForWindowActive(m_window.get())) {
             qFatal("the window does not get the focus");
         }
@@ -238,7 +238,7 @@ private slots:
     void keypadIsWhole();
     void fontsAsBuilt_data();
     void fontsAsBuilt();
-    void rowsGiveWayBeforeFonts();
+    void rowsShrinkBeforeFonts();
     void fontsShrinkTogether();
     void fontsGrowAgain();
     void endlessWord();
@@ -341,7 +341,7 @@ void TestEveryScreen::fontsAsBuilt_data()
     QTest::newRow("800x600, small font") << QSize(800, 600) << QByteArray("K21") << 20;
 }
 
-/// Where a screen has the room everything inherits the window's font, but for captions and edits.
+/// On a large screen all widgets inherit the font of the window, except captions and edits.
 void TestEveryScreen::fontsAsBuilt()
 {
     QFETCH(const QSize, size);
@@ -351,7 +351,7 @@ void TestEveryScreen::fontsAsBuilt()
     for (const char *button : pageButtons) {
         for (const QWidget *widget : contentsOf(panel.open(button))) {
             const bool caption = qobject_cast<const QLabel *>(widget) != nullptr
-                && !widget->font().italic(); // the headings of the ports are no captions
+                && !widget->font().italic(); // the headings of the ports are not captions
             const bool sized = caption
                 || qobject_cast<const LineEditWithKeyPad *>(widget) != nullptr
                 || qobject_cast<const QToolButton *>(widget) != nullptr;
@@ -361,8 +361,8 @@ void TestEveryScreen::fontsAsBuilt()
     }
 }
 
-/// What gives way, and in which order, on the Ethernet page.
-void TestEveryScreen::rowsGiveWayBeforeFonts()
+/// On the Ethernet page, rows get lower before fonts get smaller.
+void TestEveryScreen::rowsShrinkBeforeFonts()
 {
     const auto look = [](QSize size, const char *model) {
         const Panel panel(size, model);
@@ -370,7 +370,7 @@ void TestEveryScreen::rowsGiveWayBeforeFonts()
         return QPair(row->height(), row->font().pixelSize());
     };
     QCOMPARE(look({1024, 768}, "RV-K25T"), QPair(44, 28));
-    const auto [lowRow, fullFont] = look({800, 600}, "RV-K25T"); // makes room for the keypad
+    const auto [lowRow, fullFont] = look({800, 600}, "RV-K25T"); // leaves room for the keypad
     QVERIFY(lowRow < 44);
     QCOMPARE(fullFont, 28);
     const auto [lowestRow, smallFont] = look({800, 480}, "RV-K25T");
@@ -392,7 +392,7 @@ void TestEveryScreen::fontsShrinkTogether()
     }
 }
 
-/// A screen that is turned, back and forth, leaves no font small.
+/// Fonts grow back to full size when the screen is turned back.
 void TestEveryScreen::fontsGrowAgain()
 {
     const Panel panel({800, 600}, "RV-K25T");
@@ -408,7 +408,7 @@ void TestEveryScreen::fontsGrowAgain()
     QCOMPARE(faultOf(page), QString());
 }
 
-/// A word of a file that no font could fit is cut, and the rest of the page stays readable.
+/// A word that no font could fit is cut; the rest of the page stays readable.
 void TestEveryScreen::endlessWord()
 {
     writePanelFile("bios.version", QByteArray(500, '7'));
@@ -421,7 +421,7 @@ void TestEveryScreen::endlessWord()
     writePanelFile("bios.version", "3");
 }
 
-/// The page moves down for a keypad that has room on neither side of the edit, and back again.
+/// The page moves down if the keypad fits neither above nor below the edit, and back afterwards.
 void TestEveryScreen::pageMakesRoomForTheKeypad()
 {
     const Panel panel({800, 480}, "K07");
@@ -438,7 +438,7 @@ void TestEveryScreen::pageMakesRoomForTheKeypad()
 
     QTest::mouseClick(edits.at(0), Qt::LeftButton);
     QTRY_VERIFY(stack->y() > 0);
-    QTest::mouseClick(edits.at(3), Qt::LeftButton); // there is room above this one
+    QTest::mouseClick(edits.at(3), Qt::LeftButton); // the keypad fits above this edit
     QTRY_COMPARE(stack->y(), 0);
     QVERIFY(keypad()->isVisible());
 
@@ -449,7 +449,7 @@ void TestEveryScreen::pageMakesRoomForTheKeypad()
     QVERIFY(!keypad()->isVisible());
 }
 
-/// What a finger touches stays below it until it is lifted.
+/// The page must not move under a finger that is down.
 void TestEveryScreen::pageStaysWhileAFingerIsDown()
 {
     const Panel panel({800, 480}, "K07");
@@ -462,7 +462,7 @@ void TestEveryScreen::pageStaysWhileAFingerIsDown()
     const QPoint place = placeIn(panel.window(), disable).center();
     QTest::mousePress(window, Qt::LeftButton, {}, place);
     QTRY_VERIFY(!keypad()->isVisible()); // the edit lost the focus
-    QTest::qWait(200);                   // longer than it takes to look at the finger twice
+    QTest::qWait(200);                   // over two checks for a finger: the page must not move
     QVERIFY(stack->y() > 0);
     QTest::mouseRelease(window, Qt::LeftButton, {}, place);
     QTRY_COMPARE(stack->y(), 0);

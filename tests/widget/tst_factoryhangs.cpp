@@ -14,10 +14,10 @@ struct Hang
 {
     const char *name;
     const char *tool;
-    const char *body; // what the tool does before it hangs
+    const char *body; // shell text before the tool hangs
     const char *slot;
-    int hangs; // how often it hangs
-    int calls; // tools that ran in the end
+    int hangs; // runs that hang
+    int calls; // runs in total
 };
 constexpr Hang hangs[] = {
     {"mv", "mv", "true", "slotAccept", 1, 6},
@@ -34,11 +34,11 @@ class TestFactoryHangs : public QObject
 {
     Q_OBJECT
 private slots:
-    void goesOn_data();
-    void goesOn();
+    void continuesAfterTheLimit_data();
+    void continuesAfterTheLimit();
 };
 
-void TestFactoryHangs::goesOn_data()
+void TestFactoryHangs::continuesAfterTheLimit_data()
 {
     QTest::addColumn<int>("index");
     int index = 0;
@@ -47,7 +47,7 @@ void TestFactoryHangs::goesOn_data()
     }
 }
 
-void TestFactoryHangs::goesOn()
+void TestFactoryHangs::continuesAfterTheLimit()
 {
     QFETCH(int, index);
     const Hang &hang = hangs[index];

@@ -52,8 +52,8 @@ private slots:
     void init();
     void saveRunsInOrder();
     void savedTime();
-    void typeDecidesOnTheSession_data();
-    void typeDecidesOnTheSession();
+    void typeSelectsTheSession_data();
+    void typeSelectsTheSession();
     void realToolsMoveAndRemove();
     void namesInterfaces_data();
     void namesInterfaces();
@@ -61,11 +61,11 @@ private slots:
     void toolsThatFail();
     void hangingListLeavesTheOldRules();
     void missingTools();
-    void rulesThatCannotBeWritten_data();
-    void rulesThatCannotBeWritten();
-    void rulesThatCannotBeReplaced_data();
-    void rulesThatCannotBeReplaced();
-    void modelThatCannotBeWritten();
+    void unwritableRules_data();
+    void unwritableRules();
+    void rulesAreWrittenInPlace_data();
+    void rulesAreWrittenInPlace();
+    void unwritableModel();
 };
 
 void TestFactorySave::initTestCase()
@@ -96,14 +96,14 @@ void TestFactorySave::saveRunsInOrder()
                           "rm [/etc/udev/rules.d/70-persistent-net.rules]"};
     factory.click("Save");
     QCOMPARE(factory.calls(), run);
-    factory.click("Save"); // as often as one likes
+    factory.click("Save"); // saving works more than once
     QCOMPARE(factory.calls(), run + run);
     QCOMPARE(readPanelFile("model"), QByteArray("K07"));
     QCOMPARE(rulesText(), rule("00:01", 0).toLatin1());
     QCOMPARE(factory.window()->findChild<QStackedWidget *>()->currentIndex(), 0);
     QFile atDate("/run/model-at-date");
     QVERIFY(atDate.open(QIODevice::ReadOnly));
-    QCOMPARE(atDate.readAll(), QByteArray("K07K07")); // stored before the clock is set
+    QCOMPARE(atDate.readAll(), QByteArray("K07K07")); // the model is stored before the clock is set
 }
 
 void TestFactorySave::savedTime()
@@ -115,7 +115,7 @@ void TestFactorySave::savedTime()
     QVERIFY(factory.calls().contains("date [010200052038]"));
 }
 
-void TestFactorySave::typeDecidesOnTheSession_data()
+void TestFactorySave::typeSelectsTheSession_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<int>("moves");
@@ -123,7 +123,7 @@ void TestFactorySave::typeDecidesOnTheSession_data()
     QTest::newRow("HMI") << "HMI" << 0;
 }
 
-void TestFactorySave::typeDecidesOnTheSession()
+void TestFactorySave::typeSelectsTheSession()
 {
     QFETCH(QString, type);
     QFETCH(int, moves);
@@ -161,8 +161,8 @@ void TestFactorySave::namesInterfaces_data()
         << rule("00:1B:00:00:00:02", 0) + rule("00:aa:00:00:00:01", 1);
     QTest::newRow("equal") << "a HWaddr 00:01\nb HWaddr 00:01"
                            << rule("00:01", 0) + rule("00:01", 1);
-    QTest::newRow("text behind") << "a HWaddr 00:01  up \t and  running"
-                                 << rule("00:01 up and running", 0);
+    QTest::newRow("trailing text")
+        << "a HWaddr 00:01  up \t and  running" << rule("00:01 up and running", 0);
     QTest::newRow("any interface, any case of the name")
         << "wlan0 hwaddr 00:03\ntun7 HWaddr00:02\nbr0 HWaddr" << rule("", 0) + rule("00:02", 1);
     QTest::newRow("five") << "1 HWaddr e\n2 HWaddr d\n3 HWaddr c\n4 HWaddr b\n5 HWaddr a"
@@ -197,7 +197,7 @@ void TestFactorySave::toolsThatFail()
     factory.click("Save");
     QCOMPARE(factory.calls().size(), 6);
     QCOMPARE(readPanelFile("model"), QByteArray("K25T"));
-    QCOMPARE(rulesText(), QByteArray()); // it listed nothing
+    QCOMPARE(rulesText(), QByteArray()); // the failing tool listed no address
 }
 
 void TestFactorySave::hangingListLeavesTheOldRules()
@@ -225,7 +225,7 @@ void TestFactorySave::missingTools()
     QCOMPARE(rulesText(), QByteArray("old\n"));
 }
 
-void TestFactorySave::rulesThatCannotBeWritten_data()
+void TestFactorySave::unwritableRules_data()
 {
     QTest::addColumn<QString>("fault");
     QTest::addColumn<QString>("mend");
@@ -239,7 +239,7 @@ void TestFactorySave::rulesThatCannotBeWritten_data()
             + folder << "umount " + folder << QByteArray("old\n");
 }
 
-void TestFactorySave::rulesThatCannotBeWritten()
+void TestFactorySave::unwritableRules()
 {
     QFETCH(QString, fault);
     QFETCH(QString, mend);
@@ -253,15 +253,15 @@ void TestFactorySave::rulesThatCannotBeWritten()
     QCOMPARE(readPanelFile("model"), QByteArray("K25T"));
 }
 
-void TestFactorySave::rulesThatCannotBeReplaced_data()
+void TestFactorySave::rulesAreWrittenInPlace_data()
 {
-    QTest::addColumn<QString>("readOnly"); // a shell's commands before the file is mounted
+    QTest::addColumn<QString>("readOnly"); // shell commands before the file is mounted
     QTest::newRow("writable folder") << "";
     QTest::newRow("read-only folder") << "mount --bind . .; cd $PWD; mount -o remount,bind,ro .; ";
 }
 
-/// The real rm fails then.
-void TestFactorySave::rulesThatCannotBeReplaced()
+/// The real rm fails on a mounted file.
+void TestFactorySave::rulesAreWrittenInPlace()
 {
     QFETCH(QString, readOnly);
     const FactoryWindow factory({"mv", "date", "hwclock", "ifconfig"});
@@ -279,16 +279,16 @@ void TestFactorySave::rulesThatCannotBeReplaced()
     QCOMPARE(rules, rule("00:01", 0).toLatin1());
     QCOMPARE(shellBytes("cat /run/kept"), rules);
     QCOMPARE(shellBytes("stat -c %u:%g:%a /run/kept"), QByteArray("7:8:600\n"));
-    QCOMPARE(shellBytes(inFolder + "ls -A"), names); // nothing was left beside it
+    QCOMPARE(shellBytes(inFolder + "ls -A"), names); // no temporary file is left
 }
 
-void TestFactorySave::modelThatCannotBeWritten()
+void TestFactorySave::unwritableModel()
 {
     const FactoryWindow factory({"mv", "date", "hwclock", "ifconfig"});
     putFolderAtPanelFile("model");
     factory.click("Save");
     removePanelFile("model");
-    QCOMPARE(factory.calls().size(), 4); // all the rest is done
+    QCOMPARE(factory.calls().size(), 4); // all other steps run
     QCOMPARE(rulesText(), QByteArray());
 }
 

@@ -31,7 +31,7 @@ public:
         QTest::mouseClick(page()->findChild<RadioButton *>(list), Qt::LeftButton);
     }
 
-    /// Chooses the file and leaves by OK. Result: whether the page called that a success.
+    /// Taps the row of the file and then OK. Result: whether the page reported no error.
     bool install(const QString &name, Qt::Edge end = Qt::LeftEdge) const
     {
         const DebugLog log;
@@ -43,7 +43,7 @@ public:
 
 using UserAction = std::function<void(const Page &page)>;
 
-/// An application package that this panel takes.
+/// An application package for this panel.
 void addApplication(const QByteArray &name)
 {
     writePackage(stick + name, PackageKind::Application, 12, "RV-K21T", {{"both", "new\n"}});
@@ -66,8 +66,8 @@ private slots:
     void refusals();
     void unknownKindShowsNothing();
     void nothingChosen();
-    void onlyARowTappedInThisVisitCounts_data();
-    void onlyARowTappedInThisVisitCounts();
+    void earlierChoiceDoesNotCount_data();
+    void earlierChoiceDoesNotCount();
     void tappedRowStaysChosen_data();
     void tappedRowStaysChosen();
     void rowWithoutFile();
@@ -108,7 +108,7 @@ void TestFileTransferInstall::installsApplication()
     const DialogDriver user(&QDialog::reject);
     const Page page;
     QVERIFY(page.install("apps/line1.kpc", Qt::Edge(end)));
-    QCOMPARE(user.count(), 0); // a success is not told
+    QCOMPARE(user.count(), 0); // success shows no message
     QCOMPARE(readFile("/home/dest/both"), QByteArray("new\n"));
     QCOMPARE(readFile("/home/dest/compile/old"), QByteArray("none"));
     QCOMPARE(page.window()->findChild<QStackedWidget *>()->currentIndex(), 1);
@@ -118,7 +118,7 @@ void TestFileTransferInstall::installsNamesOfAnyBytes_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::newRow("blank and quotes") << QByteArray("it's \"x\" .kpc");
-    QTest::newRow("shell's signs") << QByteArray("$(reboot);*.kpc");
+    QTest::newRow("shell characters") << QByteArray("$(reboot);*.kpc");
     QTest::newRow("line feed") << QByteArray("a\nb.kpc");
     QTest::newRow("not UTF-8") << QByteArray("\xFF\xC3.kpc");
     QTest::newRow("option") << QByteArray("--help.kpc");
@@ -153,8 +153,8 @@ void TestFileTransferInstall::refusals_data()
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("text");
     const QString title = "File Transfer";
-    QTest::newRow("no whole header") << QByteArray(35, '\0') << "File Transter" // so misspelt
-                                     << "Open File Error";
+    QTest::newRow("truncated header") << QByteArray(35, '\0') << "File Transter" // [sic]
+                                      << "Open File Error";
     QTest::newRow("other runtime version")
         << packageBytes(PackageKind::Application, 13, "RV-K21T", QByteArray()) << title
         << "Error Firmware Version while Install KPC";
@@ -188,7 +188,7 @@ void TestFileTransferInstall::refusals()
         QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
         QVERIFY(!box->isVisible());
     });
-    QVERIFY(page.install("x.kpc")); // to the page this is no failure
+    QVERIFY(page.install("x.kpc")); // the page does not count this as a failure
     QCOMPARE(user.count(), 1);
     QCOMPARE(shown, title + ": " + text);
     QVERIFY(readable);
@@ -219,7 +219,7 @@ void TestFileTransferInstall::nothingChosen()
     QCOMPARE(readFile("/home/dest/compile/old"), QByteArray("old\n"));
 }
 
-void TestFileTransferInstall::onlyARowTappedInThisVisitCounts_data()
+void TestFileTransferInstall::earlierChoiceDoesNotCount_data()
 {
     QTest::addColumn<UserAction>("between");
     QTest::newRow("page opened anew") << UserAction([](const Page &page) {
@@ -236,8 +236,8 @@ void TestFileTransferInstall::onlyARowTappedInThisVisitCounts_data()
     });
 }
 
-/// With the focus in the table Qt makes the first row current when the window gets it back.
-void TestFileTransferInstall::onlyARowTappedInThisVisitCounts()
+/// When the window regains the focus, Qt makes the first row of the focused table current.
+void TestFileTransferInstall::earlierChoiceDoesNotCount()
 {
     QFETCH(UserAction, between);
     addApplication("x.kpc");
@@ -289,7 +289,7 @@ void TestFileTransferInstall::rowWithoutFile()
     const DialogDriver user(&QDialog::reject);
     const Page page;
     page.table()->item(0, 0)->setData(Qt::UserRole, QString());
-    QVERIFY(!page.install("x.kpc")); // says so on the debug channel
+    QVERIFY(!page.install("x.kpc")); // only the debug channel reports the failure
     QVERIFY(!page.window()->saveFiletransferSettings());
     QCOMPARE(tools.calls(), QStringList());
     QCOMPARE(user.count(), 0);

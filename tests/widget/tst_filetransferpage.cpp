@@ -67,7 +67,7 @@ private slots:
     void lists_data();
     void lists();
     void rowsStandForFiles();
-    void foldersAreWalkedLevelByLevel();
+    void upperFoldersAreListedFirst();
     void firmwareIsListedInstead();
     void onlyTheFirstChoiceReloads();
     void listIsReadAtEachVisit();
@@ -135,9 +135,9 @@ void TestFileTransferPage::fitsTheScreen()
     const Page page(
         onStickOnly
         + QString("bios.screen.size=%1x%2\n").arg(size.width()).arg(size.height()).toUtf8());
-    QCOMPARE(page.window()->size(), size); // nothing pushes the window over the edge
+    QCOMPARE(page.window()->size(), size); // the page does not make the window larger
     QVERIFY(page.page()->rect().contains(page.table()->geometry()));
-    QVERIFY(page.table()->rowHeight(0) >= 44); // a finger hits it
+    QVERIFY(page.table()->rowHeight(0) >= 44); // large enough for a finger
     QVERIFY(!page.table()->horizontalScrollBar()->isVisible());
 }
 
@@ -181,7 +181,7 @@ void TestFileTransferPage::lists_data()
         << QStringList{"a.kpc"};
     QTest::newRow("small letters only")
         << Files{"LINE1.KPC", "line2.Kpc", "LINE3.kpc"} << QStringList{"LINE3.kpc"};
-    // It is the whole name of a hidden file, and hidden files are not shown.
+    // These names start with a dot, so the files are hidden.
     QTest::newRow("the bare extension") << Files{".kpc", "a/.kpc"} << QStringList();
     QTest::newRow("hidden") << Files{".x.kpc", ".d/x.kpc"} << QStringList();
     QTest::newRow("folder with the extension")
@@ -219,7 +219,7 @@ void TestFileTransferPage::rowsStandForFiles()
     QCOMPARE(item->flags(), QTableWidgetItem().flags() & ~Qt::ItemIsEditable);
     QVERIFY(page.table()->item(0, 1) == nullptr);
     QCOMPARE(page.table()->columnSpan(0, 0), 2);
-    // What is no character of a line is shown as a sign for that.
+    // Bytes and line feeds that cannot be shown appear as U+FFFD.
     const auto *delegate = qobject_cast<QStyledItemDelegate *>(page.table()->itemDelegate());
     QVERIFY(delegate != nullptr);
     const QString plain = QString::fromUtf8("\xC3\xA4 \xF0\x9F\x93\xA6.kpc");
@@ -228,7 +228,7 @@ void TestFileTransferPage::rowsStandForFiles()
              QByteArray("a/two\xEF\xBF\xBDlines\xEF\xBF\xBD.kpc"));
 }
 
-void TestFileTransferPage::foldersAreWalkedLevelByLevel()
+void TestFileTransferPage::upperFoldersAreListedFirst()
 {
     addFiles({"1/2/3/deep.kpc", "1/2/c.kpc", "9/8/d.kpc", "1/b.kpc", "a.kpc"});
     const Page page;
@@ -251,7 +251,7 @@ void TestFileTransferPage::firmwareIsListedInstead()
     QCOMPARE(page.rows(), QStringList{"a.kpc"});
     Page::choose(page.firmware());
     page.leave("cancel");
-    page.open(); // the choice stays for as long as the program runs
+    page.open(); // the choice is kept while the program runs
     QCOMPARE(page.rows(), QStringList{"b.fmw"});
     QCOMPARE(readPanelFile("bios.ini"), onStickOnly);
 }
@@ -260,7 +260,7 @@ void TestFileTransferPage::onlyTheFirstChoiceReloads()
 {
     const Page page;
     addFiles({"a.kpc", "b.fmw"});
-    page.application()->setAutoExclusive(false); // else each one changes the other
+    page.application()->setAutoExclusive(false); // otherwise checking one unchecks the other
     page.firmware()->setAutoExclusive(false);
     page.firmware()->setChecked(true);
     QCOMPARE(page.rows(), QStringList());
@@ -309,7 +309,7 @@ void TestFileTransferPage::draggingScrolls()
     dragTable(page.table(), 220);
     QTRY_COMPARE(page.table()->verticalScrollBar()->value(), 0);
     QVERIFY(page.table()->currentItem() == nullptr);
-    tapRow(page.table(), 2); // a tap chooses still
+    tapRow(page.table(), 2); // a tap still selects
     QCOMPARE(page.table()->currentRow(), 2);
 }
 

@@ -19,7 +19,7 @@ namespace {
 const QByteArray folder = "/media/usb0/";
 const QStringList threeFiles{"a", "b", "c"};
 
-/// Looks at the progress dialog of a window each time that the window handles events.
+/// Inspects the progress dialog of a window whenever the window handles events.
 class ProgressWatcher
 {
 public:
@@ -47,8 +47,8 @@ private slots:
     void cleanup();
     void finds_data();
     void finds();
-    void namesAreGivenBackInOrder();
-    void unreadableFilesArePassedOver();
+    void namesKeepTheirOrder();
+    void skipsUnreadableFiles();
     void progressIsShown();
     void cancelEndsTheSearch();
     void scanningDrivesDoesNothing();
@@ -100,15 +100,15 @@ void TestFindFiles::finds_data()
     QTest::newRow("text of two lines") << QByteArray("a\nb\n") << QByteArray("a\nb") << false;
     QTest::newRow("text with a line feed at its end")
         << QByteArray("a\nb\n") << QByteArray("a\n") << false;
-    QTest::newRow("behind a zero byte") << QByteArray("a\0needle", 8) << wanted << true;
+    QTest::newRow("after a zero byte") << QByteArray("a\0needle", 8) << wanted << true;
     QTest::newRow("UTF-8") << QByteArray("\xC3\xA4\n") << QByteArray("\xC3\xA4") << true;
-    QTest::newRow("half a letter is another byte")
+    QTest::newRow("part of a character does not match")
         << QByteArray("x\xA4y\n") << QByteArray("x\xC3\xA4y") << false;
     QTest::newRow("not UTF-8") << QByteArray("a\xFF\xFE"
                                              "b\n")
                                << QByteArray("\xFF\xFE") << true;
-    QTest::newRow("beside what is not UTF-8") << QByteArray("\xFFneedle\xC3") << wanted << true;
-    // The file is read in pieces of 64 KiB if it has no line ends.
+    QTest::newRow("next to invalid UTF-8") << QByteArray("\xFFneedle\xC3") << wanted << true;
+    // A file without line ends is read in pieces of 64 KiB.
     for (const int border : {65535, 65536, 131072}) {
         for (const int before : {0, 1, 3, 6}) {
             QTest::addRow("%d before %d", before, border)
@@ -133,7 +133,7 @@ void TestFindFiles::finds()
     QCOMPARE(find({"file"}, textFromBytes(text)), found ? QStringList{"file"} : QStringList());
 }
 
-void TestFindFiles::namesAreGivenBackInOrder()
+void TestFindFiles::namesKeepTheirOrder()
 {
     for (const char *name : {"b", "a", "sub/c", "bad\xFF"}) {
         writeFile(folder + name, "needle");
@@ -147,7 +147,7 @@ void TestFindFiles::namesAreGivenBackInOrder()
     QCOMPARE(find({}, "needle"), QStringList());
 }
 
-void TestFindFiles::unreadableFilesArePassedOver()
+void TestFindFiles::skipsUnreadableFiles()
 {
     writeFile(folder + "good", "needle");
     shellBytes(
@@ -192,7 +192,7 @@ void TestFindFiles::cancelEndsTheSearch()
         }
     });
     QCOMPARE(find(threeFiles, "needle"), QStringList{"a"});
-    QCOMPARE(find({"c"}, "needle"), QStringList{"c"}); // the next search is another one
+    QCOMPARE(find({"c"}, "needle"), QStringList{"c"}); // the next search is not cancelled
 }
 
 void TestFindFiles::scanningDrivesDoesNothing()

@@ -41,7 +41,7 @@ public:
         return texts;
     }
 
-    /// Leaves by OK. Result: whether the page called that a success.
+    /// Taps OK. Result: whether that led to the main page without an error.
     bool install() const
     {
         const DebugLog log;
@@ -58,7 +58,7 @@ void addFonts(const QList<QByteArray> &names)
     }
 }
 
-/// Names of what is in the font folder, hidden files too; "none" if there is no such folder.
+/// Names of all entries in the font folder, hidden ones too; "none" if there is no such folder.
 QStringList installedFonts()
 {
     const QDir folder(fontFolder);
@@ -88,15 +88,15 @@ private slots:
     void copiesTheChosen();
     void copiesNamesOfAnyBytes_data();
     void copiesNamesOfAnyBytes();
-    void copyCanBeRead();
+    void copyIsReadableByAll();
     void nothingChosen();
-    void rowThatOnlyHasTheFocusIsNotChosen();
+    void focusedRowIsNotChosen();
     void rowWithoutFile();
     void installedFontIsKept();
-    void firstOfOneNameIsTaken_data();
-    void firstOfOneNameIsTaken();
-    void goneFontIsPassedOver();
-    void fontThatCannotBeReadIsPassedOver();
+    void firstFontOfEqualNamesWins_data();
+    void firstFontOfEqualNamesWins();
+    void skipsAVanishedFont();
+    void skipsAnUnreadableFont();
     void folderMissing();
     void folderCannotBeWritten_data();
     void folderCannotBeWritten();
@@ -137,7 +137,7 @@ void TestFontPage::builtPage()
     QCOMPARE(table->horizontalHeader()->sectionResizeMode(0), QHeaderView::Stretch);
     QCOMPARE(page.page()->layout()->itemAt(1)->layout()->contentsMargins(),
              QMargins(29, 29, 29, 29));
-    QVERIFY(table->viewport()->width() > 700); // the whole page is its
+    QVERIFY(table->viewport()->width() > 700); // the table fills the page
     QVERIFY(table->viewport()->height() > 480);
 }
 
@@ -146,7 +146,7 @@ void TestFontPage::searchesTheConfiguredFolder_data()
     QTest::addColumn<QByteArray>("settings");
     QTest::addColumn<QStringList>("rows");
     QTest::newRow("not set") << QByteArray() << QStringList{"usb0/a/x.ttf"};
-    QTest::newRow("that of packages does not count")
+    QTest::newRow("the folder of packages does not count")
         << QByteArray("bios.filetransfer.folder=/media/usb0/a\n") << QStringList{"usb0/a/x.ttf"};
     QTest::newRow("with a slash") << QByteArray("bios.fontsetting.folder=/media/usb0/\n")
                                   << QStringList{"a/x.ttf"};
@@ -200,7 +200,7 @@ void TestFontPage::rowsStandForFiles()
     QVERIFY(item != nullptr);
     QCOMPARE(item->data(Qt::UserRole).toString(), QString(stick + "a/x.ttf"));
     QCOMPARE(item->flags(), QTableWidgetItem().flags() & ~Qt::ItemIsEditable);
-    QVERIFY(page.table()->rowHeight(0) >= 44); // a finger hits it
+    QVERIFY(page.table()->rowHeight(0) >= 44); // large enough for a finger
 }
 
 void TestFontPage::listIsReadAtEachVisit()
@@ -212,7 +212,7 @@ void TestFontPage::listIsReadAtEachVisit()
     addFonts({"b.ttf"});
     page.open();
     QCOMPARE(page.sortedRows(), (QStringList{"a.ttf", "b.ttf"}));
-    QCOMPARE(page.chosen(), QStringList()); // a choice is not kept
+    QCOMPARE(page.chosen(), QStringList()); // the choice is forgotten
     QCOMPARE(installedFonts(), QStringList());
 }
 
@@ -250,7 +250,7 @@ void TestFontPage::draggingScrolls()
     const QStringList chosen = page.chosen();
     dragTable(page.table(), -200);
     QTRY_VERIFY(page.table()->verticalScrollBar()->value() > 100);
-    QCOMPARE(page.chosen(), chosen); // no row under the finger was added
+    QCOMPARE(page.chosen(), chosen); // dragging did not choose a row
 }
 
 void TestFontPage::copiesTheChosen()
@@ -286,7 +286,7 @@ void TestFontPage::copiesNamesOfAnyBytes()
     QCOMPARE(readFile(fontFolder + name), "font d\xFF/" + name);
 }
 
-void TestFontPage::copyCanBeRead()
+void TestFontPage::copyIsReadableByAll()
 {
     const QByteArray content(3000000, 'f');
     writeFile(stick + "a.ttf", content);
@@ -295,7 +295,7 @@ void TestFontPage::copyCanBeRead()
     page.tap("a.ttf");
     QVERIFY(page.install());
     QCOMPARE(readFile(fontFolder + "a.ttf"), content);
-    // The runtime is not run by the user that runs this.
+    // The runtime runs as another user, who must be able to read the font.
     QVERIFY(QFileInfo(fontFolder + "a.ttf").permission(QFile::ReadOther | QFile::ReadGroup));
 }
 
@@ -308,7 +308,7 @@ void TestFontPage::nothingChosen()
     QCOMPARE(installedFonts(), QStringList());
 }
 
-void TestFontPage::rowThatOnlyHasTheFocusIsNotChosen()
+void TestFontPage::focusedRowIsNotChosen()
 {
     addFonts({"a.ttf"});
     const Page page;
@@ -345,7 +345,7 @@ void TestFontPage::installedFontIsKept()
     QCOMPARE(installedFonts(), (QStringList{"a.ttf", "b.ttf"}));
 }
 
-void TestFontPage::firstOfOneNameIsTaken_data()
+void TestFontPage::firstFontOfEqualNamesWins_data()
 {
     QTest::addColumn<QByteArray>("first");
     QTest::addColumn<QByteArray>("second");
@@ -353,7 +353,7 @@ void TestFontPage::firstOfOneNameIsTaken_data()
     QTest::newRow("the other way round") << QByteArray("d/x.ttf") << QByteArray("x.ttf");
 }
 
-void TestFontPage::firstOfOneNameIsTaken()
+void TestFontPage::firstFontOfEqualNamesWins()
 {
     QFETCH(QByteArray, first);
     QFETCH(QByteArray, second);
@@ -366,7 +366,7 @@ void TestFontPage::firstOfOneNameIsTaken()
     QCOMPARE(readFile(fontFolder + "x.ttf"), "font " + first);
 }
 
-void TestFontPage::goneFontIsPassedOver()
+void TestFontPage::skipsAVanishedFont()
 {
     addFonts({"a.ttf", "b.ttf"});
     const Page page;
@@ -377,14 +377,14 @@ void TestFontPage::goneFontIsPassedOver()
     QCOMPARE(installedFonts(), QStringList{"b.ttf"});
 }
 
-void TestFontPage::fontThatCannotBeReadIsPassedOver()
+void TestFontPage::skipsAnUnreadableFont()
 {
     addFonts({"a.ttf", "b.ttf"});
     const Page page;
     page.tap("a.ttf");
     page.tap("b.ttf");
     shellBytes(QString("rm %1a.ttf; mkfifo %1a.ttf").arg(stick.constData()));
-    QVERIFY(page.install()); // does not wait for a writer either
+    QVERIFY(page.install()); // returns without waiting for a writer
     QCOMPARE(installedFonts(), QStringList{"b.ttf"});
 }
 
@@ -417,7 +417,7 @@ void TestFontPage::folderCannotBeWritten()
     const QStringList left = installedFonts();
     shellBytes(QString("umount %1").arg(fontFolder.constData()));
     QVERIFY(installed);
-    QCOMPARE(left, QStringList()); // no half a font either
+    QCOMPARE(left, QStringList()); // not even a part of the font
 }
 
 PANEL_QTEST_MAIN(TestFontPage)

@@ -40,7 +40,7 @@ struct ReceivedKey
     Qt::KeyboardModifiers modifiers;
 };
 
-/// Records the key events that it gets and can vanish at the first one.
+/// Records its key events. Can delete itself at the first one.
 class KeyRecorder : public QLineEdit
 {
 public:
@@ -98,15 +98,15 @@ private slots:
     void tapShowsItUnderTheField();
     void tapShowsItAboveAFieldAtTheBottom();
     void onlyLineEditsAreServed();
-    void otherEventsAreLeft();
+    void ignoresOtherEvents();
     void closeRequestHides();
     void closeKeyHides();
     void leavingTheFieldHides();
     void sendsTwoKeyPresses();
     void vanishingTargetGetsNoSecondEvent();
-    void withoutFocusTheLastFieldIsServed();
-    void backspaceTakesTheLastCharacter_data();
-    void backspaceTakesTheLastCharacter();
+    void keysGoToTheLastFieldWithoutFocus();
+    void backspaceRemovesTheLastCharacter_data();
+    void backspaceRemovesTheLastCharacter();
     void ownActivationDoesNotHide();
     void activationGoesBackToTheField();
     void withoutContextNothingShows();
@@ -157,7 +157,7 @@ void TestInputPanel::windowAndForm()
     QVERIFY(!panel.isVisible());
     QVERIFY(panel.parentWidget() == nullptr);
     QCOMPARE(panel.windowType(), Qt::Tool);
-    // The toolkit adds the hints of a title bar by itself.
+    // Qt adds the hints for a title bar.
     const Qt::WindowFlags others = panel.windowFlags() & ~Qt::WindowFlags(Qt::WindowType_Mask)
         & ~(Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     QCOMPARE(others, Qt::WindowStaysOnTopHint);
@@ -197,7 +197,7 @@ void TestInputPanel::backspacePicture()
     const QImage picture(":/images/backspace.png");
     QCOMPARE(picture.size(), QSize(34, 22));
     QCOMPARE(key("panelButton_hash")->iconSize(), picture.size());
-    // Of the form: the keypad was never shown.
+    // The keypad was never shown, so this icon comes from the form.
     const QPixmap icon = key("panelButton_hash")->icon().pixmap(picture.size());
     constexpr auto format = QImage::Format_ARGB32_Premultiplied;
     QCOMPARE(icon.toImage().convertToFormat(format), picture.convertToFormat(format));
@@ -215,7 +215,7 @@ void TestInputPanel::keysEmitTheirCharacter()
     }
     QTest::mouseClick(panel.findChild<QPushButton *>("closeButton"), Qt::LeftButton);
     QCOMPARE(generated.count(), 0);
-    QPushButton plain(&panel); // has no value
+    QPushButton plain(&panel); // a button without a value
     QMetaObject::invokeMethod(&panel, "buttonClicked", Q_ARG(QWidget *, &plain));
     QCOMPARE(generated.takeFirst().first().toChar(), QChar());
 }
@@ -232,7 +232,7 @@ void TestInputPanel::contextNames()
 void TestInputPanel::tapShowsItUnderTheField()
 {
     QTest::mouseClick(&m_window->top, Qt::LeftButton);
-    QVERIFY(m_panel->isVisible()); // the first tap is enough
+    QVERIFY(m_panel->isVisible()); // one tap is enough
     QCOMPARE(m_panel->pos(), QPoint(100, 50 + 40 - 1 + 2));
     QVERIFY(QGuiApplication::inputMethod()->isVisible());
 }
@@ -247,7 +247,7 @@ void TestInputPanel::tapShowsItAboveAFieldAtTheBottom()
 void TestInputPanel::onlyLineEditsAreServed()
 {
     const QEvent request(QEvent::RequestSoftwareInputPanel);
-    m_window->number.setFocus(); // its inner line edit hands the focus to the box
+    m_window->number.setFocus(); // its line edit passes the focus to the spin box
     QCOMPARE(QApplication::focusWidget(), &m_window->number);
     QVERIFY(!m_context->filterEvent(&request));
     QVERIFY(!m_panel->isVisible());
@@ -264,7 +264,7 @@ void TestInputPanel::onlyLineEditsAreServed()
     QVERIFY(m_panel->pos() != QPoint(7, 9));
 }
 
-void TestInputPanel::otherEventsAreLeft()
+void TestInputPanel::ignoresOtherEvents()
 {
     const QEvent other(QEvent::KeyPress);
     QVERIFY(!m_context->filterEvent(&other));
@@ -276,7 +276,7 @@ void TestInputPanel::closeRequestHides()
     const QEvent close(QEvent::CloseSoftwareInputPanel);
     QVERIFY(m_context->filterEvent(&close));
     QVERIFY(!m_panel->isVisible());
-    QVERIFY(m_context->filterEvent(&close)); // consumed even if it is hidden already
+    QVERIFY(m_context->filterEvent(&close)); // consumed although the keypad is hidden
 }
 
 void TestInputPanel::closeKeyHides()
@@ -324,14 +324,14 @@ void TestInputPanel::vanishingTargetGetsNoSecondEvent()
     edit->show();
     edit->setFocus();
     const QPointer<KeyRecorder> guard(edit);
-    tapKey("panelButton_7"); // a second event would reach freed memory
+    tapKey("panelButton_7"); // the edit deletes itself at the first event
     QVERIFY(guard == nullptr);
     tapKey("panelButton_hash");
 }
 
-void TestInputPanel::withoutFocusTheLastFieldIsServed()
+void TestInputPanel::keysGoToTheLastFieldWithoutFocus()
 {
-    tapKey("panelButton_1"); // no field has asked yet
+    tapKey("panelButton_1"); // no field has had the focus
     QTest::mouseClick(&m_window->top, Qt::LeftButton);
     m_window->top.clearFocus();
     QVERIFY(QApplication::focusWidget() == nullptr);
@@ -339,7 +339,7 @@ void TestInputPanel::withoutFocusTheLastFieldIsServed()
     QCOMPARE(m_window->top.text(), QString("2"));
 }
 
-void TestInputPanel::backspaceTakesTheLastCharacter_data()
+void TestInputPanel::backspaceRemovesTheLastCharacter_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("cursor");
@@ -350,7 +350,7 @@ void TestInputPanel::backspaceTakesTheLastCharacter_data()
     QTest::newRow("cursor at the start") << "123" << 0 << "12";
 }
 
-void TestInputPanel::backspaceTakesTheLastCharacter()
+void TestInputPanel::backspaceRemovesTheLastCharacter()
 {
     QFETCH(QString, text);
     QFETCH(int, cursor);
@@ -368,7 +368,7 @@ void TestInputPanel::backspaceTakesTheLastCharacter()
 void TestInputPanel::ownActivationDoesNotHide()
 {
     QTest::mouseClick(&m_window->top, Qt::LeftButton);
-    QApplication::setActiveWindow(m_panel); // the field loses the focus, and asks to hide
+    QApplication::setActiveWindow(m_panel); // the field loses the focus and asks the keypad to hide
     QVERIFY(!m_window->top.hasFocus());
     QVERIFY(m_panel->isVisible());
     QApplication::setActiveWindow(m_window.get());
@@ -379,7 +379,7 @@ void TestInputPanel::ownActivationDoesNotHide()
 void TestInputPanel::activationGoesBackToTheField()
 {
     QTest::mouseClick(&m_window->top, Qt::LeftButton);
-    m_panel->activateWindow(); // as a tap on it does where nothing manages the windows
+    m_panel->activateWindow(); // like a tap without a window manager
     QTRY_VERIFY(m_window->isActiveWindow());
     QTRY_COMPARE(QApplication::focusWidget(), &m_window->top);
     QVERIFY(m_panel->isVisible());
@@ -396,7 +396,7 @@ void TestInputPanel::withoutContextNothingShows()
     installInputContext(nullptr);
     QTest::mouseClick(&m_window->top, Qt::LeftButton);
     QVERIFY(!m_panel->isVisible());
-    QTest::keyClicks(&m_window->top, "12"); // it works as a line edit
+    QTest::keyClicks(&m_window->top, "12"); // still works as a line edit
     QCOMPARE(m_window->top.text(), QString("12"));
 }
 

@@ -20,7 +20,7 @@
 namespace {
 const QStringList displayTools{"xrandr", "xset", "xinput", "date", "hwclock"};
 
-/// The settings window with its miscellaneous page, worked by clicks.
+/// The settings window with its miscellaneous page. Tests operate it by clicks.
 class Page : public SettingsPage
 {
 public:
@@ -38,7 +38,7 @@ public:
     QComboBox *brightness() const { return page()->findChildren<QComboBox *>().at(1); }
     QDateTimeEdit *time() const { return page()->findChild<QDateTimeEdit *>(); }
 
-    /// What is chosen: mouse, orientation, buzzer, delay, brightness.
+    /// The current choices: mouse, orientation, buzzer, delay, brightness.
     QString shown() const
     {
         QStringList texts;
@@ -69,7 +69,7 @@ private slots:
     void listRowsAreTallEnough();
     void shows_data();
     void shows();
-    void keepsWhatItCannotShow();
+    void unknownValuesLeaveTheControls();
     void clockRunsWhileThePageIsOpen();
     void stepButtonsChangeTheTime();
     void saves_data();
@@ -100,7 +100,7 @@ void TestMiscPage::cleanup()
     m_tools.reset();
 }
 
-/// The recorded runs but those of the rescue poll, which come at their own times.
+/// The recorded runs without those of the rescue poll, which a timer starts.
 QStringList TestMiscPage::callsSince(qsizetype before) const
 {
     return m_tools->calls().mid(before).filter(QRegularExpression("^(?!xinput)"));
@@ -195,7 +195,7 @@ void TestMiscPage::listRowsAreTallEnough()
         const QRect last = list->visualRect(list->model()->index(box->count() - 1, 0));
         QVERIFY(box->height() >= 44);
         QVERIFY2(first.height() >= 44, qPrintable(QString::number(first.height())));
-        QVERIFY(first.top() >= 0); // none has to be scrolled to
+        QVERIFY(first.top() >= 0); // visible without scrolling
         QVERIFY2(last.bottom() < list->viewport()->height(),
                  qPrintable(QString("%1, %2").arg(last.bottom()).arg(list->viewport()->height())));
         QVERIFY(QRect(0, 0, 800, 600).contains(list->window()->geometry()));
@@ -243,7 +243,7 @@ void TestMiscPage::shows()
     QCOMPARE(page.shown(), shown);
 }
 
-void TestMiscPage::keepsWhatItCannotShow()
+void TestMiscPage::unknownValuesLeaveTheControls()
 {
     const Page page("app.buzzer=1\napp.screensaving=15\nbios.brightness=1\n");
     page.open();
@@ -252,7 +252,7 @@ void TestMiscPage::keepsWhatItCannotShow()
     page.brightness()->setCurrentIndex(4);
     page.leave("cancel");
     page.open();
-    // A stored buzzer, a delay that is not offered and full light leave the controls as they are.
+    // The page cannot show these three stored values, so it leaves their controls alone.
     QCOMPARE(page.shown(), QString("Disable, Landscape, Disable, 20 Mins, 60%"));
 }
 
@@ -263,11 +263,11 @@ void TestMiscPage::clockRunsWhileThePageIsOpen()
     page.open();
     QVERIFY(qAbs(page.time()->dateTime().secsTo(QDateTime::currentDateTime())) <= 1);
     const QDateTime set(QDate(2030, 12, 31), QTime(23, 59, 58));
-    page.time()->setDateTime(set); // the clock goes on from what somebody set
+    page.time()->setDateTime(set); // the clock continues from the time that was set
     QTRY_COMPARE_WITH_TIMEOUT(page.time()->dateTime(), set.addSecs(3), 5000);
     page.leave("cancel");
     const QDateTime left = page.time()->dateTime();
-    QTest::qWait(1500);
+    QTest::qWait(1200); // over one tick: the clock must stand still
     QCOMPARE(page.time()->dateTime(), left);
 }
 
@@ -397,7 +397,7 @@ void TestMiscPage::startAppliesTheSettings_data()
         << "for n in 0 1 2 3 4 5 6 7 8 9; do echo \"D$n connected 1\"; done" << QByteArray()
         << QStringList{"xset [-dpms] [s] [noexpose]", "xrandr [--output] [D9] [--brightness] [1]",
                        "xrandr [--output] [D9] [--rotate] [normal]"};
-    QTest::newRow("a name of any text")
+    QTest::newRow("name with odd characters")
         << "echo '\"$(x)\";* connected 1'" << QByteArray()
         << QStringList{"xset [-dpms] [s] [noexpose]",
                        "xrandr [--output] [\"$(x)\";*] [--brightness] [1]",
@@ -427,7 +427,7 @@ void TestMiscPage::activationTurnsTheScreen()
     other.show();
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
-    QCOMPARE(callsSince(before).size(), 1); // losing the focus turns nothing
+    QCOMPARE(callsSince(before).size(), 1); // losing the focus runs no tool
 }
 
 void TestMiscPage::toolsThatFail_data()
@@ -450,7 +450,7 @@ void TestMiscPage::toolsThatFail()
     QCOMPARE(readPanelFile("bios.ini"),
              QByteArray("app.orientation=horizontal\nbios.brightness=1\n"));
     const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", "/nonexistent"); // and now there is no tool at all
+    qputenv("PATH", "/nonexistent"); // now there is no tool at all
     page.open();
     page.leave("ok");
     const BiosInterface another;

@@ -29,7 +29,7 @@ QTableWidget *tableOf(const QDialog &dialog)
     return dialog.findChild<QTableWidget *>();
 }
 
-/// The rows of the add-on picker, sorted.
+/// The rows of the add-on picker, in sorted order.
 QStringList addOns()
 {
     const PackageInstalling dialog;
@@ -45,7 +45,7 @@ void addFiles(const QList<QByteArray> &names)
     }
 }
 
-/// A package of the kind that both pickers are for, which brings its version.
+/// A BIOS package. It contains its version.
 void addImage(const QByteArray &name, quint32 version)
 {
     writePackage(stick + name, PackageKind::BiosImage, version, {},
@@ -59,7 +59,7 @@ void rejectDialog(QDialog &dialog)
     dialog.reject();
 }
 
-/// A user who taps the row of @p name, or none if it is empty, and then a button.
+/// A user who taps the row @p name, or no row if it is empty, and then a button.
 User tapThenClick(const QString &name, const QString &button)
 {
     return [name, button](QDialog &dialog) {
@@ -82,12 +82,12 @@ private slots:
     void buttonsEndTheDialog();
     void lists_data();
     void lists();
-    void topLevelComesFirst();
+    void upperFoldersAreListedFirst();
     void readsTheSettingsItself_data();
     void readsTheSettingsItself();
     void withoutSettingsFile();
     void selectedFile();
-    void rowThatOnlyHasTheFocusIsNotSelected();
+    void focusedRowIsNotSelected();
     void draggingScrolls();
     void picksAnImage_data();
     void picksAnImage();
@@ -107,7 +107,7 @@ void TestPackagePicker::initTestCase()
 
 void TestPackagePicker::init()
 {
-    QTest::failOnWarning(QRegularExpression("QIODevice")); // nothing is read that is not open
+    QTest::failOnWarning(QRegularExpression("QIODevice")); // reading a closed file would print one
     m_tools
         = std::make_unique<FakeTools>(QStringList{"xrandr", "xset", "xinput", "ifconfig", "du"});
     emptyFolder(stick);
@@ -123,7 +123,7 @@ void TestPackagePicker::cleanup()
 void TestPackagePicker::builtDialogs()
 {
     addFiles({"a.mo", "b.pkg", QByteArray(200, 'x') + ".mo", QByteArray(200, 'x') + ".pkg"});
-    const BIOSUpdateDialog images("/nowhere"); // the folder does not count
+    const BIOSUpdateDialog images("/nowhere"); // this argument is ignored
     const PackageInstalling addOns;
     QCOMPARE(images.windowTitle(), QString("Select BIOS Image"));
     QCOMPARE(addOns.windowTitle(), QString("Select HMI Add-Ons"));
@@ -143,7 +143,7 @@ void TestPackagePicker::builtDialogs()
         QVERIFY(table->horizontalHeader()->isHidden());
         QVERIFY(table->verticalHeader()->isHidden());
         QCOMPARE(table->horizontalHeader()->sectionResizeMode(0), QHeaderView::Stretch);
-        QVERIFY(table->rowHeight(0) >= 44); // a finger hits it
+        QVERIFY(table->rowHeight(0) >= 44); // large enough for a finger
         const QTableWidgetItem *item = table->item(0, 0);
         QCOMPARE(item->data(Qt::UserRole).toString(), stick + item->text());
         QCOMPARE(item->flags(), QTableWidgetItem().flags() & ~Qt::ItemIsEditable);
@@ -196,7 +196,7 @@ void TestPackagePicker::lists()
     QCOMPARE(addOns(), rows);
 }
 
-void TestPackagePicker::topLevelComesFirst()
+void TestPackagePicker::upperFoldersAreListedFirst()
 {
     addFiles({"A/b.PKG", "c.pkg"});
     const PackageInstalling dialog;
@@ -215,12 +215,12 @@ void TestPackagePicker::readsTheSettingsItself_data()
     QTest::newRow("without a slash") << key + "=/media/usb0" << below;
     QTest::newRow("with a slash") << key + "=/media/usb0/\n" << below;
     QTest::newRow("the default, without a slash") << key + "=/media\n" << whole;
-    QTest::newRow("blanks around") << "\n \t " + key + "=/media/usb0 \t\r\n" << below;
+    QTest::newRow("surrounding blanks") << "\n \t " + key + "=/media/usb0 \t\r\n" << below;
     QTest::newRow("blank before the sign") << key + " =/media/usb0\n" << whole;
     QTest::newRow("comment") << '#' + key + "=/media/usb0\n" << whole;
     QTest::newRow("no key") << "=" + key + "=/media/usb0\n" << whole;
     QTest::newRow("the last line counts") << key + "=/opt\n" + key + "=/media/usb0\n" << below;
-    QTest::newRow("taken back") << key + "=/media/usb0\n" + key + "=\n" << whole;
+    QTest::newRow("set and removed") << key + "=/media/usb0\n" + key + "=\n" << whole;
     QTest::newRow("missing folder") << key + "=/media/usb7\n" << QStringList();
 }
 
@@ -257,14 +257,14 @@ void TestPackagePicker::selectedFile()
     QCOMPARE(dialog.selectedFile(), QString());
     tapRow(table, rowOf(table, "a.pkg"));
     QCOMPARE(dialog.selectedFile(), QString("/media/usb0/a.pkg"));
-    tapRow(table, rowOf(table, textFromBytes("b\xFF.pkg"))); // takes the place of the first
+    tapRow(table, rowOf(table, textFromBytes("b\xFF.pkg"))); // replaces the first choice
     QCOMPARE(bytesFromText(dialog.selectedFile()), stick + "b\xFF.pkg");
     QCOMPARE(table->selectedItems().size(), 1);
     table->clearSelection();
     QCOMPARE(dialog.selectedFile(), QString());
 }
 
-void TestPackagePicker::rowThatOnlyHasTheFocusIsNotSelected()
+void TestPackagePicker::focusedRowIsNotSelected()
 {
     addFiles({"a.pkg"});
     PackageInstalling dialog;
@@ -315,7 +315,7 @@ void TestPackagePicker::picksAnImage()
     const DebugLog log;
     const DialogDriver user(tapThenClick(name, button));
     QVERIFY(QMetaObject::invokeMethod(&window, "updateBIOSDialog"));
-    QCOMPARE(user.count(), 1); // whether it was installed is not told
+    QCOMPARE(user.count(), 1); // no message follows, whatever the result
     QCOMPARE(readPanelFile("bios.version"), version);
 }
 
@@ -364,7 +364,7 @@ void TestPackagePicker::picksAnAddOn()
     const DialogDriver user(tapThenClick(name, button));
     bool result = true;
     QVERIFY(QMetaObject::invokeMethod(&window, "installPackages", Q_RETURN_ARG(bool, result)));
-    QVERIFY(!result); // whatever was done
+    QVERIFY(!result); // false even after an installation
     QCOMPARE(user.count(), 1);
     QCOMPARE(readPanelFile("bios.version"), version);
 }

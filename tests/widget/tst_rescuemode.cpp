@@ -2,6 +2,7 @@
 
 #include "debuglog.h"
 #include "faketools.h"
+#include "movedclock.h"
 #include "pages/calibration.h"
 #include "panelfiles.h"
 #include "panelmain.h"
@@ -23,7 +24,8 @@ const QString list = "xinput [--list] [--name-only]";
 const QString query = "xinput [query-state] [PenMount USB]";
 const QString nullQuery = "xinput [query-state] [null]";
 
-/// What the stand-in does when it is asked for the devices and for the state of one.
+/// Shell text of a stand-in for xinput. @p devices runs for the list of devices, @p state for the
+/// state of one.
 QString touchController(const QString &devices, const QString &state)
 {
     return QString("case $1 in --list) %1;; *) %2;; esac").arg(devices, state);
@@ -47,12 +49,12 @@ private slots:
     void init();
     void cleanup();
     void looksForTheControllerUntilFound();
-    void deviceNameIsOneArgument_data();
-    void deviceNameIsOneArgument();
-    void holdRescues();
-    void releaseRestarts();
-    void noAnswerKeepsTiming();
-    void emptyListLeavesItUnknown();
+    void passesTheDeviceNameAsOneArgument_data();
+    void passesTheDeviceNameAsOneArgument();
+    void holdStartsRescue();
+    void releaseRestartsTheHold();
+    void missingAnswerKeepsTheHold();
+    void emptyListFindsNoDevice();
     void hangingListIsTheOnlyToolOfItsTick();
     void hangingQueryIsCutOff();
     void hangingBrightnessToolDoesNotStopRescue();
@@ -63,7 +65,7 @@ private slots:
     void calibrationDialogCoversTheDesktop();
 
 private:
-    /// Ticks by hand: the timer of the window is stopped.
+    /// A window whose poll timer does not tick during a test; the tests poll themselves.
     std::unique_ptr<BiosInterface> makeWindow(const ToolLimits &limits = {}) const;
     QStringList callsSince(qsizetype before) const { return m_tools->calls().mid(before); }
 
@@ -97,7 +99,7 @@ void TestRescueMode::looksForTheControllerUntilFound()
     window->slotRescueTimesup();
     window->slotRescueTimesup();
     QCOMPARE(callsSince(before), (QStringList{list, nullQuery, list, nullQuery}));
-    // It is plugged in now.
+    // Now the controller is plugged in.
     m_tools->setBody("xinput",
                      touchController("printf 'Mouse\\nPenMount USB\\n'", "echo 'button[1]=up'"));
     const qsizetype plugged = m_tools->calls().size();
@@ -106,7 +108,7 @@ void TestRescueMode::looksForTheControllerUntilFound()
     QCOMPARE(callsSince(plugged), (QStringList{list, query, query}));
 }
 
-void TestRescueMode::deviceNameIsOneArgument_data()
+void TestRescueMode::passesTheDeviceNameAsOneArgument_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("blanks") << "  PenMount  6000 ";
@@ -115,7 +117,7 @@ void TestRescueMode::deviceNameIsOneArgument_data()
     QTest::newRow("begins with a hyphen") << "--PenMount";
 }
 
-void TestRescueMode::deviceNameIsOneArgument()
+void TestRescueMode::passesTheDeviceNameAsOneArgument()
 {
     QFETCH(QString, name);
     m_tools->setBody("xinput", touchController("cat <<'E'\n" + name + "\nE\n", "true"));
@@ -124,7 +126,7 @@ void TestRescueMode::deviceNameIsOneArgument()
     QCOMPARE(m_tools->calls().last(), QString("xinput [query-state] [%1]").arg(name));
 }
 
-void TestRescueMode::holdRescues()
+void TestRescueMode::holdStartsRescue()
 {
     m_tools->setBody("xinput", touchController("echo 'PenMount USB'", "echo 'button[1]=down'"));
     const auto window = makeWindow();
@@ -138,7 +140,7 @@ void TestRescueMode::holdRescues()
     QVERIFY(poll != nullptr && poll->isActive());
     while (poll->isActive() && timer.elapsed() < 10000) {
         window->slotRescueTimesup();
-        QTest::qWait(100);
+        QTest::qWait(100); // the pause between two polls
     }
     QVERIFY2(timer.elapsed() > 2000 && timer.elapsed() < 3500,
              qPrintable(QString::number(timer.elapsed())));
@@ -147,12 +149,13 @@ void TestRescueMode::holdRescues()
     QCOMPARE(calls.mid(calls.size() - 3),
              (QStringList{query, "xrandr [--output] [LVDS1] [--brightness] [1]", "xCal"}));
     QCOMPARE(readPanelFile("bios.ini"), QByteArray("bios.brightness=\x01\n"));
-    QVERIFY(!poll->isActive()); // for good
+    QVERIFY(!poll->isActive()); // rescue ends the polling
 }
 
-void TestRescueMode::releaseRestarts()
+void TestRescueMode::releaseRestartsTheHold()
 {
     const auto window = makeWindow();
+    const MovedClock clock;
     const auto tick = [&](const char *state) {
         m_tools->setBody(
             "xinput",
@@ -160,31 +163,32 @@ void TestRescueMode::releaseRestarts()
         window->slotRescueTimesup();
     };
     tick("down");
-    QTest::qWait(1500);
+    MovedClock::advance(1500ms);
     tick("up");
     tick("down");
-    QTest::qWait(1500);
+    MovedClock::advance(1500ms);
     tick("down");
     QVERIFY(m_tools->calls().filter("xCal").isEmpty());
-    QTest::qWait(700);
+    MovedClock::advance(700ms);
     tick("down");
     QCOMPARE(m_tools->calls().filter("xCal").size(), 1);
 }
 
-void TestRescueMode::noAnswerKeepsTiming()
+void TestRescueMode::missingAnswerKeepsTheHold()
 {
+    const MovedClock clock;
     const auto window = makeWindow();
     m_tools->setBody("xinput", touchController("echo 'PenMount USB'", "echo 'button[1]=down'"));
     window->slotRescueTimesup();
     m_tools->setBody("xinput", touchController("true", "exit 1"));
     window->slotRescueTimesup();
-    QTest::qWait(2100);
+    MovedClock::advance(2100ms);
     m_tools->setBody("xinput", touchController("true", "echo 'button[1]=down'"));
     window->slotRescueTimesup();
     QCOMPARE(m_tools->calls().filter("xCal").size(), 1);
 }
 
-void TestRescueMode::emptyListLeavesItUnknown()
+void TestRescueMode::emptyListFindsNoDevice()
 {
     m_tools->setBody("xinput", touchController("printf '\\n\\n'", "true"));
     const auto window = makeWindow();
@@ -221,11 +225,12 @@ void TestRescueMode::hangingQueryIsCutOff()
 
 void TestRescueMode::hangingBrightnessToolDoesNotStopRescue()
 {
+    const MovedClock clock;
     const auto window = makeWindow(shortLimits);
     m_tools->setBody("xinput", touchController("echo 'PenMount USB'", "echo 'button[1]=down'"));
     m_tools->setBody("xrandr", "exec sleep 300");
     window->slotRescueTimesup();
-    QTest::qWait(2100);
+    MovedClock::advance(2100ms);
     window->slotRescueTimesup();
     QCOMPARE(m_tools->calls().last(), QString("xCal"));
 }
@@ -253,7 +258,7 @@ void TestRescueMode::toolsThatFail()
     window->slotRescueTimesup();
     qputenv("PATH", path);
     QVERIFY(m_tools->calls().filter("xCal").isEmpty());
-    // It comes back to its senses.
+    // The tool works again.
     m_tools->setBody("xinput", touchController("echo 'PenMount USB'", "echo 'button[1]=up'"));
     window->slotRescueTimesup();
     QCOMPARE(m_tools->calls().last(), query);
@@ -288,12 +293,12 @@ void TestRescueMode::calibrationDialogCoversTheDesktop()
     Calibration dialog;
     QVERIFY(dialog.parentWidget() == nullptr);
     dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog)); // it has been painted, which shows nothing
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog)); // painting works
     const QRect desktop = QGuiApplication::primaryScreen()->virtualGeometry();
     QCOMPARE(dialog.geometry(), QRect(0, 0, desktop.width() - 1, desktop.height() - 1));
     QVERIFY(dialog.isModal());
     QCOMPARE(dialog.focusPolicy(), Qt::StrongFocus);
-    QTest::mouseClick(&dialog, Qt::LeftButton); // does nothing
+    QTest::mouseClick(&dialog, Qt::LeftButton); // a click must not close it
     dialog.saveCalibration();
     QVERIFY(dialog.isVisible());
 }

@@ -52,21 +52,21 @@ private slots:
     void eachPort();
     void echoes_data();
     void echoes();
-    void lateChunkFailsOnce();
+    void lateChunksFailOnce();
     void chunkInThePauseCounts();
     void pauseHasNoLimit();
     void longEchoIsReadToItsEnd();
     void markupIsShownAsItIs();
-    void nothingIsWrittenBeyondTheSettings();
+    void silentPortGivesNoVerdict();
     void portSettings();
     void pressedAgain();
     void otherPortMeanwhile();
-    void anOlderEchoGivesNoVerdict();
+    void echoOfAnEarlierTestGivesNoVerdict();
     void verdictFreesThePort();
     void cannotOpen_data();
     void cannotOpen();
     void noPermission();
-    void withoutAButton();
+    void slotsWithoutASender();
     void busy();
     void unplugged_data();
     void unplugged();
@@ -119,13 +119,13 @@ void TestSerialTest::echoes_data()
     QTest::newRow("byte by byte") << "bytes" << sent + okLines;
     QTest::newRow("chunks, 50 ms") << "chunks:50" << sent + okLines;
     QTest::newRow("chunks, 120 ms") << "chunks:120" << sent + okLines;
-    QTest::newRow("after a second") << "late:1000" << sent + okLines;
+    QTest::newRow("one second late") << "late:1000" << sent + okLines;
     QTest::newRow("one byte changed")
         << "changed" << sent.left(40) + '#' + sent.mid(41) + failLines;
     QTest::newRow("one byte more") << "extra" << sent + '#' + failLines;
     QTest::newRow("one byte less") << "missing" << sent.left(40) + sent.mid(41) + failLines;
-    // A chunk counts up to its first zero byte, and always has.
-    QTest::newRow("a zero byte behind") << "zero" << sent + okLines;
+    // The program reads a chunk up to its first zero byte, so this echo passes.
+    QTest::newRow("trailing zero byte") << "zero" << sent + okLines;
 }
 
 void TestSerialTest::echoes()
@@ -137,22 +137,22 @@ void TestSerialTest::echoes()
     factory.click("Test");
     factory.click("COM1 RS232");
     QTRY_COMPARE(factory.result(), result);
-    QTest::qWait(50);
+    QTest::qWait(50); // no second verdict may follow
     QCOMPARE(factory.result(), result);
 }
 
-void TestSerialTest::lateChunkFailsOnce()
+void TestSerialTest::lateChunksFailOnce()
 {
     plug("chunks:400", "none", "none");
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("COM1 RS232");
     QTRY_COMPARE(factory.result(), payload(0).left(19) + failLines);
-    QTest::qWait(1300); // the other three chunks come and find nobody
+    QTest::qWait(500); // the next chunk must find no reader
     QCOMPARE(factory.result(), payload(0).left(19) + failLines);
 }
 
-/// What comes while the program sleeps, or in the moment after, is still in the kernel.
+/// The kernel keeps bytes that arrive during the pause; the program reads them afterwards.
 void TestSerialTest::chunkInThePauseCounts()
 {
     plug("chunks:60", "none", "none");
@@ -193,7 +193,7 @@ void TestSerialTest::markupIsShownAsItIs()
     QTRY_COMPARE(factory.result(), "<b>5</b>&amp;<img src='/dev/null'>" + failLines);
 }
 
-void TestSerialTest::nothingIsWrittenBeyondTheSettings()
+void TestSerialTest::silentPortGivesNoVerdict()
 {
     plug("silent", "none", "none");
     const FactoryWindow factory;
@@ -202,7 +202,7 @@ void TestSerialTest::nothingIsWrittenBeyondTheSettings()
     timer.start();
     factory.click("COM1 RS232");
     QVERIFY2(timer.elapsed() < 8000, qPrintable(QString::number(timer.elapsed())));
-    QTest::qWait(400);
+    QTest::qWait(300); // longer than the pause: neither a verdict nor a pause may come
     QCOMPARE(factory.result(), QString());
     QCOMPARE(factory.calls(), QStringList());
 }
@@ -230,13 +230,13 @@ void TestSerialTest::pressedAgain()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("COM1 RS232");
-    QTest::qWait(50);
+    QCoreApplication::processEvents();
     const DebugLog log;
     factory.click("COM1 RS232");
-    factory.click("COM1 RS232"); // not even the event loop ran
+    factory.click("COM1 RS232"); // at once, before the event loop runs
     QCOMPARE(log.lines().filter(" true").size(), 2);
     QCOMPARE(log.lines().filter(" 76").size(), 2);
-    plug("whole", "none", "none"); // now somebody puts the plug in
+    plug("whole", "none", "none");
     factory.click("COM1 RS232");
     QTRY_COMPARE(factory.result(), payload(0) + okLines);
     factory.click("COM1 RS232");
@@ -253,7 +253,7 @@ void TestSerialTest::otherPortMeanwhile()
     QTRY_COMPARE(factory.result(), payload(1) + okLines);
 }
 
-void TestSerialTest::anOlderEchoGivesNoVerdict()
+void TestSerialTest::echoOfAnEarlierTestGivesNoVerdict()
 {
     plug("late:300", "late:900", "late:600");
     const FactoryWindow factory;
@@ -264,7 +264,7 @@ void TestSerialTest::anOlderEchoGivesNoVerdict()
     factory.click("COM2 RS232");
     factory.click("COM3 RS232");
     QTRY_COMPARE(factory.result(), payload(2) + okLines);
-    QTest::qWait(500); // COM2's echo comes when no test runs any more
+    QTest::qWait(300); // the echo of COM2 comes late and must give no verdict
     QCOMPARE(factory.result(), payload(2) + okLines);
 }
 
@@ -279,7 +279,7 @@ void TestSerialTest::verdictFreesThePort()
     }
     QTRY_COMPARE(openFiles(), before);
     QSerialPort port("ttyS0");
-    QVERIFY(port.open(QIODevice::ReadWrite)); // nobody holds its lock
+    QVERIFY(port.open(QIODevice::ReadWrite)); // its lock is free
 }
 
 void TestSerialTest::cannotOpen_data()
@@ -301,7 +301,7 @@ void TestSerialTest::cannotOpen()
     const DebugLog log;
     factory.click("COM1 RS232");
     factory.click("COM1 RS232");
-    QTest::qWait(50);
+    QTest::qWait(50); // no verdict may come
     QProcess::execute("rm", {"-rf", "/dev/ttyS0"});
     QCOMPARE(factory.result(), QString());
     const QString line = "void SoftwareSetup::slotCOM232Test() \"/dev/ttyS0\" false";
@@ -313,7 +313,7 @@ void TestSerialTest::noPermission()
     const FactoryWindow factory;
     factory.click("Test");
     const DebugLog log;
-    setfsuid(nobody); // root passes over permissions
+    setfsuid(nobody); // permissions do not stop root
     factory.click("COM1 RS232");
     setfsuid(geteuid());
     QCOMPARE(log.lines(), QStringList{"void SoftwareSetup::slotCOM232Test() \"/dev/ttyS0\" false"});
@@ -322,7 +322,7 @@ void TestSerialTest::noPermission()
     QTRY_COMPARE(factory.result(), payload(0) + okLines);
 }
 
-void TestSerialTest::withoutAButton()
+void TestSerialTest::slotsWithoutASender()
 {
     const FactoryWindow factory;
     factory.window()->slotCOM232Test();
@@ -341,8 +341,8 @@ void TestSerialTest::busy()
     factory.click("COM2 RS232");
     QTRY_COMPARE(verdicts(factory), 1);
     factory.click("COM1 RS232");
-    QTest::qWait(50);
-    QCOMPARE(factory.result(), QString()); // the view was cleared all the same
+    QTest::qWait(50);                      // no verdict may come
+    QCOMPARE(factory.result(), QString()); // the view is cleared even if the port does not open
     other.close();
     factory.click("COM1 RS232");
     QTRY_COMPARE(factory.result(), payload(0) + okLines);
@@ -362,15 +362,15 @@ void TestSerialTest::unplugged()
     const FactoryWindow factory;
     factory.click("Test");
     factory.click("COM1 RS232");
-    QTest::qWait(400);
+    QTest::qWait(400); // longer than the pause: at most one verdict may come, and not "Ok"
     QVERIFY(!factory.result().contains("Ok"));
     QVERIFY(verdicts(factory) <= 1);
     const std::clock_t before = std::clock();
-    QTest::qWait(300);
+    QTest::qWait(300); // the program must not spin on the dead line
     const double busy = double(std::clock() - before) / CLOCKS_PER_SEC;
-    QVERIFY2(busy < 0.1, qPrintable(QString::number(busy))); // a dead line is not read for ever
-    factory.click("COM1 RS232");                             // the device of the cut line is gone
-    QTest::qWait(50);
+    QVERIFY2(busy < 0.1, qPrintable(QString::number(busy)));
+    factory.click("COM1 RS232"); // its device is gone
+    QTest::qWait(50);            // no verdict may come
     QCOMPARE(factory.result(), QString());
     factory.click("COM2 RS232");
     QTRY_COMPARE(factory.result(), payload(1) + okLines);
@@ -386,7 +386,7 @@ void TestSerialTest::windowClosedMeanwhile()
     factory.click("COM2 RS232");
     factory.click("COM3 RS232");
     factory.close();
-    QTest::qWait(200);
+    QTest::qWait(200); // late echoes must not reach the destroyed window
     QVERIFY(openFiles() <= before);
 }
 

@@ -7,7 +7,7 @@
 
 namespace {
 constexpr QSize buttonSize(200, 60);
-/// Where the text is drawn, and where pixels therefore are not as the layers alone make them.
+/// The area of the text, where pixels differ from the layers below it.
 constexpr QRect textArea(30, 10, 140, 40);
 
 LayerModel computed(const QRect &rect, bool highlight)
@@ -22,7 +22,7 @@ LayerModel computed(const QRect &rect, bool highlight)
     return model;
 }
 
-/// The smallest rectangle around all pixels that differ between the two.
+/// The smallest rectangle around all pixels that differ.
 QRect differingArea(const QImage &one, const QImage &other)
 {
     QRect area;
@@ -96,7 +96,7 @@ void TestSettingsButton::constructorsSetTheFont()
     const SettingsButton sized("text", 18, &window);
     QCOMPARE(sized.font().pixelSize(), 18);
     const SettingsButton sizedAndRounded("text", 18, true, &window);
-    QCOMPARE(sizedAndRounded.font().pixelSize(), 28); // on purpose: the size is not applied
+    QCOMPARE(sizedAndRounded.font().pixelSize(), 28); // ignores the size
     const SettingsButton rounded("text", true, &window);
     QCOMPARE(rounded.font().pixelSize(), 28);
     const SettingsButton plain(QString("text"), &window);
@@ -144,7 +144,7 @@ void TestSettingsButton::roundedKeepsItsCorners()
         for (const QPoint corner : {QPoint(0, 0), QPoint(199, 0), QPoint(0, 59), QPoint(199, 59)}) {
             QCOMPARE(image.pixelColor(corner), QColor(Qt::cyan));
         }
-        // The corner is 20 wide and 15 high: behind that the edge is black.
+        // The corner is 20 px wide and 15 px high; the edge after it is black.
         QCOMPARE(image.pixelColor(21, 1), QColor(Qt::black));
         QCOMPARE(image.pixelColor(1, 16), QColor(Qt::black));
         QCOMPARE(image.pixelColor(100, 30), QColor(Qt::black));
@@ -201,9 +201,9 @@ void TestSettingsButton::shrinksTextThatDoesNotFit()
         const QRect text = differingArea(paintedImage(button), paintedImage(empty));
         QVERIFY2(text.left() > 0 && text.right() < width - 1, qPrintable(QString::number(width)));
         if (width == 400) {
-            QVERIFY(text.width() > 250); // as large as asked for where there is room
+            QVERIFY(text.width() > 250); // full size where there is room
         } else {
-            QVERIFY(text.width() > width * 7 / 10); // no smaller than it takes
+            QVERIFY(text.width() > width * 7 / 10); // not smaller than necessary
         }
     }
     QCOMPARE(button.font().pixelSize(), 40);

@@ -20,7 +20,7 @@
 #include <optional>
 
 namespace {
-/// The settings window, with loaders and savers that record their calls.
+/// The settings window. Its load and save functions record their calls.
 class RecordingWindow : public BiosInterface
 {
 public:
@@ -102,12 +102,12 @@ private slots:
     void endOfRuntimeShowsMainPageAtOnce();
     void mainPageLayout();
     void mainPageButtonText();
-    void pageButtonTextsAreAlike_data();
-    void pageButtonTextsAreAlike();
+    void pageButtonTextsHaveOneSize_data();
+    void pageButtonTextsHaveOneSize();
     void timePageHasNothingToStore();
     void homeKeyNeedsDebugLevel_data();
     void homeKeyNeedsDebugLevel();
-    void unplacedButtonsNeverShow();
+    void buttonsWithoutALayoutStayHidden();
     void pageButtonOpensPage_data();
     void pageButtonOpensPage();
     void titleBarLayout();
@@ -227,7 +227,7 @@ void TestSettingsShell::endOfRuntimeShowsMainPageAtOnce()
     const PaintCounter paints(m_window->pages()->widget(1));
     m_window->runApplication();
     QCOMPARE(m_window->pages()->currentIndex(), 1);
-    QVERIFY(paints.count() > 0); // without any event having been processed
+    QVERIFY(paints.count() > 0); // before any event was processed
     writePanelFile("runapp.sh", script);
 }
 
@@ -278,7 +278,7 @@ void TestSettingsShell::mainPageButtonText()
 {
     SettingsButton *run = nullptr;
     for (auto *button : m_window->page()->findChildren<SettingsButton *>()) {
-        // those of pages have a name, the title is at the top
+        // page buttons have a name, and the title is at the top
         run = button->objectName().isEmpty() && placeOf(button).top() > 0 ? button : run;
     }
     QVERIFY(run != nullptr);
@@ -287,7 +287,7 @@ void TestSettingsShell::mainPageButtonText()
     QVERIFY(run->grab().toImage() == model.grab().toImage());
 }
 
-void TestSettingsShell::pageButtonTextsAreAlike_data()
+void TestSettingsShell::pageButtonTextsHaveOneSize_data()
 {
     QTest::addColumn<QSize>("size");
     for (const QSize size :
@@ -296,7 +296,7 @@ void TestSettingsShell::pageButtonTextsAreAlike_data()
     }
 }
 
-void TestSettingsShell::pageButtonTextsAreAlike()
+void TestSettingsShell::pageButtonTextsHaveOneSize()
 {
     QFETCH(QSize, size);
     m_window->resize(size);
@@ -332,7 +332,7 @@ void TestSettingsShell::homeKeyNeedsDebugLevel_data()
     QTest::newRow("1") << QByteArray("bios.debug=1\n") << 1;
     QTest::newRow("20") << QByteArray("bios.debug=20\n") << 20;
     QTest::newRow("negative") << QByteArray("bios.debug=-1\n") << -1;
-    QTest::newRow("no number") << QByteArray("bios.debug=yes\n") << 0;
+    QTest::newRow("not a number") << QByteArray("bios.debug=yes\n") << 0;
 }
 
 void TestSettingsShell::homeKeyNeedsDebugLevel()
@@ -355,7 +355,7 @@ void TestSettingsShell::homeKeyNeedsDebugLevel()
     }
 }
 
-void TestSettingsShell::unplacedButtonsNeverShow()
+void TestSettingsShell::buttonsWithoutALayoutStayHidden()
 {
     QStringList unplaced;
     for (QWidget *widget : QApplication::allWidgets()) {
@@ -373,7 +373,7 @@ void TestSettingsShell::unplacedButtonsNeverShow()
         QVERIFY(button->isEnabled());
         QVERIFY(button->objectName() != "ok" && button->objectName() != "cancel");
     }
-    // Those of the title bar that has none hang on the window itself.
+    // A title bar without Cancel and OK leaves these buttons as direct children of the window.
     for (auto *button :
          m_window->findChildren<SettingsButton *>(QString(), Qt::FindDirectChildrenOnly)) {
         QVERIFY(!button->isVisible());
@@ -435,7 +435,7 @@ void TestSettingsShell::titleBarLayout()
         QCOMPARE(placeOf(title), QRect(100, 0, m_window->width() - 200, 32));
         QCOMPARE(title->font().pixelSize(), 20);
         const QImage released = title->grab().toImage();
-        QTest::mousePress(title, Qt::LeftButton); // the title does not react
+        QTest::mousePress(title, Qt::LeftButton); // the title is not a button
         QCOMPARE(title->grab().toImage(), released);
         QTest::mouseRelease(title, Qt::LeftButton);
         QVERIFY(m_window->pages()->currentIndex() != 1);
@@ -453,7 +453,8 @@ void TestSettingsShell::failureIsADebugLine()
     QCOMPARE(m_window->pages()->currentIndex(), 11); // the page stays shown
     tap(m_window->button("ok"));
     QCOMPARE(m_window->pages()->currentIndex(), 1);
-    const QString line("\"Load settings at page 11 error.\""); // after saving too
+    // A failing save reports "Load" as well.
+    const QString line("\"Load settings at page 11 error.\"");
     QCOMPARE(log.lines(), (QStringList{line, line}));
 }
 
@@ -482,7 +483,7 @@ void TestSettingsShell::buttonWithoutPageOpensCountDown()
     nameless.setObjectName("Ethernet");
     emit nameless.buttonClicked();
     QCOMPARE(m_window->pages()->currentIndex(), 0);
-    nameless.setObjectName("far:99"); // no such page: the shown one stays
+    nameless.setObjectName("far:99"); // there is no such page, so the current one stays
     emit nameless.buttonClicked();
     QCOMPARE(m_window->pages()->currentIndex(), 0);
     QCOMPARE(m_window->calls, QStringList());
@@ -529,7 +530,7 @@ void TestSettingsShell::destructionOrder()
         watch(pages->widget(index), QString("page %1").arg(index));
     }
     watch(pages, "stack");
-    m_window.reset(); // its buttons that hang nowhere were watched as well
+    m_window.reset(); // this deletes the buttons without a layout too
     deleted.clear();
     delete window;
     const QStringList expected{"countdown",       "COM Port:2",      "Ethernet:3",

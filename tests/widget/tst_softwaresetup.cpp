@@ -45,7 +45,7 @@ QString widgetText(const QWidget *widget)
     return widget->metaObject()->className();
 }
 
-/// The rows of a page, each as the texts of its widgets.
+/// The rows of a page, as the texts of their widgets.
 QStringList rowTexts(const QWidget *viewport)
 {
     QStringList rows;
@@ -185,7 +185,7 @@ void TestSoftwareSetup::everythingFits()
     auto *view = factory.window()->findChild<QTextEdit *>("resultView");
     view->setPlainText(serialPayload("/dev/ttyS0", linkTestCharacters) + '\n' + QString(38, '-')
                        + "\nTest Fail!");
-    QVERIFY(!view->verticalScrollBar()->isVisible()); // a whole test is in sight
+    QVERIFY(!view->verticalScrollBar()->isVisible()); // the page fits without scrolling
 }
 
 void TestSoftwareSetup::testLeadsToTheTestPage()

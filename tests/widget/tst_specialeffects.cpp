@@ -28,7 +28,7 @@ constexpr Operation operations[] = {
     {"highlight", &SpecialEffectsDrawingInterface::drawHighlight, &LayerModel::addHighlight},
 };
 
-/// Odd, even, and those too small for a layer, in which it turns over or vanishes.
+/// Odd and even sizes, and sizes that make a layer empty or inside out.
 constexpr QSize sizes[] = {
     {100, 40}, {101, 41}, {240, 120}, {241, 119}, {40, 100}, {64, 300}, {24, 24},
     {23, 24},  {22, 30},  {21, 9},    {12, 8},    {11, 7},   {10, 6},   {5, 5},
@@ -46,7 +46,7 @@ QImage painted(Draw draw, const QRect &rect, const QColor &base)
     return image;
 }
 
-/// The rows of @p image that are not black, at column @p x.
+/// Rows in column @p x of @p image that are not black.
 QList<int> paintedRows(const QImage &image, int x)
 {
     QList<int> rows;
@@ -109,7 +109,7 @@ void TestSpecialEffects::linearGradientRows()
 {
     const QImage image = painted(&SpecialEffectsDrawingInterface::drawLinearGradient,
                                  QRect(0, 0, 100, 40), Qt::black);
-    // The gloss reaches down to row 20, where it has faded to nothing.
+    // The gloss fades out at row 20.
     QCOMPARE(paintedRows(image, 50), range(0, 19) + range(34, 38));
     QCOMPARE(paintedRows(image, 100), QList<int>());
 }

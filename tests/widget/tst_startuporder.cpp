@@ -44,12 +44,12 @@ private slots:
     void survivesBadSettingsFile_data();
     void survivesBadSettingsFile();
     void settingsFileIsRewrittenInOrder();
-    void missingSettingsFileIsMadeOnWrite();
+    void missingSettingsFileIsCreatedOnWrite();
     void unwritableSettingsFileIsADebugLine_data();
     void unwritableSettingsFileIsADebugLine();
     void survivesBadDisplayTool_data();
     void survivesBadDisplayTool();
-    void missingDisplayToolIsPassedOver();
+    void missingDisplayToolIsIgnored();
     void hangingDisplayToolIsCutOff_data();
     void hangingDisplayToolIsCutOff();
     void survivesBadVersionFiles_data();
@@ -76,7 +76,7 @@ void TestStartupOrder::init()
 
 void TestStartupOrder::cleanup()
 {
-    m_tools.reset(); // gives PATH back before the next stand-ins take it
+    m_tools.reset(); // restores PATH before the next stand-ins change it
 }
 
 void TestStartupOrder::toolsRunInOrder()
@@ -104,7 +104,7 @@ void TestStartupOrder::windowIsFramelessAndFillsTheDesktop()
 void TestStartupOrder::configuredSize_data()
 {
     QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QSize>("size"); // invalid: that of the desktop
+    QTest::addColumn<QSize>("size"); // invalid stands for the size of the desktop
     QTest::newRow("set") << QByteArray("1024x768") << QSize(1024, 768);
     QTest::newRow("large X") << QByteArray("640X480") << QSize(640, 480);
     QTest::newRow("height 0") << QByteArray("1024x0") << QSize();
@@ -187,12 +187,12 @@ void TestStartupOrder::settingsFileIsRewrittenInOrder()
              QByteArray("a=1\napp.mouse=1\nb=4\nunknown=\xC3\xA4 \xE9\n"));
 }
 
-void TestStartupOrder::missingSettingsFileIsMadeOnWrite()
+void TestStartupOrder::missingSettingsFileIsCreatedOnWrite()
 {
     removePanelFile("bios.ini");
     BiosInterface window;
     QCOMPARE(window.size(), desktopSize());
-    QVERIFY(!QFile::exists("/opt/talmero/bios/bios.ini")); // reading makes none
+    QVERIFY(!QFile::exists("/opt/talmero/bios/bios.ini")); // reading does not create it
     const DebugLog log;
     window.writeINI();
     QVERIFY(QFile::exists("/opt/talmero/bios/bios.ini"));
@@ -202,8 +202,8 @@ void TestStartupOrder::missingSettingsFileIsMadeOnWrite()
 
 void TestStartupOrder::unwritableSettingsFileIsADebugLine_data()
 {
-    QTest::addColumn<QString>("cover"); // makes the file unwritable on an empty file system
-    QTest::newRow("folder at its place") << "mkdir %1/bios.ini";
+    QTest::addColumn<QString>("cover"); // shell command that makes the file unwritable
+    QTest::newRow("folder in its place") << "mkdir %1/bios.ini";
     QTest::newRow("read-only file system") << "mount -o remount,ro %1";
     QTest::newRow("full file system") << "head -c 1000000 /dev/zero >%1/rest 2>/dev/null || true";
 }
@@ -226,7 +226,7 @@ void TestStartupOrder::unwritableSettingsFileIsADebugLine()
                          "/opt/talmero/bios/bios.ini Error"});
     shell("umount %1");
     removePanelFile("bios.ini");
-    window.writeINI(); // the settings are still there
+    window.writeINI(); // the settings are still in memory
     QCOMPARE(readPanelFile("bios.ini"), QByteArray("a=1\n"));
     QCOMPARE(log.lines().size(), 1);
 }
@@ -249,7 +249,7 @@ void TestStartupOrder::survivesBadDisplayTool()
     QCOMPARE(m_tools->calls().value(0), QString("xrandr [-q]"));
 }
 
-void TestStartupOrder::missingDisplayToolIsPassedOver()
+void TestStartupOrder::missingDisplayToolIsIgnored()
 {
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", "/nonexistent");
@@ -331,7 +331,7 @@ void TestStartupOrder::versionFilesUnderTheirNames()
 void TestStartupOrder::followsTheScreens()
 {
     BiosInterface window;
-    window.slotresize(99); // no such screen
+    window.slotresize(99); // there is no such screen
     window.slotresize(-1);
     QCOMPARE(window.size(), desktopSize());
     window.resize(300, 200);

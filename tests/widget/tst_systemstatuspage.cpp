@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QToolButton>
 
+using namespace std::chrono_literals;
+
 namespace {
 const QStringList displayTools{"xrandr", "xset", "xinput"};
 constexpr int rowCount = 7;
@@ -28,8 +30,8 @@ constexpr char busyboxOutput[]
 class Page : public SettingsPage
 {
 public:
-    explicit Page(const QByteArray &settings = {})
-        : SettingsPage("System Status:9", settings)
+    explicit Page(const QByteArray &settings = {}, const ToolLimits &limits = {})
+        : SettingsPage("System Status:9", settings, OpensPage, limits)
     {
     }
 
@@ -87,7 +89,7 @@ private slots:
     void captionsOfASmallModel();
     void modelRow_data();
     void modelRow();
-    void rowsThatAreRefreshed();
+    void someRowsAreRefreshed();
     void missingVersionFiles();
     void textsAreShownAsTheyAre();
     void longTextsStayOnTheScreen_data();
@@ -174,7 +176,7 @@ void TestSystemStatusPage::updateButtonOpensThePicker()
     QCOMPARE(button->sizePolicy(), QSizePolicy(QSizePolicy::Minimum, QSizePolicy::Minimum));
     QCOMPARE(button->palette().color(QPalette::WindowText), QColor(Qt::white));
     QCOMPARE(button->font().pixelSize(), 24);
-    QVERIFY(button->height() >= 40); // a finger hits it
+    QVERIFY(button->height() >= 40); // large enough for a finger
     QCOMPARE(page.grid()->itemAtPosition(updateRow, 1)->layout()->itemAt(1)->widget(), button);
     bool picks = false;
     const DialogDriver user([&](QDialog &dialog) {
@@ -188,7 +190,7 @@ void TestSystemStatusPage::updateButtonOpensThePicker()
 
 void TestSystemStatusPage::captionsOfASmallModel()
 {
-    writePanelFile("model", "K21\n"); // its window has a font of 20 px
+    writePanelFile("model", "K21\n"); // the windows of this model have a font of 20 px
     const Page page;
     for (int row = 0; row < rowCount; ++row) {
         QCOMPARE(page.caption(row)->font().pixelSize(), 24);
@@ -205,9 +207,9 @@ void TestSystemStatusPage::modelRow_data()
         << QByteArray("TALMEROQZP\n") << QByteArray("RV-K25T\n") << "TALMERO EK Series:RV-K25T";
     QTest::newRow("small letters")
         << QByteArray("talmeroqzp\n") << QByteArray("RV-K25T\n") << "RV-K25T";
-    QTest::newRow("more behind it")
+    QTest::newRow("trailing text")
         << QByteArray("TALMEROQZP2\n") << QByteArray("RV-K25T\n") << "RV-K25T";
-    QTest::newRow("blank behind it")
+    QTest::newRow("trailing blank")
         << QByteArray("TALMEROQZP \n") << QByteArray("RV-K25T\n") << "RV-K25T";
     QTest::newRow("another OEM") << QByteArray("TALMERO\n") << QByteArray("RV-K21T\n") << "RV-K21T";
     QTest::newRow("no OEM") << QByteArray() << QByteArray("X") << "X";
@@ -225,10 +227,10 @@ void TestSystemStatusPage::modelRow()
     QCOMPARE(Page().model(), shown);
 }
 
-void TestSystemStatusPage::rowsThatAreRefreshed()
+void TestSystemStatusPage::someRowsAreRefreshed()
 {
     const Page page;
-    page.leave("ok"); // nothing to save
+    page.leave("ok"); // the page saves nothing
     writeVersions("13\n", "TALMEROQZP\n", "RV-K25T\n", "4\n");
     m_tools->setBody("ifconfig", QString(busyboxOutput).replace("00:1C", "00:AA"));
     m_tools->setBody("du", "printf '1.1G\\t/home/dest/\\n'");
@@ -250,7 +252,7 @@ void TestSystemStatusPage::missingVersionFiles()
     QCOMPARE(page.model(), QString());
     QCOMPARE(page.firmware(), QString(" "));
     QCOMPARE(page.value(updateRow)->text(), QString());
-    writePanelFile("fwver", "\n"); // an empty line is no version either
+    writePanelFile("fwver", "\n"); // an empty line counts as no version
     QVERIFY(page.window()->loadSystemStatusSettings());
     QCOMPARE(page.firmware(), QString(" "));
 }
@@ -295,7 +297,7 @@ void TestSystemStatusPage::longTextsStayOnTheScreen()
     const Page page(settings);
     QCOMPARE(page.window()->size(), size);
     QVERIFY(page.page()->rect().contains(page.updateButton()->geometry()));
-    if (text.size() < 10) { // the usual texts are seen whole
+    if (text.size() < 10) { // texts of normal length are not cut
         const QLabel *model = page.value(1);
         const QRect needed
             = model->fontMetrics().boundingRect(model->rect(), Qt::TextWordWrap, model->text());
@@ -317,15 +319,15 @@ void TestSystemStatusPage::hardwareAddress_data()
                                    << "";
     QTest::newRow("31 with blanks") << "echo 'HWaddr 1                              '"
                                     << "";
-    QTest::newRow("nothing behind it") << "echo 'HWaddr '"
-                                       << "";
+    QTest::newRow("nothing after it") << "echo 'HWaddr '"
+                                      << "";
     QTest::newRow("no HWaddr") << "echo 'eth0 Link encap:Local Loopback'"
                                << "NULL";
-    QTest::newRow("no blank behind it") << "echo HWaddr"
-                                        << "NULL";
+    QTest::newRow("no blank after it") << "echo HWaddr"
+                                       << "NULL";
     QTest::newRow("small letters") << "echo 'hwaddr 00:11:22:33:44:55'"
                                    << "NULL";
-    QTest::newRow("today's net-tools") << "echo '        ether 00:11:22:33:44:55  txqueuelen 1000'"
+    QTest::newRow("current net-tools") << "echo '        ether 00:11:22:33:44:55  txqueuelen 1000'"
                                        << "NULL";
     QTest::newRow("no output") << "exit 1"
                                << "NULL";
@@ -353,14 +355,14 @@ void TestSystemStatusPage::hardwareAddress()
 
 void TestSystemStatusPage::hangingIfconfigIsCutOff()
 {
-    const Page page;
+    const Page page({}, {.hardwareAddress = 1000ms});
     m_tools->setBody("ifconfig", "echo \"HWaddr 1:2:$1\"; [ $1 = eth1 ] || exec sleep 60");
     QElapsedTimer timer;
     timer.start();
     page.open();
-    QVERIFY2(timer.elapsed() >= 3000 && timer.elapsed() < 20000,
+    QVERIFY2(timer.elapsed() >= 1000 && timer.elapsed() < 20000,
              qPrintable(QString::number(timer.elapsed())));
-    QCOMPARE(page.firstAddress(), QString("1:2:eth0")); // what it had said until then
+    QCOMPARE(page.firstAddress(), QString("1:2:eth0")); // its output before the limit is used
     QCOMPARE(page.secondAddress(), QString("1:2:eth1"));
     QCOMPARE(page.size(), QString("12M/16384M"));
 }
@@ -405,7 +407,7 @@ void TestSystemStatusPage::toolsMissing()
     m_tools = nullptr;
     const FakeTools tools(displayTools);
     const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", path.split(':').first()); // that of the stand-ins alone
+    qputenv("PATH", path.split(':').first()); // only the folder of the stand-ins
     const Page page;
     qputenv("PATH", path);
     QCOMPARE(page.firstAddress(), QString("NULL"));
@@ -431,7 +433,7 @@ void TestSystemStatusPage::realTools()
     shellBytes("rm -r /home/dest");
     page.open();
     emptyFolder("/home/dest");
-    QCOMPARE(page.size(), QString("/16384M")); // du says that there is none
+    QCOMPARE(page.size(), QString("/16384M")); // du prints no size for a missing folder
 }
 
 void TestSystemStatusPage::pageWithoutLabels()

@@ -36,8 +36,8 @@ bool isOn(int x, int y, const QRect &outline)
     return inside && !outline.adjusted(1, 1, -1, -1).contains(x, y);
 }
 
-/// How much of the gloss, white with alpha 170 in its centre, is left at a pixel of a dot whose
-/// gloss was computed for a square of the side @p side.
+/// Alpha of the gloss at a pixel of a dot. The gloss is white with alpha 170 in its centre and was
+/// computed for a square of the side @p side.
 double glossAlpha(int x, int y, int side)
 {
     const int radius = side / 2;
@@ -45,7 +45,7 @@ double glossAlpha(int x, int y, int side)
     return 170 * std::max(0.0, 1 - distance / radius);
 }
 
-/// Brightness of a colour to the eye, from 0 to 1.
+/// Relative luminance of a colour, from 0 to 1.
 double luminance(const QColor &color)
 {
     const auto linear = [](double part) {
@@ -66,7 +66,7 @@ private slots:
     void uncheckedRadioButton();
     void checkedRadioButton();
     void textColorFollowsTheState();
-    void glossIsKeptForGood();
+    void glossIsComputedOnlyOnce();
     void uncheckingRemovesTheDot();
     void wholeRowReacts();
     void scrollBarsAreWideEnough();
@@ -103,7 +103,7 @@ void TestTouchWidgets::lineEditFont()
     const LineEditWithKeyPad edit(&window);
     QCOMPARE(edit.font().pixelSize(), 24);
     QCOMPARE(edit.font().weight(), QFont::Bold);
-    QVERIFY(edit.font().italic()); // the rest is inherited
+    QVERIFY(edit.font().italic()); // all else is inherited
 }
 
 void TestTouchWidgets::uncheckedRadioButton()
@@ -143,9 +143,9 @@ void TestTouchWidgets::checkedRadioButton()
         for (int x = dot.left(); x < dot.right(); ++x) {
             if (std::hypot(x + 0.5 - dot.center().x() - 0.5, y + 0.5 - dot.center().y() - 0.5)
                 > 8) {
-                continue; // its black outline begins there
+                continue; // the black outline
             }
-            const double alpha = glossAlpha(x, y, 20); // measured from the widget's corner
+            const double alpha = glossAlpha(x, y, 20); // relative to the corner of the widget
             const QColor pixel = image.pixelColor(x, y);
             QVERIFY(qAbs(pixel.red() - alpha) <= 2);
             QVERIFY(qAbs(pixel.blue() - alpha) <= 2);
@@ -181,12 +181,12 @@ void TestTouchWidgets::textColorFollowsTheState()
     QVERIFY(!holds(Qt::gray));
 }
 
-void TestTouchWidgets::glossIsKeptForGood()
+void TestTouchWidgets::glossIsComputedOnlyOnce()
 {
     RadioButton early;
     early.resize(buttonSize);
     early.setChecked(true);
-    early.getIndicatorRadialGradient(QRect(0, 0, 100, 100)); // as if painted at another size first
+    early.getIndicatorRadialGradient(QRect(0, 0, 100, 100)); // like a first paint at another size
     RadioButton late;
     late.resize(buttonSize);
     late.setChecked(true);
@@ -196,7 +196,7 @@ void TestTouchWidgets::glossIsKeptForGood()
     const QRect box = elementRect(late, QStyle::SE_RadioButtonIndicator);
     late.resize(buttonSize);
     QCOMPARE(paintedImage(late), before);
-    QVERIFY(box.top() > 30); // the taller button has its dot lower, away from the gloss
+    QVERIFY(box.top() > 30); // the dot of a taller button lies below the gloss
     late.resize(400, 90);
     QCOMPARE(paintedImage(late).pixelColor(box.center()), QColor(Qt::green));
 }
@@ -246,7 +246,7 @@ void TestTouchWidgets::toolButtonsAreHighEnough()
     QToolButton button;
     button.setText("x");
     QCOMPARE(button.sizeHint().height(), 44);
-    QVERIFY(button.sizeHint().width() < 60); // as wide as its text wants it
+    QVERIFY(button.sizeHint().width() < 60); // only as wide as its text
     QFont font = button.font();
     font.setPixelSize(60);
     button.setFont(font);
@@ -281,7 +281,7 @@ void TestTouchWidgets::otherWindowsHaveNoFrame()
     QCOMPARE(window.grab().toImage().pixelColor(0, 0), window.palette().color(QPalette::Window));
     QDialog dialog;
     QWidget part(&dialog);
-    part.setAttribute(Qt::WA_StyledBackground); // lets the style paint it, as a dialog does
+    part.setAttribute(Qt::WA_StyledBackground); // the style paints it like a dialog
     part.resize(200, 100);
     QCOMPARE(part.grab().toImage().pixelColor(0, 0), part.palette().color(QPalette::Window));
 }
@@ -337,7 +337,7 @@ void TestTouchWidgets::listBoxesShowALargeArrow()
     const QPoint middle = place.center();
     const QColor brush = box.palette().color(QPalette::ButtonText);
     QCOMPARE(image.pixelColor(middle), brush);
-    QCOMPARE(image.pixelColor(middle + QPoint(-6, -4)), brush); // it points down
+    QCOMPARE(image.pixelColor(middle + QPoint(-6, -4)), brush); // the arrow points down
     QCOMPARE(image.pixelColor(middle + QPoint(6, -4)), brush);
     QVERIFY(image.pixelColor(middle + QPoint(-6, 3)) != brush);
 }
@@ -352,7 +352,7 @@ void TestTouchWidgets::textHasContrast_data()
     QTest::newRow("chosen") << QPalette::HighlightedText << QPalette::Highlight;
 }
 
-/// As the web's guidelines measure it: 4.5 is enough for text of any size.
+/// Contrast ratio as in WCAG, which asks for 4.5 for text of any size.
 void TestTouchWidgets::textHasContrast()
 {
     QFETCH(const QPalette::ColorRole, text);
