@@ -12,7 +12,7 @@ import subprocess
 import sys
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "hostile"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "robustness" / "hostile"))
 import archives  # noqa: E402
 from archives import BLOCK, END, folder, gz, hardlink, header, member, pax, symlink  # noqa: E402
 

@@ -26,7 +26,7 @@ for preset in release sanitize; do
         GLIBC_TUNABLES=glibc.malloc.tcache_count=0 \
             LSAN_OPTIONS=suppressions=$PWD/tests/leaks.supp:print_suppressions=0 \
             simulator/panel --build "$folder" --display xvfb -- \
-            "$folder/tests/randomwalk" $window --seed "${1:-1}" --steps "${2:-20000}" || status=1
+            "$folder/bin/randomwalk" $window --seed "${1:-1}" --steps "${2:-20000}" || status=1
     done
 done
 exit "$status"
