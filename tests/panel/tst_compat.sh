@@ -102,7 +102,7 @@ sticks() { # SCRIPT: for bash; it ends with the first failure. $stick is the too
         bash -c "source '$work/sticks.sh'; $1"
 }
 
-# The second partition's turn may be first. Swap space and what Windows writes are left alone.
+# udev may report the second partition first. Swap space and NTFS are not mounted.
 # shellcheck disable=SC2016
 sticks_get_places_in_order() {
     sticks '
@@ -140,7 +140,7 @@ TEXT
         grep -qx "umount --lazy /media/usb0" "$state/calls"'
 }
 
-# A panel may boot from a USB disk.
+# A panel may boot from a USB disk, which must stay mounted.
 # shellcheck disable=SC2016
 own_disk_is_left_alone() {
     sticks '
