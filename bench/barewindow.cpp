@@ -1,4 +1,4 @@
-// What any program of the toolkit costs: one window over the whole screen with one text in it.
+// The minimum for a Qt program: one window that fills the screen and shows one text.
 
 #include <QApplication>
 #include <QPainter>

@@ -4,11 +4,11 @@
 
 #include <filesystem>
 
-/// A program that runs for as long as this lives, without input and output.
+/// A program that runs while this object lives, without input and output.
 class ChildProcess
 {
 public:
-    /// Ends the benchmark if @p program cannot be started.
+    /// Exits the benchmark if @p program cannot be started.
     explicit ChildProcess(const std::filesystem::path &program);
     ~ChildProcess();
     ChildProcess(const ChildProcess &) = delete;
@@ -16,9 +16,9 @@ public:
 
     void waitForEnd();
 
-    /// Memory of the process in kB, a page that others have mapped too counted in shares (PSS).
+    /// Memory of the process in kB, with pages shared between processes counted in part (PSS).
     double memory() const;
 
 private:
-    pid_t m_process = 0; ///< 0: has ended
+    pid_t m_process = 0; ///< 0: ended
 };

@@ -1,4 +1,4 @@
-// How long the file transfer page takes to show many packages, in the real window.
+// Measures how long the file transfer page takes to show many packages, in the real window.
 
 #include "packages/filetable.h"
 #include "samplefiles.h"
@@ -14,7 +14,7 @@
 namespace {
 constexpr int rounds = 15;
 
-/// Where the program looks on this panel: no setting names another folder.
+/// The default folder that the program searches.
 constexpr char folder[] = "/media/";
 constexpr char sampleFolder[] = "/media/usb0/stick/";
 
@@ -31,7 +31,7 @@ QStringList findPackages()
     return findPackagesBelow(folder, sampleType);
 }
 
-/// From the list of files until the table shows them, beginning with the rows of a round before.
+/// Times in ms to show a list of files in the table, which still has the rows of the last round.
 std::vector<double> fillTimes(QTableWidget *files)
 {
     const QStringList names = findPackages();
@@ -44,6 +44,7 @@ std::vector<double> fillTimes(QTableWidget *files)
     return times;
 }
 
+/// Times in ms to search for the packages.
 std::vector<double> walkTimes()
 {
     std::vector<double> times;
@@ -55,7 +56,7 @@ std::vector<double> walkTimes()
     return times;
 }
 
-/// The page with its table, reached by taps.
+/// The file transfer page, opened by taps.
 class TransferPage
 {
 public:
@@ -100,7 +101,7 @@ void measure(ResultTable &table, TransferPage &page, const Size &size)
     const std::vector<double> walk = walkTimes();
     const std::vector<double> open = openTimes(page);
     if (page.files()->rowCount() != size.rows) {
-        qFatal("the page does not show each package");
+        qFatal("the page does not show all packages");
     }
     table.addSamples("tap to " + rows + " on the page", open, "ms");
     table.addFigure("  without the walk", median(open) - median(walk), "ms", size.target);

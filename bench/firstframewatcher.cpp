@@ -12,7 +12,7 @@
 namespace {
 constexpr int waitLimit = 10000; // ms
 constexpr uint8_t sentFlag = 0x80;
-constexpr uint32_t colorMask = 0xffffff; // the fourth byte of a pixel has no meaning
+constexpr uint32_t colorMask = 0xffffff; // the fourth byte of a pixel is unused
 
 struct Free
 {
@@ -32,7 +32,7 @@ Answer<xcb_generic_event_t> nextEvent(xcb_connection_t *connection)
     while (event == nullptr) {
         pollfd input{xcb_get_file_descriptor(connection), POLLIN, 0};
         if (poll(&input, 1, waitLimit) < 1 || xcb_connection_has_error(connection) != 0) {
-            die("the window did not come or go in time");
+            die("the window was not shown or closed in time");
         }
         event.reset(xcb_poll_for_event(connection));
     }
@@ -108,13 +108,12 @@ void FirstFrameWatcher::findDamageExtension()
         die("the display has no damage extension");
     }
     m_damageEvent = static_cast<uint8_t>(extension->first_event + XCB_DAMAGE_NOTIFY);
-    // The server refuses the extension to a client that has not asked for its version.
+    // The server rejects requests of the extension from a client that has not queried its version.
     const Answer<xcb_damage_query_version_reply_t> version(xcb_damage_query_version_reply(
         m_connection, xcb_damage_query_version(m_connection, 1, 1), nullptr));
 }
 
-/// The whole screen and not the program's window: whoever asks for that as soon as it is there may
-/// be too late for the first frame.
+/// Watches the whole screen: to watch the new window could be too late for its first frame.
 void FirstFrameWatcher::watchScreen()
 {
     const uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
@@ -123,7 +122,7 @@ void FirstFrameWatcher::watchScreen()
                       XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
 }
 
-/// The server begins with a report that all is damaged.
+/// Discards the server's first event, which reports the whole screen as damaged.
 void FirstFrameWatcher::forgetEvents()
 {
     const Answer<xcb_get_input_focus_reply_t> answer(
@@ -149,7 +148,7 @@ bool FirstFrameWatcher::fillsScreen(const xcb_rectangle_t &area) const
     return area.width == m_screen->width_in_pixels && area.height == m_screen->height_in_pixels;
 }
 
-/// A screen that is merely cleared would count as painted otherwise.
+/// Without this, a screen that was only cleared would count as painted.
 void FirstFrameWatcher::requirePicture() const
 {
     const Answer<xcb_get_image_reply_t> image(xcb_get_image_reply(

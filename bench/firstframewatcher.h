@@ -6,9 +6,8 @@
 #include <chrono>
 #include <set>
 
-/// Sees from outside when a program has painted its window: a client of the X server that is told
-/// of every window and of all that is drawn on the screen. Ends the benchmark if what it waits for
-/// does not happen.
+/// Tells when another program has painted its window. It is an X client that gets events for all
+/// windows and for everything drawn on the screen. Exits the benchmark if an event does not come.
 class FirstFrameWatcher
 {
 public:
@@ -17,14 +16,14 @@ public:
     FirstFrameWatcher(const FirstFrameWatcher &) = delete;
     FirstFrameWatcher &operator=(const FirstFrameWatcher &) = delete;
 
-    /// Waits until a window is there and the whole screen has been drawn in one go.
+    /// Waits until a window is mapped and one drawing has covered the whole screen.
     std::chrono::steady_clock::time_point waitForFirstFrame();
 
-    /// Waits until a window is shown that is at least 100 pixels wide and high: not a helper of
-    /// the toolkit.
+    /// Waits for a mapped window of at least 100x100 pixels. Qt and GTK also map tiny helper
+    /// windows.
     std::chrono::steady_clock::time_point waitForWindow();
 
-    /// Waits until no window is left. Their program must have been ended.
+    /// Waits until no window is mapped. The program must have been killed before.
     void waitForEnd();
 
 private:

@@ -1,5 +1,5 @@
-// Installation of an application package against the same steps on the command line, in turn and
-// in the same folders, and the memory that packages of several sizes take.
+// Compares the installation of an application package with the same steps on the command line, in
+// turn and in the same folders. Also measures the memory that packages of several sizes need.
 
 #include "samplepackage.h"
 #include "support/panelplace.h"
@@ -18,13 +18,13 @@
 namespace {
 constexpr int pairs = 15;
 constexpr double timeTarget = 1.05;  // times the command line
-constexpr double memoryShare = 0.02; // what memory may grow by, of that for the smallest package
-constexpr double memoryRest = 1024;  // KiB; and this much more
+constexpr double memoryShare = 0.02; // growth allowed, as a share of the smallest package's memory
+constexpr double memoryRest = 1024;  // KiB allowed in addition
 
-/// The memory file system of the panel, as its folder for temporary files and its stick are.
+/// In memory, like the panel's folder for temporary files.
 constexpr char packagePath[] = "/media/usb0/sample.kpc";
 
-/// What a technician would type who knows how a package is built.
+/// Installs a package by hand: skips the header and unpacks the rest.
 constexpr char commandLine[]
     = "cd \"$1\" && tail -c +37 \"$2\" >\"$3\"; tar -zxf \"$3\"; rm \"$3\"";
 
@@ -38,11 +38,11 @@ void emptyTarget()
 {
     QDir target(Paths::applicationFolder);
     if (!target.removeRecursively() || !target.mkpath(".")) {
-        qFatal("cannot empty the target");
+        qFatal("cannot empty the application folder");
     }
 }
 
-/// Unpacking that failed, or was cut off, would look fast.
+/// Otherwise an unpacking that failed would look fast.
 void requireApplication(int mebibytes)
 {
     qint64 size = 0;
@@ -52,7 +52,7 @@ void requireApplication(int mebibytes)
         size += file.fileInfo().size();
     }
     if (size != qint64(mebibytes) * 1024 * 1024) {
-        qFatal("the application is not installed whole");
+        qFatal("the application is incomplete");
     }
 }
 
@@ -84,13 +84,13 @@ std::string sizeText(int mebibytes)
 
 void measureTime(ResultTable &table, int mebibytes)
 {
-    Samples unused; // the first runs bring the tools into memory
+    Samples unused; // the first runs fill the page cache
     install(mebibytes, unused);
     runCommandLine(mebibytes, unused);
     Samples ours;
     Samples peer;
     for (int pair = 0; pair < pairs; ++pair) {
-        if (pair % 2 == 0) { // what comes second may find things warm or full
+        if (pair % 2 == 0) { // the second of a pair may have warmer caches
             install(mebibytes, ours);
             runCommandLine(mebibytes, peer);
         } else {
@@ -102,7 +102,7 @@ void measureTime(ResultTable &table, int mebibytes)
                   "ms", timeTarget);
 }
 
-/// The most of three runs, in KiB.
+/// The maximum of three runs, in KiB.
 double peakMemory(ResultTable &table, int mebibytes)
 {
     Samples samples;
@@ -113,7 +113,7 @@ double peakMemory(ResultTable &table, int mebibytes)
     return *std::max_element(samples.memory.begin(), samples.memory.end());
 }
 
-/// Each package takes the place of the one before, so that the last is the largest.
+/// Each package replaces the previous one. The largest, which is last, stays for measureTime().
 void measureMemory(ResultTable &table, const std::set<int> &sizes)
 {
     std::vector<double> memory;

@@ -1,5 +1,4 @@
-// Installs one package. Prints the milliseconds that it took and the most memory that this
-// process had, in KiB.
+// Installs one package. Prints the duration in ms and the peak memory of this process in KiB.
 
 #include "packages/packageinstaller.h"
 #include "support/memoryuse.h"

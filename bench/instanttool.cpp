@@ -1,4 +1,4 @@
-// Stands in for each tool that the program runs, so that what is measured is the program alone.
+// Replaces each tool that the program runs, so that only the program itself is measured.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -7,10 +7,10 @@
 #include <string>
 
 namespace {
-// Without a display's name the program would skip what it does with the display.
+// Without the name of an output, the program would not set up the display.
 constexpr char displayList[] = "LVDS1 connected primary\n";
 
-/// Whether the text came out is nobody's concern: a measured run does not depend on it.
+/// Ignores errors: the measurement does not depend on the text.
 void put(int file, const std::string &text)
 {
     if (write(file, text.data(), text.size()) < 0) {
@@ -29,9 +29,9 @@ void record(const std::string &name)
 int main(int argc, char *argv[])
 {
     const std::string path = argv[0];
-    const std::string name = path.substr(path.rfind('/') + 1); // from 0 if there is no "/"
+    const std::string name = path.substr(path.rfind('/') + 1); // also correct without a "/"
     record(name);
-    if (name == "xrandr" && argc == 2) { // asked for the displays, not told to change one
+    if (name == "xrandr" && argc == 2) { // "xrandr -q", which lists the outputs
         put(STDOUT_FILENO, displayList);
     }
     return 0;

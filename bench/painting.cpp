@@ -1,4 +1,4 @@
-// Painting of whole pages, and the time from a tap to the painted next page, in the real window.
+// Measures painting of whole pages, and the time from a tap until the next page is painted.
 
 #include "inputpanel/platformbridge.h"
 #include "support/panelplace.h"
@@ -86,7 +86,7 @@ void measureTaps(ResultTable &table, int rounds)
     table.addSamples("tap to main settings page, " + size, back, "ms", tapTarget, Judged::Worst);
 }
 
-/// From the tap on a key of the keypad until the field shows its character.
+/// Measures the time from a tap on a key of the keypad until the field shows the character.
 void measureKeys(ResultTable &table, int rounds)
 {
     ShownWindow window;
@@ -99,9 +99,9 @@ void measureKeys(ResultTable &table, int rounds)
     }
     auto *field = page->findChild<QLineEdit *>("ip_address_lineEdit");
     field->setEnabled(true);
-    window.widget().activateWindow(); // nobody else does: there is no window manager
+    window.widget().activateWindow(); // there is no window manager that would do this
     if (!QTest::qWaitForWindowActive(&window.widget())) {
-        qFatal("the window gets no keyboard");
+        qFatal("the window does not become active");
     }
     window.tap(field, field);
     QWidget *keypad = shownKeypad();

@@ -159,7 +159,7 @@ measure_slowly() ( # in a subshell, so that the limit ends with it
 )
 
 measure_parts() {
-    # The same columns as in bench/support/resulttable.cpp.
+    # bench/support/resulttable.cpp prints the same columns.
     printf '%-48s %9s %9s %-5s %6s %15s %8s\n' "what; peer" ours peer "" ratio spread "at most"
     ! is_wanted start || measure 1024x768 startup "$runs" lxqt-config xfce4-settings-manager
     ! is_wanted paint || measure 1280x800 painting pages

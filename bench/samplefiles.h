@@ -9,6 +9,6 @@
 /// The type of the sample packages.
 inline constexpr PackageType sampleType = PackageType::Application;
 
-/// Makes the folder @p folder with @p files empty files, 500 to a folder in it. One in each
-/// @p filesToPackage is a package by its name. What was there before is removed.
+/// Makes @p folder with @p files empty files, 500 per subfolder. Every @p filesToPackage-th one is
+/// named as a package. Removes the previous contents.
 void makeSampleFiles(const std::string &folder, int files, int filesToPackage);

@@ -13,7 +13,7 @@
 namespace {
 constexpr qsizetype fileSize = 262144; // bytes
 constexpr int filesInMebibyte = 4;
-constexpr char application[] = "compile"; // the folder in which an application lies
+constexpr char application[] = "compile"; // the folder of an application
 
 using Random = std::mt19937_64; // always the same sequence
 

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Makes an application package for this panel at @p path whose files are @p mebibytes MiB. Half
-/// of them are bytes that no compression makes smaller, as pictures are, the others lines of text
-/// that are like each other, as tag lists are. Ends the benchmark if that fails.
+/// Makes an application package for this panel at @p path, with files of @p mebibytes MiB. Half of
+/// the files are incompressible, like pictures. The others are similar lines of text, like tag
+/// lists. Exits the benchmark on failure.
 void makeSamplePackage(const QString &path, int mebibytes);

@@ -1,5 +1,4 @@
-// Reading and writing a settings file of 100,000 keys against the toolkit's own class for settings
-// files, in turn.
+// Compares reading and writing a settings file of 100,000 keys with QSettings, in turn.
 
 #include "system/settings/settingsfile.h"
 #include "support/panelplace.h"
@@ -11,7 +10,7 @@
 namespace {
 constexpr int keys = 100'000;
 constexpr int pairs = 15;
-constexpr double target = 0.5; // times the toolkit
+constexpr double target = 0.5; // times QSettings
 constexpr char ourFile[] = "/tmp/ours.ini";
 constexpr char peerFile[] = "/tmp/peer.ini";
 
@@ -32,7 +31,7 @@ double readOurs()
     readSettingsFile(ourFile, settings);
     const double time = millisecondsSince(begin);
     if (settings.size() != keys || settings.value(keyOf(keys - 1)) != valueOf(keys - 1)) {
-        qFatal("the settings are not read whole");
+        qFatal("the settings are incomplete");
     }
     return time;
 }
@@ -46,7 +45,7 @@ double writeOurs(const SettingsMap &settings)
     return millisecondsSince(begin);
 }
 
-/// It reads when it is asked for the first time.
+/// QSettings reads the file at the first access.
 double readPeer()
 {
     const auto begin = now();
@@ -54,12 +53,12 @@ double readPeer()
     const qsizetype count = settings.allKeys().size();
     const double time = millisecondsSince(begin);
     if (count != keys || settings.value(keyOf(keys - 1)) != valueOf(keys - 1)) {
-        qFatal("the toolkit does not read its settings whole");
+        qFatal("QSettings has not read all settings");
     }
     return time;
 }
 
-/// Only the writing: the keys are set before.
+/// Measures only the writing, not setting the keys.
 double writePeer()
 {
     QFile::remove(peerFile);

@@ -1,6 +1,6 @@
-// Start of the program until its first frame is on the screen, its memory then and what it loads,
-// against a bare window of the toolkit and against the settings programs of two desktops. All are
-// measured from outside, in turn.
+// Measures the time until the program's first frame is on the screen, its memory, size and
+// libraries. Compares them with a bare Qt window and with the settings programs of two desktops.
+// All are measured from outside, in turn.
 
 #include "childprocess.h"
 #include "firstframewatcher.h"
@@ -23,7 +23,7 @@ constexpr double xfceTimeTarget = 0.8;
 constexpr double moreSizeTarget = 1.5; // MB
 constexpr double moreLibrariesTarget = 2;
 constexpr double bytesPerMegabyte = 1e6;
-// Long enough to come to rest, and well before the countdown ends.
+// Long enough for a program to become idle, but shorter than the countdown.
 constexpr std::chrono::seconds restTime(1);
 
 enum class Seen { FirstFrame, Window };
@@ -54,8 +54,8 @@ void runOnce(Program &program)
     watcher.waitForEnd();
 }
 
-/// Time in ms that @p count tools take one after the other, after the same rest as a program has
-/// behind it: the first ones are slower then.
+/// Time in ms that @p count tools take one after the other. Rests first, like before the start of a
+/// program, because the first processes after a rest are slower.
 double timeOfTools(size_t count)
 {
     std::this_thread::sleep_for(restTime);
@@ -66,7 +66,7 @@ double timeOfTools(size_t count)
     return millisecondsSince(begin);
 }
 
-/// How many tools @p program runs until its first frame: those before its rescue poll begins.
+/// How many tools @p program runs until its first frame, which is before its first rescue poll.
 size_t toolsBeforeFirstFrame(const std::filesystem::path &program)
 {
     constexpr char logFile[] = "/tmp/panel-bench-tools.log";
@@ -84,11 +84,11 @@ size_t toolsBeforeFirstFrame(const std::filesystem::path &program)
 
 [[noreturn]] void die(const std::string &command)
 {
-    std::fprintf(stderr, "fails: %s\n", command.c_str());
+    std::fprintf(stderr, "this command failed: %s\n", command.c_str());
     std::exit(EXIT_FAILURE);
 }
 
-/// What @p command prints, a number.
+/// Runs @p command, which prints a number.
 double numberFrom(const std::string &command)
 {
     double number = -1;
@@ -104,7 +104,7 @@ double linkedLibraries(const std::filesystem::path &program)
     return numberFrom("objdump -p " + program.string() + " | grep -c NEEDED");
 }
 
-/// With those that these need in turn.
+/// Includes the libraries of the libraries.
 double loadedLibraries(const std::filesystem::path &program)
 {
     return numberFrom("ldd " + program.string() + " | wc -l");
@@ -141,7 +141,7 @@ void comparePrograms(ResultTable &table, const std::vector<Program> &programs, d
     const Program &ours = programs.at(0);
     const Program &bare = programs.at(1);
     table.addPair("start to first frame, with its tools; bare", ours.wallTime, bare.wallTime, "ms");
-    // A tool that returned at once would take no time: what these cost as processes is left out.
+    // Subtracts the time for starting the stand-ins of the tools.
     table.addPair("start to first frame; bare window", lessened(ours.wallTime, toolTime),
                   bare.wallTime, "ms", bareTimeTarget);
     table.addPair("memory (PSS); bare window", ours.memory, bare.memory, "MB", bareMemoryTarget);
@@ -183,7 +183,7 @@ int main(int argc, char *argv[])
         for (Program &program : programs) {
             runOnce(program);
         }
-        if (run < 0) { // the first runs fill the caches of files and fonts, as a panel's start does
+        if (run < 0) { // the first runs fill the caches of files and fonts
             for (Program &program : programs) {
                 program.wallTime.clear();
                 program.memory.clear();

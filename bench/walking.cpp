@@ -1,4 +1,4 @@
-// The walk that looks for packages against find, in turn, and its growth with the files.
+// Compares the search for packages with find, and measures how its time grows with the files.
 
 #include "samplefiles.h"
 #include "support/panelplace.h"
@@ -13,33 +13,33 @@ constexpr int pairs = 15;
 constexpr int filesToPackage = 10;
 constexpr int comparedFiles = 100'000;
 constexpr int mostFiles = 1'000'000;
-constexpr int leastFilesWalked = 100'000; // by all rounds of one size together
+constexpr int leastFilesWalked = 100'000; // in all rounds of one size together
 constexpr int fewestRounds = 7;
 constexpr double timeTarget = 1.25;  // times find
 constexpr double growthTarget = 1.5; // times the time for one file
 
 constexpr char folder[] = "/media/usb0/stick/";
 
-/// Milliseconds that @p command takes, which has to print as many lines as there are packages.
+/// Milliseconds that @p command takes. It must print one line per package.
 double timeOf(const Command &command)
 {
     const auto begin = now();
     const ToolResult run = runTool(command);
     const double time = millisecondsSince(begin);
     if (run.output.count('\n') != comparedFiles / filesToPackage) {
-        qFatal("%s did not find each package", qPrintable(command.tool));
+        qFatal("%s did not find all packages", qPrintable(command.tool));
     }
     return time;
 }
 
-/// Both with the start of a process and with its output read.
+/// Both times include the start of a process and reading its output.
 void compareWithFind(ResultTable &table)
 {
     const Command walk{QString::fromStdString(ownFolder() / "walkone"), {folder}};
     const Command find{"find", {folder, "-type", "f", "-name", "*" + packageExtension(sampleType)}};
     std::vector<double> ours;
     std::vector<double> peer;
-    timeOf(walk); // the first runs bring the programs into memory
+    timeOf(walk); // the first runs fill the page cache
     timeOf(find);
     for (int pair = 0; pair < pairs; ++pair) {
         const bool findFirst = pair % 2 != 0;
@@ -52,7 +52,7 @@ void compareWithFind(ResultTable &table)
     table.addPair("walk over " + files + "; find", ours, peer, "ms", timeTarget);
 }
 
-/// Milliseconds of each walk over @p files files, which are there.
+/// Milliseconds per search among the existing @p files files.
 std::vector<double> walkTimes(int files)
 {
     std::vector<double> times;

@@ -1,4 +1,4 @@
-// Finds the application packages below a folder, as find does with "-type f -name '*.kpc'".
+// Finds the application packages below a folder, like "find -type f -name '*.kpc'".
 
 #include "samplefiles.h"
 #include "support/panelplace.h"

@@ -1,6 +1,5 @@
-# panel_add_test(NAME DISPLAY LIBRARY...): builds NAME.cpp and runs it on that display, labelled with
-# ${panel_test_label}. Every test runs in a simulated panel of its own, so that it may write the real
-# paths.
+# panel_add_test(NAME DISPLAY LIBRARY...): builds NAME.cpp and runs it on that display as a test with
+# the label ${panel_test_label}. Each gets its own simulated panel, so it may write to real paths.
 function(panel_add_test name display)
     add_executable(${name} ${name}.cpp)
     target_link_libraries(${name} PRIVATE ${ARGN} panel_testsupport panel_options)
@@ -8,25 +7,25 @@ function(panel_add_test name display)
     panel_register_test(${name} ${display})
 endfunction()
 
-# panel_reuse_headers(NAME LIBRARY...): lets a program of tests that links these use the precompiled
-# headers of tests. They hold for one set of Qt's modules: what links others goes without.
+# panel_reuse_headers(NAME LIBRARY...): lets a test program that links these libraries use the
+# precompiled headers. They require the same Qt modules, so other programs do without them.
 function(panel_reuse_headers name)
     if("${ARGN}" MATCHES "^panel_(core|doctorsupport|hostile)$|^mkpackage$|^doctor$")
         target_precompile_headers(${name} REUSE_FROM panel_testsupport)
     elseif("${ARGN}" MATCHES "panel_(ui|widgetsupport|vanishingstick)$")
         target_precompile_headers(${name} REUSE_FROM panel_widgetsupport)
     endif()
-    # what moc has for a program of one file is empty, and loading the headers would take half a second
+    # Loading the headers takes half a second, and this file is empty for a program of one file.
     set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/mocs_compilation.cpp
         PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
-# panel_register_test(NAME DISPLAY ARGUMENT...): runs the program NAME so.
+# panel_register_test(NAME DISPLAY ARGUMENT...): runs the program NAME on that display as a test.
 function(panel_register_test name display)
     set(share)
     set(environment
         "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0")
-    if(PANEL_COVERAGE) # counters of its own tell which lines this test runs; they outlive the panel
+    if(PANEL_COVERAGE) # a folder outside the panel for the counters of this test alone
         set(counters ${CMAKE_BINARY_DIR}/coverage/${name})
         file(MAKE_DIRECTORY ${counters})
         set(share --share ${counters})
@@ -41,7 +40,7 @@ function(panel_register_test name display)
         ENVIRONMENT "${environment}")
 endfunction()
 
-# panel_add_script_test(NAME SECONDS COMMAND...): runs a script that makes its panels itself.
+# panel_add_script_test(NAME SECONDS COMMAND...): runs a script, which starts any panels itself.
 function(panel_add_script_test name limit)
     add_test(NAME ${name} COMMAND ${ARGN})
     set_tests_properties(${name} PROPERTIES LABELS ${panel_test_label} TIMEOUT ${limit} PROCESSORS 2)

@@ -2,6 +2,6 @@
 
 #include <string>
 
-/// Memory of this process in KiB, as the kernel counts it: "VmRSS:" is what it has now, "VmHWM:"
-/// the most that it has had. 0 if there is no such count.
+/// Memory of this process in KiB, from /proc/self/status: "VmRSS:" is the current size, "VmHWM:"
+/// the peak. 0 if there is no such field.
 double memoryUse(const std::string &count);

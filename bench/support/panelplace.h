@@ -2,22 +2,22 @@
 
 #include <filesystem>
 
-/// Ends the program with a plain message unless it runs in the simulated panel. What is measured
-/// runs tools and reads the panel's files.
+/// Exits with a message unless this runs in the simulated panel. The measured code runs tools and
+/// changes the panel's files.
 void requirePanel();
 
-/// Folder that this program lies in; the other programs of the benchmark lie there too.
+/// The folder of this program and of the other benchmark programs.
 std::filesystem::path ownFolder();
 
-/// Folder with a tool that returns at once under the name of each tool that the program runs.
+/// The folder with stand-ins for the tools of the program, which return at once.
 std::filesystem::path instantToolsFolder();
 
-/// Puts that folder first on PATH, for this program and what it starts.
+/// Puts that folder first on PATH.
 void useInstantTools();
 
-/// What comes first where this program itself is to show the measured window: both of the above,
-/// and debug lines, one for each run of a tool, are kept out of the printed table.
+/// Prepares a benchmark that shows the measured window itself: calls requirePanel() and
+/// useInstantTools(), and turns off debug lines, which would disturb the table.
 void prepareForWindow();
 
-/// The one argument that this program must be given. Prints @p usage and ends it otherwise.
+/// The only argument. Without exactly one, prints @p usage and exits with status 2.
 const char *onlyArgument(int argc, char *argv[], const char *usage);

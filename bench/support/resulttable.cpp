@@ -90,7 +90,7 @@ void ResultTable::print(const Line &line, std::optional<double> judged,
 {
     const bool missed = target && judged && *judged > *target;
     m_missed = m_missed || missed;
-    // bench/run.sh prints the head of this table.
+    // bench/run.sh prints the header of this table.
     std::printf("%-48s %9s %9s %-5s %6s %15s %8s  %s\n", line.what.c_str(), line.ours.c_str(),
                 line.peer.c_str(), line.unit.c_str(), line.ratio.c_str(), line.spread.c_str(),
                 target ? inTwoDecimals(*target).c_str() : "",

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// Reads the clock that the measurements use.
+/// The time on the clock for measurements.
 inline std::chrono::steady_clock::time_point now()
 {
     return std::chrono::steady_clock::now();
@@ -14,18 +14,18 @@ inline std::chrono::steady_clock::time_point now()
 /// Milliseconds from @p begin to now().
 double millisecondsSince(std::chrono::steady_clock::time_point begin);
 
-/// 0 if there are no @p values.
+/// The median; 0 without @p values.
 double median(std::vector<double> values);
 
-/// Which of several values a target is for.
+/// The value that a target applies to.
 enum class Judged { Median, Worst };
 
-/// What was measured, one line each, printed at once: median of ours and of the peer, their ratio,
-/// the spread (least and most), the target. Remembers whether a target was missed.
+/// Prints a line per measurement: median of ours and of the peer, their ratio, the spread (minimum
+/// and maximum), the target. Remembers whether a target was missed.
 class ResultTable
 {
 public:
-    /// Prints the median of @p values and their spread. A target is in the same unit.
+    /// Prints the median of @p values and their spread. The target has the same unit.
     void addSamples(const std::string &what, const std::vector<double> &values, const char *unit,
                     std::optional<double> target = {}, Judged judged = Judged::Median);
 
@@ -33,13 +33,13 @@ public:
     void addFigure(const std::string &what, double value, const char *unit,
                    std::optional<double> target = {});
 
-    /// Prints the medians of @p ours and of @p peer, which were measured in turn, and their ratio
-    /// with the spread of the ratios pair by pair. A target is for the ratio.
+    /// Prints the medians of @p ours and @p peer, which were measured in turn, their ratio, and the
+    /// spread of the ratios of the pairs. The target applies to the ratio.
     void addPair(const std::string &what, const std::vector<double> &ours,
                  const std::vector<double> &peer, const char *unit,
                  std::optional<double> target = {});
 
-    /// Prints two figures and how much more ours is than the peer's. A target is for that.
+    /// Prints two figures and their difference. The target applies to the difference.
     void addDifference(const std::string &what, double ours, double peer, const char *unit,
                        std::optional<double> target = {});
 

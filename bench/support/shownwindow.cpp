@@ -17,7 +17,7 @@
 #include <cstdlib>
 
 namespace {
-constexpr int paintLimit = 5000; // ms; a paint event that takes longer never comes
+constexpr int paintLimit = 5000; // ms to wait for a paint event
 
 /// Notices when a widget has been painted.
 class PaintWatcher : public QObject
@@ -51,12 +51,12 @@ double timeUntilPainted(QWidget *painted, const std::function<void()> &act)
     while (!watcher.hasPainted()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         if (millisecondsSince(begin) > paintLimit) {
-            qFatal("what was waited for is not painted");
+            qFatal("the widget was not painted");
         }
     }
     waitForServer();
     const double time = millisecondsSince(begin);
-    QTest::qWait(restTime); // what is left to do is not part of the next measurement
+    QTest::qWait(restTime); // pending work must not count in the next measurement
     return time;
 }
 

@@ -9,24 +9,24 @@
 class QStackedWidget;
 class SettingsButton;
 
-/// Longer than the toolkit collects updates, 5 ms.
+/// Longer than the 5 ms for which Qt collects updates.
 inline constexpr int restTime = 10; // ms
 
-/// Waits until the X server has done what the toolkit has handed over to it.
+/// Waits until the X server has handled all requests of Qt.
 void waitForServer();
 
-/// Milliseconds from the begin of @p act until @p painted is painted and on the screen. Ends the
-/// benchmark if that never comes.
+/// Runs @p act. Result: milliseconds until @p painted has been painted and is on the screen.
+/// qFatal() if it is not painted.
 double timeUntilPainted(QWidget *painted, const std::function<void()> &act);
 
-/// Milliseconds from a tap on the middle of @p target, a part of @p window, until @p painted is
-/// painted and on the screen.
+/// Taps the middle of @p target in @p window. Result: milliseconds until @p painted has been
+/// painted and is on the screen.
 double tapTime(QWidget *window, QWidget *target, QWidget *painted);
 
-/// The keypad, once it is on the screen. Ends the benchmark if it does not come.
+/// Waits for the keypad and returns it. qFatal() if it is not shown.
 QWidget *shownKeypad();
 
-/// The settings window as a finger sees it.
+/// The settings window on the screen, operated by taps.
 class ShownWindow
 {
 public:
@@ -36,14 +36,14 @@ public:
     QStackedWidget *pages() const;
     QWidget *countDown() const;
 
-    /// The buttons of the main settings page that open a page. It must be shown.
+    /// The buttons of the main settings page that open a page. That page must be shown.
     QList<SettingsButton *> pageButtons() const;
 
     QWidget *pageOf(const SettingsButton *button) const;
     QWidget *cancelButton() const;
 
-    /// Milliseconds from a tap on @p target until @p painted, a page or a part of one, is painted
-    /// and on the screen.
+    /// Taps @p target. Result: milliseconds until @p painted, a page or a part of one, has been
+    /// painted and is on the screen.
     double tap(QWidget *target, QWidget *painted);
 
 private:

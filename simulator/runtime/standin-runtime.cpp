@@ -27,7 +27,7 @@ protected:
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        // drawn on a board of 320 x 200 that is fitted into the widget
+        // drawn in a system of 320x200 units, scaled to the widget
         const qreal scale = std::min(width() / 320.0, height() / 200.0);
         painter.translate((width() - 320 * scale) / 2, (height() - 200 * scale) / 2);
         painter.scale(scale, scale);

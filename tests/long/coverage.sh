@@ -17,7 +17,7 @@ test ran. Fails if a test fails, or if less than $needed percent of src/ ran.
   --keep    Runs no tests; evaluates the last run, which is in build-coverage.
   --help    Shows this text.
 
-What a killed program ran is not counted.
+Lines that a killed program ran are not counted.
 TEXT
 }
 

@@ -4,8 +4,8 @@ import dataclasses
 import pathlib
 import re
 
-# What is found outside of texts and comments, and what takes its place. clang-format sees to it
-# that binary operators have blanks around them, and that templates have none.
+# Patterns and their replacements, outside of string literals and comments. clang-format puts blanks
+# around binary operators but not around template brackets.
 REPLACEMENTS = [(re.compile(pattern), replacement) for pattern, replacement in [
     (r" == ", " != "),
     (r" != ", " == "),
@@ -54,13 +54,13 @@ class Mutant:
         """The text of the file with the change."""
         lines = source.read_text().split("\n")
         if lines[self.line - 1] != self.before:
-            raise SystemExit(f"{self.path}:{self.line} is not what it was; make a new report")
+            raise SystemExit(f"{self.path}:{self.line} has changed; make a new report")
         lines[self.line - 1] = self.after
         return "\n".join(lines)
 
 
 def read_report(report):
-    """Pairs of a change and its outcome."""
+    """The changes in a report, each with its outcome."""
     found = []
     for row in report.read_text().splitlines():
         outcome, path, line, before, after = row.split("\t")
@@ -69,7 +69,7 @@ def read_report(report):
 
 
 def hide_texts(line):
-    """The line with blanked texts and without its comment, each character in its place."""
+    """The line with blanked string literals and without its comment, columns unchanged."""
     hidden = TEXT.sub(lambda text: '"' + "\0" * (len(text[0]) - 2) + '"', line)
     return re.sub(r"\s*//.*", "", hidden)
 
@@ -78,7 +78,7 @@ def changes(line):
     hidden = hide_texts(line)
     for pattern, replacement in REPLACEMENTS:
         for match in pattern.finditer(hidden):
-            # the groups of the match, with the texts that were hidden
+            # match the original line again, so that the groups contain the literals
             shown = pattern.fullmatch(line, match.start(), match.end()) or pattern.match(
                 line, match.start())
             if shown:

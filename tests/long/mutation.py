@@ -1,4 +1,4 @@
-"""Changes single lines of the program and sees whether a test notices. See mutation.sh."""
+"""Changes single lines of the program and checks that a test notices. See mutation.sh."""
 
 import argparse
 import concurrent.futures
@@ -23,7 +23,7 @@ NEEDED = 0.8  # of the changes that build
 
 
 def show_tests():
-    """What ctest knows of the tests that run in a panel: name, command, environment."""
+    """Names and commands of the tests that run in a panel, from ctest."""
     shown = subprocess.run(["ctest", "--test-dir", str(BUILD), "--show-only=json-v1"],
                            check=True, capture_output=True, text=True)
     return {test["name"]: test["command"] for test in json.loads(shown.stdout)["tests"]
@@ -31,7 +31,7 @@ def show_tests():
 
 
 def test_seconds():
-    """How long each test took on average, from ctest's own records: where it has run them."""
+    """Average duration of each test, from ctest's records of the coverage build."""
     seconds = {}
     text = (ROOT / "build-coverage/Testing/Temporary/CTestCostData.txt").read_text()
     for line in text.split("---")[0].splitlines():
@@ -41,15 +41,15 @@ def test_seconds():
 
 
 def link_command(library):
-    """The words of the command that links LIBRARY, run in BUILD."""
+    """The command that links the library, as a list. It runs in BUILD."""
     commands = subprocess.run(["ninja", "-C", BUILD, "-t", "commands", "-s", f"src/lib{library}.so"],
                               check=True, capture_output=True, text=True).stdout
     words = shlex.split(commands.splitlines()[-1])
-    return words[words.index("&&") + 1:][:-2]  # CMake puts ": &&" before it and "&& :" behind
+    return words[words.index("&&") + 1:][:-2]  # CMake puts ": &&" before it and "&& :" after it
 
 
 class Worker:
-    """A folder with a library of its own, which takes the place of that of the build."""
+    """A folder with a changed library, which replaces that of the build."""
 
     def __init__(self, number):
         self.folder = BUILD / "mutation" / f"worker{number}"
@@ -60,12 +60,12 @@ class Worker:
             file.unlink()
 
     def build(self, command, link, source, text):
-        """Compiles TEXT in place of SOURCE, links the library. None if the text does not build;
-        otherwise whether it makes another program."""
+        """Compiles the text instead of the source file and links the library. Returns None if that
+        fails, False if the object file is unchanged, otherwise True."""
         self.clean()
         changed = self.folder / source.name
         changed.write_text(text)
-        # what the compiler merely warns of is for the tests to find
+        # a change that only causes a warning must be found by a test
         compile_words = [word for word in shlex.split(command) if word != "-Werror"] + ["-w"]
         original = BUILD / compile_words[compile_words.index("-o") + 1]
         made = self.folder / "changed.o"
@@ -83,7 +83,7 @@ class Worker:
         return True
 
     def fails(self, command, limit):
-        """Runs a test with the changed library. Result: "failed", "timeout" or None."""
+        """Runs a test with the changed library. Returns "failed", "timeout" or None."""
         environment = dict(os.environ, LD_LIBRARY_PATH=str(self.folder))
         with subprocess.Popen(command, cwd=BUILD / "tests", env=environment,
                               stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
@@ -91,7 +91,7 @@ class Worker:
             try:
                 return "failed" if process.wait(limit) else None
             except subprocess.TimeoutExpired:
-                process.kill()  # the panel ends with it
+                process.kill()  # also ends the panel
                 return "timeout"
 
 
@@ -102,7 +102,7 @@ class Run:
         self.seconds = test_seconds()
         self.reach = Reach(ROOT, sorted(self.tests), FOLDERS)
         commands = json.loads((BUILD / "compile_commands.json").read_text())
-        # fuzz targets compile some of the files once more
+        # the fuzz targets compile some of the files, too
         self.commands = {entry["file"]: entry["command"] for entry in commands
                          if " -o src/" in entry["command"]}
         self.links = {name: link_command(name) for name in ("panel_core", "panel_ui")}
@@ -111,7 +111,7 @@ class Run:
             self.workers.put(Worker(number))
 
     def order(self, mutant):
-        """The tests that reach a change. First the file's own one, then the quickest."""
+        """The tests that reach a change: the one named after the file first, then the fastest."""
         own = f"tst_{mutant.path.stem}"
         tests = self.reach.tests_of(str(mutant.path), mutant.line)
         return sorted(tests, key=lambda test: (test != own, self.seconds.get(test, 60)))
@@ -145,13 +145,13 @@ class Run:
     def candidates(self):
         found = []
         for folder in FOLDERS:
-            for path in sorted((ROOT / folder).glob("*.cpp")):
+            for path in sorted((ROOT / folder).rglob("*.cpp")):
                 found += mutants.of_file(path.relative_to(ROOT), path.read_text())
         random.Random(self.options.seed).shuffle(found)
         return found
 
     def results(self):
-        """Pairs of a change and its outcome, until there are enough that build."""
+        """Yields changes with their outcomes, until enough of them have been built."""
         if self.options.again:
             report = mutants.read_report(self.options.again)
             known = [entry for entry in report if not entry[1].startswith("survived")]

@@ -1,4 +1,4 @@
-"""Which tests run which lines, from the counters that coverage.sh has left."""
+"""Tells which tests run which lines, from the counters of coverage.sh."""
 
 import json
 import os
@@ -12,18 +12,18 @@ class Reach:
         self.build = root / "build-coverage"
         self.folders = folders
         self.lines = {}  # (file, line): tests that run it
-        self.code = {}  # file: lines that there is code of
+        self.code = {}  # file: lines with code
         for test in tests:
             self.count(test)
 
     def tests_of(self, file, line):
-        """The tests that run LINE. What belongs to no function, such as a constant, is reached by
-        all tests that run anything of the file."""
+        """The tests that run a line. A line outside of functions, such as a constant, belongs to
+        all tests that run any code of the file."""
         code = self.code.get(file, set())
         source = (self.root / file).read_text().splitlines()
         start = line
         while start > 0 and start not in code and source[start - 1] not in ("}", ""):
-            start -= 1  # counters belong to the first line of a statement
+            start -= 1  # gcov counts the first line of a statement
         if start in code:
             return self.lines.get((file, start), set())
         return set().union(*(self.lines.get((file, other), set()) for other in code))
@@ -31,10 +31,10 @@ class Reach:
     def count(self, test):
         folder = self.build / "coverage" / test
         counters = [path for part in self.folders
-                    for path in folder.glob(f"src/CMakeFiles/*.dir/{part.removeprefix('src/')}/*.gcda")]
+                    for path in folder.glob(f"src/CMakeFiles/*.dir/{part.removeprefix('src/')}/**/*.gcda")]
         for counter in counters:
             note = counter.with_suffix(".gcno")
-            if not note.exists():  # gcov looks for it there
+            if not note.exists():  # gcov expects it next to the counters
                 os.link(self.build / note.relative_to(folder), note)
         if not counters:
             return
@@ -45,7 +45,7 @@ class Reach:
                 self.add(test, file)
 
     def add(self, test, file):
-        # ccache may have made the name relative to the folder in which the file was compiled
+        # with ccache, the name may be relative to the folder where the file was compiled
         path = (self.build / "src" / file["file"]).resolve()
         if not path.is_relative_to(self.root):
             return

@@ -1,6 +1,6 @@
-"""Packages with changed tar headers: what is verified as good, tar must unpack as told.
+"""Changes tar headers at random. tar must unpack every package that passes "verify" as reported.
 
-tarmutants.py MKPACKAGE SEED COUNT, in the simulated panel: tar runs as root.
+Usage: tarmutants.py MKPACKAGE SEED COUNT, in the simulated panel, because tar runs as root.
 """
 import json
 import os
@@ -12,7 +12,7 @@ import subprocess
 import sys
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "hostile"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "robustness" / "hostile"))
 import archives  # noqa: E402
 from archives import BLOCK, END, folder, gz, hardlink, header, member, pax, symlink  # noqa: E402
 
@@ -27,8 +27,8 @@ ARCHIVE = b"".join([
 ]) + END
 HEADERS = [at for at in range(0, len(ARCHIVE), BLOCK) if ARCHIVE[at + 257:at + 262] == b"ustar"]
 
-# Name, mode, user, group, size (more often), time, type (more often), link, magic, prefix, and what
-# GNU's sparse files have there.
+# Offset and size of: name, mode, user, group, size (twice, to be chosen more often), time, type
+# (twice), link, magic, prefix, and three fields of GNU's sparse files.
 FIELDS = [(0, 100), (100, 8), (108, 8), (116, 8), (124, 12), (124, 12), (136, 12), (156, 1),
           (156, 1), (157, 100), (257, 8), (345, 155), (386, 96), (482, 1), (483, 12)]
 LIKELY = b"\0\x01\x7f\x80\xff ./0123456789ADKLMNSVXgx"
@@ -46,11 +46,11 @@ def mutant(source):
     data = bytearray(ARCHIVE)
     for _ in range(source.choice([1, 1, 1, 2, 3])):
         at = source.choice(HEADERS)
-        if source.random() < 0.1:  # what an extended header says
+        if source.random() < 0.1:  # the records of an extended header
             data[at + BLOCK + source.randrange(BLOCK)] = source.choice(b"0123456789 =\npath/sizelnkGNU.")
         else:
             data[at:at + BLOCK] = change_header(data[at:at + BLOCK], source)
-    if source.random() < 0.05:  # a block too few, or twice
+    if source.random() < 0.05:  # removes or doubles a block
         at = BLOCK * source.randrange(len(data) // BLOCK)
         data[at:at + BLOCK] = data[at:at + BLOCK] * source.choice([0, 2])
     return bytes(data)
@@ -86,7 +86,7 @@ def difference(package, told):
     wrong = [f"tar fails: {tar.stderr[:200]}"] if tar.returncode != 0 else []
     made = [path for path in made_files() if path != TARGET]
     if len(made) != told["entries"]:
-        wrong.append(f"{len(made)} files made, {told['entries']} told")
+        wrong.append(f"{len(made)} files made, {told['entries']} reported")
     return wrong + [line for path in made for line in harm(path)]
 
 
@@ -108,7 +108,7 @@ def main():
             different += bool(wrong)
             if wrong:
                 print(f"package {number}: {'; '.join(wrong)}")
-    print(f"seed {seed}: {count} packages, {good} good, {different} of them unpacked otherwise")
+    print(f"seed {seed}: {count} packages, {good} good, {different} of them unpacked differently")
     sys.exit(different > 0)
 
 

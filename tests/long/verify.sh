@@ -30,7 +30,7 @@ status=0
 # run BUILD COUNT: prints a summary, and one line per package that tar unpacks differently
 run() {
     simulator/panel --build "$1" --display none -- \
-        python3 tests/long/tarmutants.py "$PWD/$1/talmero-mkpackage" "$seed" "$2" || status=1
+        python3 tests/long/tarmutants.py "$PWD/$1/bin/talmero-mkpackage" "$seed" "$2" || status=1
 }
 
 for seed in "${seeds[@]}"; do

@@ -22,11 +22,11 @@ for preset in release sanitize; do
     [ "$preset" = release ] || folder=build-$preset
     echo "$preset"
     for window in "" --factory; do
-        # memory in the threads' caches of freed blocks would count as in use
+        # Freed blocks in malloc's per-thread caches would count as memory in use.
         GLIBC_TUNABLES=glibc.malloc.tcache_count=0 \
             LSAN_OPTIONS=suppressions=$PWD/tests/leaks.supp:print_suppressions=0 \
             simulator/panel --build "$folder" --display xvfb -- \
-            "$folder/tests/randomwalk" $window --seed "${1:-1}" --steps "${2:-20000}" || status=1
+            "$folder/bin/randomwalk" $window --seed "${1:-1}" --steps "${2:-20000}" || status=1
     done
 done
 exit "$status"

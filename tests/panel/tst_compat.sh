@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What comes with the packages beside the program: the man pages, and the tools that take the place
-# of those that Debian lacks. Usage: tst_compat.sh BUILD_FOLDER
+# Tests the man pages, and the tools in compat/ that replace those that Debian lacks.
+# Usage: tst_compat.sh BUILD_FOLDER
 set -u
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$(cd "${1:?build folder}" && pwd)
@@ -15,7 +15,7 @@ man_pages_are_clean() {
     done
 }
 
-# same EXPECTED ACTUAL: two lists of lines
+# same EXPECTED ACTUAL: the two lists must hold the same lines
 same() {
     diff <(sort -u <<<"$1") <(sort -u <<<"$2")
 }
@@ -31,7 +31,7 @@ page_names_every_key() {
 page_names_every_file() {
     local path
     while read -r path; do
-        path=${path%%%*} # a number is filled in there
+        path=${path%%%*} # up to the place of a number
         grep -qF -- "${path%/}" "$root/src/talmero-bios.1" || { echo "$path is missing" && return 1; }
     done < <(sed -n 's/.*\[\] = "\(.*\)";/\1/p' "$root/src/system/paths.h")
 }
@@ -54,8 +54,8 @@ ifconfig_prints_the_classic_format() {
         grep -qE '^ +inet addr:10\.1\.2\.3  Bcast:10\.255\.255\.255  Mask:255\.0\.0\.0$' "$work/said"
 }
 
-# Stand-ins for what asks for devices and mounts them; no test may have a disk.
-# devices: name, disk or "-", type, file system or "-". mounts: device, place.
+# Stand-ins for the tools that query and mount devices, because a simulated panel has no disk.
+# They read two files. devices: name, disk or "-", type, file system or "-". mounts: device, place.
 cat >"$work/sticks.sh" <<'SCRIPT'
 set -eu
 state=/run/sticks
@@ -102,7 +102,7 @@ sticks() { # SCRIPT: for bash; it ends with the first failure. $stick is the too
         bash -c "source '$work/sticks.sh'; $1"
 }
 
-# The second partition's turn may be first. Swap space and what Windows writes are left alone.
+# udev may report the second partition first. Swap space and NTFS are not mounted.
 # shellcheck disable=SC2016
 sticks_get_places_in_order() {
     sticks '
@@ -131,7 +131,7 @@ pulled_stick_frees_its_place() {
         : >"$state/busy"
         "$stick" unmount sda; [ ! -e /media/usb0 ]
         "$stick" mount sdc
-        rm /dev/sdb # unseen
+        rm /dev/sdb # without an event
         "$stick" mount sda
         mounts <<TEXT
 /dev/sdc /media/usb0
@@ -140,7 +140,7 @@ TEXT
         grep -qx "umount --lazy /media/usb0" "$state/calls"'
 }
 
-# A panel may run from a USB disk itself.
+# A panel may boot from a USB disk, which must stay mounted.
 # shellcheck disable=SC2016
 own_disk_is_left_alone() {
     sticks '
@@ -162,27 +162,30 @@ refused_stick_is_told() {
         ! "$stick" mount sda' && grep -q "no place is free" "$work/output"
 }
 
-# Crosses are shown an eighth of the screen away from its edges; the finger is off by some pixels,
-# and then on a glass that is mirrored and turned.
+# The calibrator shows its crosses an eighth of the screen away from the edges. The test touches
+# some pixels beside them, and then as if the glass were mirrored and rotated.
 cat >"$work/calibrate.sh" <<'SCRIPT'
 set -eu
 device="PenMount USB Touchscreen"
 matrix="Coordinate Transformation Matrix"
 at() { "$finger" send "tap $1 $2" && xdotool getmouselocation --shell | sed -n 's/^[XY]=//p' | paste -sd ' '; }
-near() { # WANTED GOT: within three pixels
+near() { # EXPECTED ACTUAL: at most three pixels apart
     awk -v w="$1" -v g="$2" 'BEGIN { split(w, a); split(g, b)
         exit !((a[1]-b[1])^2 <= 9 && (a[2]-b[2])^2 <= 9) }' || { echo "$2 is not $1"; return 1; }
 }
-touched() { # POINT...: answers the calibrator's crosses
-    local point shown=0
-    xCal & local tool=$!
+calibrator_is_ready() {
     for ((try = 0; try < 50; try++)); do
-        xwininfo -root -children | grep -q ' 800x600+' && shown=1 && break
+        # the window does not show when it begins to accept input
+        xwininfo -root -children | grep -q ' 800x600+' && sleep 0.1 && return
         sleep 0.05
     done
-    [ "$shown" = 1 ]
-    sleep 0.1 # its window listens
-    for point in "$@"; do "$finger" send "tap $point"; sleep 0.15; done
+    return 1
+}
+touched() { # POINT...: runs the calibrator and touches the points in turn
+    local point
+    xCal & local tool=$!
+    calibrator_is_ready
+    for point in "$@"; do "$finger" send "tap $point"; sleep 0.15; done # until the next cross
     wait "$tool"
 }
 SCRIPT
@@ -209,7 +212,7 @@ calibration_is_kept() {
         near "100 75" "$(at 690 515)"
         grep -q "MatchProduct \"$device\"" /etc/X11/xorg.conf.d/99-talmero-calibration.conf
         before=$(cat /etc/X11/xorg.conf.d/*)
-        ! { (sleep 0.7; xdotool key Escape) & xCal; }
+        ! { (calibrator_is_ready; xdotool key Escape) & xCal; }
         near "100 75" "$(at 690 515)"
         [ "$before" = "$(cat /etc/X11/xorg.conf.d/*)" ]'
 }

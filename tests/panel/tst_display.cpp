@@ -36,7 +36,7 @@ std::unique_ptr<PanelProgram> startAtMiscPage()
     return program;
 }
 
-/// What xset prints behind @p label.
+/// The value after @p label in the output of "xset q".
 QString screenSaver(const QString &label)
 {
     return QRegularExpression(label + ": +([a-z0-9]+)")
@@ -44,7 +44,7 @@ QString screenSaver(const QString &label)
         .captured(1);
 }
 
-/// The time that the recorded run of date was given.
+/// The time that a recorded call of date was to set.
 QDateTime recordedTime(const QString &call)
 {
     const QString argument = QRegularExpression("^date \\[([0-9]{12})\\]$").match(call).captured(1);
@@ -73,8 +73,8 @@ private slots:
     void cleanup();
     void technicianSetsTheDisplay();
     void cancelChangesNothing();
-    void closeAndFullLight();
-    void darkIsAppliedAgain();
+    void screenSavingOffAndFullBrightness();
+    void zeroBrightnessIsAppliedAtStart();
 
 private:
     std::unique_ptr<FakeTools> m_tools;
@@ -101,14 +101,14 @@ void TestDisplay::technicianSetsTheDisplay()
     writePanelFile("bios.ini", "other=kept\n");
     auto program = startAtMiscPage();
     const QDateTime opened = QDateTime::currentDateTime();
-    QCOMPARE(shownBrightness(), QString("1.0")); // nothing stored
+    QCOMPARE(shownBrightness(), QString("1.0")); // the default
     tapScreen(mouseEnable);
     chooseRow(screenSavingBox, screenSavingRows, 2);
     chooseRow(brightnessBox, brightnessRows, 5);
     tapScreen(yearSection);
     tapScreen(upButton);
     const QImage seconds = screenImage().copy(secondsArea);
-    QTRY_VERIFY(screenImage().copy(secondsArea) != seconds); // ticking leaves the section alone
+    QTRY_VERIFY(screenImage().copy(secondsArea) != seconds); // a tick keeps the chosen section
     tapScreen(upButton);
     tapScreen(upButton);
     tapScreen(downButton);
@@ -125,7 +125,7 @@ void TestDisplay::technicianSetsTheDisplay()
     QCOMPARE(calls.size(), 3);
     QCOMPARE(calls.at(0), QString("sleep [1]"));
     const QDateTime time = recordedTime(calls.at(1));
-    // The clock of the editor may be a little late: nothing keeps it in step.
+    // The editor counts seconds with its own timer, which may lag behind the clock.
     QVERIFY2(time >= withoutSeconds(opened.addSecs(-1).addYears(2)), qPrintable(calls.at(1)));
     QVERIFY2(time <= saved.addYears(2), qPrintable(calls.at(1)));
     QCOMPARE(calls.at(2), QString("hwclock [-w]"));
@@ -133,7 +133,7 @@ void TestDisplay::technicianSetsTheDisplay()
     program.reset();
     setDisplay("1", "77");
     m_tools.reset();
-    // Run by a tool that finds the program's window on the screen.
+    // The stand-ins run "window-is-there" if the program already shows its window.
     const FakeTools tools({"xset", "xrandr", "window-is-there"});
     const QString body = "xwininfo -root -tree | grep -q '\"talmero-bios\")' && window-is-there\n"
                          "exec /usr/bin/%1 \"$@\"";
@@ -152,7 +152,7 @@ void TestDisplay::technicianSetsTheDisplay()
 
 void TestDisplay::cancelChangesNothing()
 {
-    const QByteArray settings = "# stays, as nothing is written\nbios.brightness=0.9\n"
+    const QByteArray settings = "# this comment stays: nothing is written\nbios.brightness=0.9\n"
                                 "app.screensaving=5\n";
     writePanelFile("bios.ini", settings);
     const auto program = startAtMiscPage();
@@ -169,7 +169,7 @@ void TestDisplay::cancelChangesNothing()
     QCOMPARE(m_tools->calls(), QStringList{"sleep [1]"});
 }
 
-void TestDisplay::closeAndFullLight()
+void TestDisplay::screenSavingOffAndFullBrightness()
 {
     writePanelFile("bios.ini", "app.screensaving=30\nbios.brightness=0.3\n");
     const auto program = startAtMiscPage();
@@ -183,12 +183,12 @@ void TestDisplay::closeAndFullLight()
     QCOMPARE(readPanelFile("bios.ini"),
              QByteArray("app.orientation=horizontal\nbios.brightness=1\n"));
     QCOMPARE(shownBrightness(), QString("1.0"));
-    // The tool is not told a delay, so the last one stays; this server has no DPMS to turn off.
+    // "xset -dpms s noexpose" does not change the delay. This X server has no DPMS.
     QCOMPARE(screenSaver("allow exposures"), QString("no"));
     QCOMPARE(screenSaver("timeout"), QString("1800"));
 }
 
-void TestDisplay::darkIsAppliedAgain()
+void TestDisplay::zeroBrightnessIsAppliedAtStart()
 {
     writePanelFile("bios.ini", "");
     auto program = startAtMiscPage();

@@ -1,4 +1,4 @@
-// talmero-doctor on the simulated panel: healthy, and with one thing after the other broken.
+// Runs talmero-doctor on a healthy panel, then breaks one thing at a time.
 
 #include "diskfiles.h"
 #include "doctorrun.h"
@@ -20,20 +20,21 @@ using namespace Doctor;
 
 namespace {
 constexpr int healthyLimit = 2000; // ms
-/// A document's lines that are indented by four blanks.
+
+/// The text as a code block in a Markdown document.
 QByteArray indented(const QByteArray &text)
 {
     QByteArray lines = "    " + text.trimmed();
     return lines.replace("\n", "\n    ");
 }
 
-/// Something that is broken on the panel itself.
+/// One fault on the panel.
 struct Break
 {
     const char *name;
     const char *breakIt; ///< shell text
     const char *repairIt;
-    const char *line; ///< the beginning of the one complaint
+    const char *line; ///< how the only complaint starts
     int status;
 };
 
@@ -42,9 +43,9 @@ constexpr Break breaks[] = {
      "error    tool xCal: not on PATH", 2},
     {"tool that is not executable", "chmod -x /usr/bin/beep", "chmod +x /usr/bin/beep",
      "warning  tool beep: not on PATH or not executable", 1},
-    {"dark", "echo bios.brightness=0 >/opt/talmero/bios/bios.ini", "",
+    {"brightness 0", "echo bios.brightness=0 >/opt/talmero/bios/bios.ini", "",
      "warning  settings: line 1: bios.brightness=0 makes the panel dark", 1},
-    {"key that a terminal would obey",
+    {"key with terminal escape sequence",
      "printf 'app.\\033]0;x\\007\\377=1\\n' >/opt/talmero/bios/bios.ini", "",
      "warning  settings: line 1: app.\\x1b]0;x\\x07\\xff=1 is a key", 1},
     {"settings file is a pipe", "cd /opt/talmero/bios; rm bios.ini; mkfifo bios.ini",
@@ -56,7 +57,7 @@ constexpr Break breaks[] = {
      "echo : >/opt/talmero/bios/runapp.sh",
      "error    runtime script: \"/bin/sh -n /opt/talmero/bios/runapp.sh\" fails with status 2: ",
      2},
-    {"file that ifupdown refuses",
+    {"interfaces file that ifupdown rejects",
      "cp /etc/network/interfaces /run/copy; echo iface eth0 nonsense dhcp "
      ">>/etc/network/interfaces",
      "cp /run/copy /etc/network/interfaces",
@@ -66,20 +67,20 @@ constexpr Break breaks[] = {
      "error    folders: there is no folder /usr/share/fonts/truetype/freefont/", 2},
     {"application folder is a link", "mv /home/dest /home/real; ln -s real /home/dest",
      "rm /home/dest; mv /home/real /home/dest", "error    application: /home/dest is a link", 2},
-    {"folder for fonts elsewhere",
+    {"missing configured font folder",
      "echo bios.fontsetting.folder=/srv/no >/opt/talmero/bios/bios.ini", "",
      "warning  settings: line 1: bios.fontsetting.folder=/srv/no is not a folder at the moment", 1},
-    {"left archive", ": >/tmp/talmero-bios.aBc123", "rm /tmp/talmero-bios.aBc123",
+    {"archive left in /tmp", ": >/tmp/talmero-bios.aBc123", "rm /tmp/talmero-bios.aBc123",
      "warning  space: package archives left over in /tmp: 1", 1},
-    {"link into the system", "ln -s /etc /home/dest/config", "rm /home/dest/config",
+    {"link out of the application folder", "ln -s /etc /home/dest/config", "rm /home/dest/config",
      "warning  links: links lead out of /home/dest and /opt/talmero/bios: 1 "
      "(/home/dest/config)",
      1},
-    {"factory stick", "touch /media/usb0/talmero_setup", "rm /media/usb0/talmero_setup",
-     "warning  stick: /media/usb0/talmero_setup is there", 1},
+    {"stick with the factory marker", "touch /media/usb0/talmero_setup",
+     "rm /media/usb0/talmero_setup", "warning  stick: /media/usb0/talmero_setup is there", 1},
     {"no third serial port", "mv /dev/ttyS2 /dev/aside", "mv /dev/aside /dev/ttyS2",
      "warning  serial ports: there is no /dev/ttyS2", 1},
-    {"empty rules", ": >/etc/udev/rules.d/70-persistent-net.rules",
+    {"empty naming rules", ": >/etc/udev/rules.d/70-persistent-net.rules",
      "rm /etc/udev/rules.d/70-persistent-net.rules",
      "warning  naming rules: /etc/udev/rules.d/70-persistent-net.rules does not name any port", 1},
     {"read-only disk", "mount -t tmpfs -o ro x /etc/udev/rules.d", "umount /etc/udev/rules.d",
@@ -97,20 +98,20 @@ private slots:
     void healthyPanel();
     void brokenPanel_data();
     void brokenPanel();
-    void foldersOfTheSettings();
+    void configuredFoldersAreAccepted();
     void jsonSaysTheSame();
     void fullTemporaryFolder();
     void display();
     void ordinaryUser();
     void usage();
-    void outputThatIsLost();
+    void lostOutputIsAnError();
     void documentedExamples();
     void documentedSettings();
     void documentedReport();
 
 private:
     QByteArray m_settings;
-    std::unique_ptr<FakeTools> m_quickSleep; ///< most of the time of a run is a pause
+    std::unique_ptr<FakeTools> m_quickSleep; ///< each run would pause for a second
 };
 
 void TestDoctor::initTestCase()
@@ -167,7 +168,7 @@ void TestDoctor::brokenPanel()
     QCOMPARE(text.errors, QByteArray());
 }
 
-void TestDoctor::foldersOfTheSettings()
+void TestDoctor::configuredFoldersAreAccepted()
 {
     writeFile(Paths::settingsFile,
               "bios.filetransfer.folder=/media/usb0\nbios.fontsetting.folder=/srv\n");
@@ -230,10 +231,10 @@ void TestDoctor::display()
     }
 }
 
-/// Over ssh, with a short PATH.
+/// Like a user who is logged in over ssh, with a short PATH.
 void TestDoctor::ordinaryUser()
 {
-    // this user may be kept out of the folder with the build
+    // This user may have no access to the build folder.
     QVERIFY(QFile::copy(DOCTOR, "/tmp/copy"));
     const ToolRun text = runTool(
         "setpriv", {"--reuid", "65534", "--clear-groups", "env", "PATH=/usr/bin", "/tmp/copy"});
@@ -257,14 +258,14 @@ void TestDoctor::usage()
     QCOMPARE(runDoctor({"--version"}).output, QByteArray("talmero-doctor 1.0\n"));
 }
 
-void TestDoctor::outputThatIsLost()
+void TestDoctor::lostOutputIsAnError()
 {
     const ToolRun run = runTool("/bin/sh", {"-c", "'" DOCTOR "' >/dev/full"});
     QCOMPARE(run.status, int(OutputLost));
     QCOMPARE(run.errors, QByteArray("talmero-doctor: cannot write to standard output\n"));
 }
 
-/// Those of the man page.
+/// Runs the examples of the man page.
 void TestDoctor::documentedExamples()
 {
     const QByteArrayList examples = examplesOfManualPage("tools/doctor/talmero-doctor.1");
@@ -279,14 +280,14 @@ void TestDoctor::documentedExamples()
     QVERIFY(QJsonDocument::fromJson(readFile("/tmp/panel.json")).isObject());
 }
 
-/// The example of bios.ini(5) has nothing that a panel would not take.
+/// The doctor accepts the example of bios.ini(5).
 void TestDoctor::documentedSettings()
 {
     writeFile(Paths::settingsFile, examplesOfManualPage("src/bios.ini.5").join());
     QCOMPARE(complaintsIn(runDoctor().output), QByteArrayList());
 }
 
-/// The guide shows a panel with today's ifconfig, another touch controller and no light.
+/// The guide shows a panel with a current ifconfig, another touch controller and brightness 0.
 void TestDoctor::documentedReport()
 {
     const FakeTools tools({"ifconfig", "xinput"});

@@ -1,4 +1,4 @@
-// Whatever the tools of a panel do, talmero-doctor says so and changes nothing.
+// talmero-doctor reports any fault of a tool, and changes nothing on the panel.
 
 #include "diskfiles.h"
 #include "doctorrun.h"
@@ -12,9 +12,9 @@
 #include <algorithm>
 
 namespace {
-constexpr int hangingLimit = 6000; // ms for a run in which every tool is cut off after 0.7 s
+constexpr int hangingLimit = 6000; // ms for a run that ends each tool after 0.7 s
 
-/// Those that the doctor runs. xCal, hwclock and others it must never run.
+/// The tools that the doctor may run. It must never run others, such as xCal or hwclock.
 const QStringList askedTools{"xrandr",   "xinput", "xset",    "ifconfig", "du",     "date",
                              "dhclient", "sleep",  "ifquery", "tar",      "fc-list"};
 } // namespace
@@ -37,7 +37,7 @@ void TestDoctorFaults::brokenAnswer_data()
     QTest::addColumn<QString>("tool");
     QTest::addColumn<QString>("body");
     QTest::addColumn<QByteArrayList>("lines");
-    QTest::newRow("today's ifconfig")
+    QTest::newRow("current ifconfig")
         << "ifconfig" << todaysIfconfig
         << QByteArrayList{
                "error    ifconfig: what ifconfig prints of eth0 is not in the classic format",
@@ -57,11 +57,11 @@ void TestDoctorFaults::brokenAnswer_data()
                                     << "exec busybox date \"$@\"" << QByteArrayList();
     QTest::newRow("BusyBox's sleep") << "sleep"
                                      << "exec busybox sleep \"$@\"" << QByteArrayList();
-    QTest::newRow("another controller")
+    QTest::newRow("other touch controller")
         << "xinput"
         << "exec /usr/bin/xinput \"$@\" | sed s/PenMount/EloTouch/"
         << QByteArrayList{"error    touch: no input device has \"PenMount\" in its name"};
-    QTest::newRow("no such program")
+    QTest::newRow("missing interpreter")
         << "dhclient"
         << "" << QByteArrayList{"error    DHCP client: \"dhclient --version\" cannot be started"};
 }
@@ -114,11 +114,11 @@ void TestDoctorFaults::allToolsMisbehave_data()
     QTest::newRow("print 10 MB") << "/usr/bin/head -c 10000000 /dev/zero | /usr/bin/tr '\\0' 'x'";
     QTest::newRow("print binary")
         << "/usr/bin/head -c 50000 /bin/sh; /usr/bin/head -c 50000 /bin/sh >&2";
-    QTest::newRow("print without end") << "exec /usr/bin/yes eth0";
-    QTest::newRow("complain without end") << "exec /usr/bin/yes eth0 >&2";
+    QTest::newRow("print forever") << "exec /usr/bin/yes eth0";
+    QTest::newRow("print errors forever") << "exec /usr/bin/yes eth0 >&2";
 }
 
-/// Whatever the tools do, the report is there, and plain text.
+/// The report stays complete, and plain text.
 void TestDoctorFaults::allToolsMisbehave()
 {
     QFETCH(QString, body);
@@ -134,7 +134,7 @@ void TestDoctorFaults::allToolsMisbehave()
     QVERIFY2(plain.match(QString::fromLatin1(text.output)).hasMatch(), text.output.constData());
 }
 
-/// Tools are only asked. A stand-in says what with, in one write, for they run side by side.
+/// The tools only answer questions. They run in parallel, so each stand-in logs with one write.
 void TestDoctorFaults::changesNothing()
 {
     const QStringList all

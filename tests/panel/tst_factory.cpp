@@ -55,7 +55,7 @@ private slots:
     void init();
     void cleanup();
     void productionLine();
-    void withoutMarkerItIsNotOpened();
+    void staysClosedWithoutMarker();
     void brightnessIsInverted();
     void buzzer();
     void pixelTestFillsTheScreen();
@@ -66,14 +66,14 @@ private:
     void openTestPage();
     bool showsResult(const QString &text) const;
 
-    std::map<QString, QPoint> m_places;  ///< what to tap, by its text or a name of ours
+    std::map<QString, QPoint> m_places;  ///< where to tap, by the text on a button or a name
     std::map<QString, QImage> m_results; ///< pictures of the result view, by its text
     QRect m_resultArea;
     std::unique_ptr<FakeTools> m_tools;
     std::unique_ptr<PanelProgram> m_program;
 };
 
-/// A twin of the window in this process says where to tap, and what a text looks like.
+/// A second window, in this process, tells where to tap and how each result is drawn.
 void TestFactory::initTestCase()
 {
     requirePanel();
@@ -192,7 +192,7 @@ void TestFactory::productionLine()
     QVERIFY(!m_program->errorText().contains("QObject"));
 }
 
-void TestFactory::withoutMarkerItIsNotOpened()
+void TestFactory::staysClosedWithoutMarker()
 {
     QFile::remove(markerFile);
     m_program = std::make_unique<PanelProgram>();

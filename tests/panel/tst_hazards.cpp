@@ -1,5 +1,5 @@
-// What the program does on purpose although it can hurt. A change here is a change of behaviour
-// that integrators must be told of: docs/hazards.md.
+// Behaviour that is kept although it can do harm, each with a row in docs/hazards.md. Whoever
+// changes it must tell the integrators.
 
 #include "diskfiles.h"
 #include "packagefiles.h"
@@ -41,10 +41,10 @@ private slots:
     void setUserIdIsUnpacked();
     void deviceIsUnpacked();
     void ownersComeFromThePackage();
-    void emptyAddressRefusesTheWholeFile();
+    void emptyAddressInvalidatesTheWholeFile();
     void settingsAreWrittenInPlace();
     void fullDiskEmptiesTheSettings();
-    void rulesGoByTheOrderOfAddresses();
+    void namingRulesAreOrderedByAddress();
 };
 
 void TestHazards::initTestCase()
@@ -60,7 +60,7 @@ void TestHazards::init()
 void TestHazards::linkOfAnEarlierPackageIsFollowed()
 {
     install(application, 12, "K21T", archiveOf("ln -s /outside way; echo x >first"), Installed);
-    // Named alone: with a member for the folder tar would put a folder in the link's place.
+    // The archive has no member for the folder: tar would replace the link with it.
     const QByteArray through = shellBytes("rm -rf /run/make; mkdir -p /run/make/way; cd /run/make;"
                                           "echo evil >way/evil; tar -cz way/evil");
     install(application, 12, "K21T", through, Installed);
@@ -82,7 +82,7 @@ void TestHazards::setUserIdIsUnpacked()
 
 void TestHazards::deviceIsUnpacked()
 {
-    // A named pipe needs no right that a simulated panel lacks, and tar makes both alike.
+    // The simulated panel may not create devices. tar creates a named pipe the same way.
     install(application, 12, "K21T", archiveOf("mkfifo pipe"), Installed);
     QVERIFY(S_ISFIFO(fileStatus("/home/dest/pipe").st_mode));
 }
@@ -93,7 +93,7 @@ void TestHazards::ownersComeFromThePackage()
     QCOMPARE(fileStatus("/home/dest/file").st_uid, 1U);
 }
 
-void TestHazards::emptyAddressRefusesTheWholeFile()
+void TestHazards::emptyAddressInvalidatesTheWholeFile()
 {
     const PortSetup whole{PortMode::Static, "10.0.0.1", "255.0.0.0"};
     const PortSetup empty{PortMode::Static, "", "255.0.0.0"};
@@ -102,7 +102,7 @@ void TestHazards::emptyAddressRefusesTheWholeFile()
         return shellBytes("ifup --no-act eth1 >/dev/null 2>&1 && echo yes || echo no");
     };
     QCOMPARE(readable({whole, whole}), QByteArray("yes\n"));
-    QCOMPARE(readable({empty, whole}), QByteArray("no\n")); // eth1 itself is all right
+    QCOMPARE(readable({empty, whole}), QByteArray("no\n")); // although eth1 is configured correctly
 }
 
 void TestHazards::settingsAreWrittenInPlace()
@@ -113,7 +113,7 @@ void TestHazards::settingsAreWrittenInPlace()
     readSettingsFile(Paths::settingsFile, settings);
     QVERIFY(writeSettingsFile(Paths::settingsFile, settings));
     QCOMPARE(fileStatus(Paths::settingsFile).st_ino, before);
-    QCOMPARE(readPanelFile("bios.ini"), QByteArray("b = 1\n")); // without the note
+    QCOMPARE(readPanelFile("bios.ini"), QByteArray("b = 1\n")); // the comment is lost
 }
 
 void TestHazards::fullDiskEmptiesTheSettings()
@@ -131,9 +131,9 @@ void TestHazards::fullDiskEmptiesTheSettings()
     QVERIFY(left.size() <= 4096);
 }
 
-void TestHazards::rulesGoByTheOrderOfAddresses()
+void TestHazards::namingRulesAreOrderedByAddress()
 {
-    // The socket that was eth1 by its place on the board becomes eth0, for its address is lower.
+    // eth1 on the board becomes eth0, because it has the lower address.
     const QString rules = interfaceNamingRules({"00:00:00:00:00:02", "00:00:00:00:00:01"});
     QVERIFY(rules.indexOf("00:00:00:00:00:01") < rules.indexOf("NAME=\"eth0\""));
     QVERIFY(rules.indexOf("NAME=\"eth0\"") < rules.indexOf("00:00:00:00:00:02"));

@@ -42,14 +42,14 @@ private slots:
     void initTestCase();
     void init();
     void makesWhatAPanelUnpacks();
-    void folderOfAnyBytes();
-    void otherReadersSeeTheSame_data();
-    void otherReadersSeeTheSame();
+    void folderNameOfAnyBytes();
+    void gnuTarAndBsdtarAgree_data();
+    void gnuTarAndBsdtarAgree();
     void sameContentsGiveTheSameBytes();
-    void timeOfTheFiles();
+    void sourceDateEpochSetsTheTimes();
     void refused_data();
     void refused();
-    void outputThatIsNoPlainFile();
+    void outputMustBeAPlainFile();
     void refusalKeepsTheOldFile();
     void toolsMissingOrFailing();
     void noRoomForTemporaryFiles();
@@ -57,8 +57,8 @@ private slots:
     void fullDisk();
     void unreadableFileInTheFolder();
     void socketInTheFolder();
-    void endedInTheMiddle_data();
-    void endedInTheMiddle();
+    void interruptedRunLeavesNoFiles_data();
+    void interruptedRunLeavesNoFiles();
     void ignoredSignalStaysIgnored();
     void infoOfAWholePackage();
     void infoOfALongTarget();
@@ -66,7 +66,7 @@ private slots:
     void infoOfDamage();
     void infoOfUnreadableFiles();
     void infoNeedsNoTools();
-    void outputThatIsLost();
+    void lostOutputIsAnError();
     void infoIsSafeForATerminal();
     void helpAndVersion();
     void everyExtensionIsDocumented_data();
@@ -123,8 +123,8 @@ void TestMkpackage::makesWhatAPanelUnpacks()
     QCOMPARE(files(), QStringList{"line.kpc"});
 }
 
-/// By a shell: arguments of a QProcess are text.
-void TestMkpackage::folderOfAnyBytes()
+/// Runs a shell, because QProcess takes arguments as text, not as bytes.
+void TestMkpackage::folderNameOfAnyBytes()
 {
     QCOMPARE(make("text.kpc", "in").status, 0);
     shellBytes(
@@ -138,7 +138,7 @@ void TestMkpackage::folderOfAnyBytes()
             .arg(m_folder->path(), MKPACKAGE));
 }
 
-void TestMkpackage::otherReadersSeeTheSame_data()
+void TestMkpackage::gnuTarAndBsdtarAgree_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("name");
@@ -152,9 +152,8 @@ void TestMkpackage::otherReadersSeeTheSame_data()
                             << "p.pkg";
 }
 
-/// A package is unpacked by whatever tar its reader has, so two of them, which share no code, must
-/// find the same in it.
-void TestMkpackage::otherReadersSeeTheSame()
+/// A package must unpack alike with any tar. GNU tar and libarchive share no code.
+void TestMkpackage::gnuTarAndBsdtarAgree()
 {
     QFETCH(QString, kind);
     QFETCH(QString, name);
@@ -177,7 +176,7 @@ void TestMkpackage::otherReadersSeeTheSame()
         tar -xz -p -C gnu -f archive.tgz; bsdtar -x -p -C libarchive -f archive.tgz
         for folder in in gnu libarchive; do
             (cd $folder; find . -mindepth 1 -printf '%P %y %m %s %l\0' | sort -z) >$folder.state
-            rm -r $folder # its names are not all such as QTemporaryDir could remove
+            rm -r $folder # QTemporaryDir cannot remove all of these names
         done)sh";
     shellBytes(readTwice.arg(m_folder->path(), name));
     const QByteArray list = readFile(path("gnu.txt").toUtf8());
@@ -192,7 +191,7 @@ void TestMkpackage::otherReadersSeeTheSame()
 void TestMkpackage::sameContentsGiveTheSameBytes()
 {
     QCOMPARE(make("first.kpc", "in").status, 0);
-    // Made anew in another order, by another user, at another time, with settings for tar and gzip.
+    // The same files in another order, of another user and time, with options for tar and gzip.
     shellBytes(
         QString(
             "cd '%1'; mkdir other; cd in; ls -A | sort -r | xargs -d '\\n' -I N cp -a ./N ../other;"
@@ -200,7 +199,7 @@ void TestMkpackage::sameContentsGiveTheSameBytes()
             "ln other/a hard; chmod 755 other")
             .arg(m_folder->path()));
     qputenv("TAR_OPTIONS", "--verbose --exclude=a");
-    qputenv("TAPE", path("tape").toLocal8Bit()); // where tar writes unless told
+    qputenv("TAPE", path("tape").toLocal8Bit()); // where tar writes by default
     qputenv("LC_ALL", "de_DE.UTF-8");
     const ToolRun run = make("second.kpc", "other");
     const ToolRun seen = mkpackage({"info", path("second.kpc")});
@@ -216,7 +215,7 @@ void TestMkpackage::sameContentsGiveTheSameBytes()
     QVERIFY(readFile(path("first.kpc").toUtf8()) != readFile(path("third.kpc").toUtf8()));
 }
 
-void TestMkpackage::timeOfTheFiles()
+void TestMkpackage::sourceDateEpochSetsTheTimes()
 {
     qputenv("SOURCE_DATE_EPOCH", "1441036800");
     const ToolRun run = make("line.kpc", "in");
@@ -252,15 +251,15 @@ void TestMkpackage::refused_data()
     QTest::newRow("output is a folder") << "in"
                                         << "in"
                                         << "%1/in is a folder";
-    QTest::newRow("output in the folder") << "in/o.kpc"
-                                          << "in"
-                                          << "the output is inside the folder to pack";
-    QTest::newRow("output deep in the folder") << "in/compile/deep/o.kpc"
-                                               << "in"
-                                               << "the output is inside the folder to pack";
-    QTest::newRow("no folder for the output") << "none/o.kpc"
+    QTest::newRow("output inside the folder") << "in/o.kpc"
                                               << "in"
-                                              << "cannot write %1/none/o.kpc";
+                                              << "the output is inside the folder to pack";
+    QTest::newRow("output deep inside the folder") << "in/compile/deep/o.kpc"
+                                                   << "in"
+                                                   << "the output is inside the folder to pack";
+    QTest::newRow("output folder missing") << "none/o.kpc"
+                                           << "in"
+                                           << "cannot write %1/none/o.kpc";
 }
 
 void TestMkpackage::refused()
@@ -276,8 +275,8 @@ void TestMkpackage::refused()
     QCOMPARE(shellBytes(QString("find '%1'").arg(m_folder->path())), before);
 }
 
-/// Run by root, who could put a file in the place of a device.
-void TestMkpackage::outputThatIsNoPlainFile()
+/// Root, who runs this test, could replace a device with a file.
+void TestMkpackage::outputMustBeAPlainFile()
 {
     shellBytes(QString("cd '%1'; mkfifo pipe.kpc; ln -s pipe.kpc link.kpc").arg(m_folder->path()));
     for (const char *name : {"pipe.kpc", "link.kpc"}) {
@@ -374,7 +373,7 @@ void TestMkpackage::unreadableFileInTheFolder()
     QCOMPARE(files(), QStringList());
 }
 
-/// It would be missing on the panel.
+/// tar leaves sockets out, so the file would be missing on the panel.
 void TestMkpackage::socketInTheFolder()
 {
     shellBytes(QString("cd '%1/in'; python3 -c 'import socket;"
@@ -386,16 +385,16 @@ void TestMkpackage::socketInTheFolder()
     QCOMPARE(files(), QStringList());
 }
 
-void TestMkpackage::endedInTheMiddle_data()
+void TestMkpackage::interruptedRunLeavesNoFiles_data()
 {
     QTest::addColumn<int>("signal");
     QTest::newRow("Ctrl-C") << SIGINT;
-    QTest::newRow("polite") << SIGTERM;
+    QTest::newRow("terminated") << SIGTERM;
     QTest::newRow("closed terminal") << SIGHUP;
     QTest::newRow("killed") << SIGKILL;
 }
 
-void TestMkpackage::endedInTheMiddle()
+void TestMkpackage::interruptedRunLeavesNoFiles()
 {
     QFETCH(int, signal);
     const FakeTools tools({"tar"});
@@ -477,17 +476,18 @@ void TestMkpackage::infoOfDamage_data()
     QByteArray flipped = whole;
     flipped[whole.size() / 2] = char(flipped.at(whole.size() / 2) ^ 4);
     QTest::newRow("flipped bit") << flipped << QByteArray("damaged") << QByteArray("damaged");
-    QTest::newRow("bytes behind it")
+    QTest::newRow("trailing bytes")
         << whole + "more" << QByteArray("damaged") << QByteArray("damaged");
-    QTest::newRow("gzip of no tar") << header + shellBytes("head -c 99999 /dev/urandom | gzip")
-                                    << QByteArray("whole") << QByteArray("damaged");
-    QTest::newRow("tar without its end")
+    QTest::newRow("gzip of random bytes")
+        << header + shellBytes("head -c 99999 /dev/urandom | gzip") << QByteArray("whole")
+        << QByteArray("damaged");
+    QTest::newRow("tar without its end marker")
         << header + shellBytes("cd /tmp; echo x >x; tar -c x | head -c 1024 | gzip")
         << QByteArray("whole") << QByteArray("damaged");
-    QTest::newRow("tar that stops behind zeros")
+    QTest::newRow("tar cut off after zeros")
         << header + shellBytes("cd /tmp; head -c 2048 /dev/zero >z; tar -c z | head -c 2560 | gzip")
         << QByteArray("whole") << QByteArray("damaged");
-    QTest::newRow("tar with half its end")
+    QTest::newRow("tar with half its end marker")
         << header + shellBytes("cd /tmp; echo x >x; tar -c x | head -c 1536 | gzip")
         << QByteArray("whole") << QByteArray("damaged");
     QTest::newRow("two archives in one stream")
@@ -532,7 +532,7 @@ void TestMkpackage::infoNeedsNoTools()
     QCOMPARE(run.output, expected.output);
 }
 
-void TestMkpackage::outputThatIsLost()
+void TestMkpackage::lostOutputIsAnError()
 {
     QCOMPARE(make("line.kpc", "in").status, 0);
     for (const QStringList &arguments : {QStringList{"info", path("line.kpc")}, {"--help"}}) {
@@ -598,7 +598,7 @@ void TestMkpackage::everyExtensionIsDocumented()
     }
 }
 
-/// The example of the document is what the tool makes.
+/// The example in docs/package-format.md shows what the tool makes.
 void TestMkpackage::documentedExample()
 {
     shellBytes(QString("cd '%1'; mkdir -p project/compile; printf 'hello\\n' >project/compile/main;"

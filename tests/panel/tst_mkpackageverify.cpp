@@ -14,12 +14,12 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-// The tool as a technician runs it; what it finds has tests of its own.
+// Runs the tool from the command line. tst_verify tests what it finds.
 
 namespace {
 #ifdef __SANITIZE_ADDRESS__
-constexpr long memoryLimit = 262144; // KiB, with the sanitizer's own
-constexpr long memoryGrowth = 16384; // KiB, far below the 64 MB that are verified
+constexpr long memoryLimit = 262144; // KiB, including that of the sanitizer
+constexpr long memoryGrowth = 16384; // KiB, far less than the 64 MB of the package
 #else
 constexpr long memoryLimit = 65536; // KiB
 constexpr long memoryGrowth = 1024; // KiB
@@ -27,7 +27,7 @@ constexpr long memoryGrowth = 1024; // KiB
 
 constexpr char file[] = "line.kpc";
 
-/// In a coverage build only root can write the counters where they are kept.
+/// Another user cannot write a coverage build's counters to their usual folder.
 constexpr char otherCounters[] = "GCOV_PREFIX=/tmp/counters";
 
 ToolRun verify(const QStringList &arguments)
@@ -50,8 +50,8 @@ class TestMkpackageVerify : public QObject
 private slots:
     void initTestCase();
     void init();
-    void goodWithAndWithoutWarnings();
-    void refusedInThePanelsWords();
+    void warningsDoNotRefuse();
+    void refusalQuotesThePanelsMessage();
     void wholeStickIsGood();
     void packagesOfTheTestsAreGood();
     void notReadable_data();
@@ -84,7 +84,7 @@ void TestMkpackageVerify::init()
     write(Kinds::application, smallArchive());
 }
 
-void TestMkpackageVerify::goodWithAndWithoutWarnings()
+void TestMkpackageVerify::warningsDoNotRefuse()
 {
     const ToolRun good = verify({path(file), "--for", "RV-K21T", "--runtime", "12"});
     QCOMPARE(good.status, 0);
@@ -97,7 +97,7 @@ void TestMkpackageVerify::goodWithAndWithoutWarnings()
     QVERIFY2(warned.output.endsWith("\ngood: it may go on a stick (1 warning)\n"), warned.output);
 }
 
-void TestMkpackageVerify::refusedInThePanelsWords()
+void TestMkpackageVerify::refusalQuotesThePanelsMessage()
 {
     const ToolRun run = verify({path(file), "--for", "RV-K25T", "--runtime", "12"});
     QCOMPARE(run.status, 1);
@@ -108,7 +108,7 @@ void TestMkpackageVerify::refusedInThePanelsWords()
     QVERIFY(run.output.endsWith("\nbad: do not put it on a stick (1 error)\n"));
 }
 
-/// What the simulated panel's stick has on it, for whatever panel.
+/// All packages on the stick of the simulated panel, including those for other panels.
 void TestMkpackageVerify::wholeStickIsGood()
 {
     const QByteArray list = shellBytes("find /media/usb0 -iname '*.kpc' -o -iname '*.fmw'"
@@ -122,7 +122,7 @@ void TestMkpackageVerify::wholeStickIsGood()
     }
 }
 
-/// The other tests install these, so they must be good for a panel.
+/// Other tests install these packages successfully.
 void TestMkpackageVerify::packagesOfTheTestsAreGood()
 {
     const QByteArray packages[] = {
@@ -144,9 +144,9 @@ void TestMkpackageVerify::notReadable_data()
     QTest::addColumn<QString>("command");
     QTest::newRow("missing") << "true";
     QTest::newRow("folder") << "mkdir it";
-    QTest::newRow("pipe") << "mkfifo it"; // nobody ever writes into it
+    QTest::newRow("pipe") << "mkfifo it"; // without a writer
     QTest::newRow("link to a device") << "ln -s /dev/zero it";
-    QTest::newRow("link in a ring") << "ln -s it it";
+    QTest::newRow("link to itself") << "ln -s it it";
 }
 
 void TestMkpackageVerify::notReadable()
@@ -171,7 +171,7 @@ void TestMkpackageVerify::json()
     QCOMPARE(QJsonDocument::fromJson(bad.output).object().value("errors").toInt(), 1);
 }
 
-/// Who has no right to write anywhere, and whose folder for temporary files is missing.
+/// This user can write nowhere and has no folder for temporary files.
 void TestMkpackageVerify::ordinaryUser()
 {
     shellBytes(QString("chmod 755 '%1'").arg(m_folder->path()));
@@ -199,7 +199,7 @@ void TestMkpackageVerify::outputIsSafeForATerminal()
     }
 }
 
-/// A package of 64 MB, as large unpacked, takes no more memory than one of some hundred bytes.
+/// A package of 64 MB needs no more memory than one of some hundred bytes.
 void TestMkpackageVerify::memoryStaysFlat()
 {
     QCOMPARE(verify({path(file)}).status, 0);
@@ -223,9 +223,9 @@ void TestMkpackageVerify::examplesOfTheManualPages_data()
 {
     QTest::addColumn<QString>("page");
     QTest::addColumn<QStringList>("files");
-    QTest::newRow("of the tool") << "talmero-mkpackage.1"
-                                 << QStringList{"line1.kpc", "line1.json", "stick/line1.kpc"};
-    QTest::newRow("of the format") << "talmero-package.5" << QStringList{"line2.kpc"};
+    QTest::newRow("man page of the tool")
+        << "talmero-mkpackage.1" << QStringList{"line1.kpc", "line1.json", "stick/line1.kpc"};
+    QTest::newRow("man page of the format") << "talmero-package.5" << QStringList{"line2.kpc"};
 }
 
 void TestMkpackageVerify::examplesOfTheManualPages()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What run.sh and test.sh say on a machine that lacks something: one line that names it. Runs as
-# root in the simulated panel, with stand-ins for apt, cmake, ctest and sudo.
+# If a machine lacks something, run.sh and test.sh print one line that names it. Runs as root in the
+# simulated panel, with stand-ins for apt, cmake, ctest and sudo.
 set -u
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 [ -e /run/talmero-panel ] || exit 1
@@ -16,7 +16,7 @@ stand_in() { # NAME SHELL_TEXT
     printf '#!/bin/sh\n%s\n' "$2" >"$stand_ins/$1" && chmod 755 "$stand_ins/$1"
 }
 
-# A machine on which all goes well.
+# A machine that has everything.
 prepare() {
     rm -rf "$checkout" "$stand_ins"
     mkdir -p "$checkout/scripts" "$checkout/simulator" "$stand_ins"
@@ -30,13 +30,13 @@ prepare() {
     stand_in ctest 'echo "ctest $*"'
     # shellcheck disable=SC2016
     stand_in sudo '[ "$1" != --non-interactive ] || shift; "$@"'
-    stand_in unshare '' # that sudo makes no root
+    stand_in unshare '' # succeeds, although the stand-in for sudo gives no rights
     printf 'ID=debian\nVERSION_ID="12"\nPRETTY_NAME="Debian GNU/Linux 12 (bookworm)"\n' >/etc/os-release
     chmod 755 "$work"
     chown -R "$user" "$checkout"
 }
 
-# apt-get that brings nothing: it says the one text when it updates and the other when it installs
+# failing_apt UPDATE INSTALL: an apt-get that fails, and the texts that it prints
 failing_apt() {
     stand_in dpkg-query 'exit 1'
     stand_in apt-get "case \$1 in update) cat >&2 <<'TEXT'
@@ -48,7 +48,7 @@ TEXT
 esac"
 }
 
-# one_line STATUS PATTERN COMMAND...: without a terminal, it says no more than one line that matches
+# one_line STATUS PATTERN COMMAND...: without a terminal, it prints one line only, which matches
 one_line() {
     local expected=$1 pattern=$2 actual
     shift 2
@@ -58,7 +58,7 @@ one_line() {
     [ "$actual" -eq "$expected" ] && [ "$(wc -l <"$work/said")" -eq 1 ] && grep -qxE -- "$pattern" "$work/said"
 }
 
-# both PATTERN COMMAND...: run.sh and test.sh say the same, each with its name before it
+# both PATTERN COMMAND...: run.sh and test.sh print the same line after their names
 both() {
     local pattern=$1 script
     shift
@@ -67,7 +67,7 @@ both() {
     done
 }
 
-all_is_there() {
+everything_is_there() {
     one_line 0 'panel --size 800x600 --trace --display web -- .*/build/bin/talmero-bios' "${as_user[@]}" "$checkout/run.sh" &&
         one_line 0 'ctest --preset release --parallel [0-9]+' "${as_user[@]}" "$checkout/test.sh" --quick
 }
@@ -117,7 +117,7 @@ folder_that_cmake_refuses() {
         one_line 1 "run.sh: CMake cannot build below $checkout #1: .*" "$checkout #1/run.sh"
 }
 
-folder_with_odd_signs() {
+folder_with_special_characters() {
     cp -a "$checkout" "$checkout's (\$1)" && cd / &&
         one_line 0 'panel .* -- .*/build/bin/talmero-bios' "${as_user[@]}" "$checkout's (\$1)/run.sh"
 }
@@ -164,20 +164,20 @@ on_a_new_machine() {
     check "$@"
 }
 
-on_a_new_machine "builds and runs where all is there" all_is_there
-on_a_new_machine "runs in a folder with blanks, started from elsewhere" in_a_folder_with_blanks
-on_a_new_machine "is started by sh as well" started_by_sh
+on_a_new_machine "builds and runs on a complete machine" everything_is_there
+on_a_new_machine "runs in a folder with blanks, from another folder" in_a_folder_with_blanks
+on_a_new_machine "can also be started by sh" started_by_sh
 on_a_new_machine "names a missing sudo" no_sudo
 on_a_new_machine "says that sudo has no terminal" sudo_without_terminal
 on_a_new_machine "says that sudo refuses" sudo_that_refuses
 on_a_new_machine "names a container without rights" container_without_rights
 on_a_new_machine "names a disk that is too small" disk_is_small
 on_a_new_machine "names a folder that CMake refuses" folder_that_cmake_refuses
-on_a_new_machine "runs in a folder with odd signs" folder_with_odd_signs
+on_a_new_machine "runs in a folder with special characters" folder_with_special_characters
 on_a_new_machine "names the missing network" no_network
-on_a_new_machine "names the missing network of a system without lists" no_network_and_no_lists
-on_a_new_machine "names another system" other_system
-on_a_new_machine "names a disk that is full while unpacking" disk_full_while_unpacking
+on_a_new_machine "names the missing network when apt has no package lists" no_network_and_no_lists
+on_a_new_machine "names a system other than Debian 12" other_system
+on_a_new_machine "names a disk that gets full while unpacking" disk_full_while_unpacking
 on_a_new_machine "names a missing apt-get" no_apt
 
 [ "$failures" -eq 0 ]

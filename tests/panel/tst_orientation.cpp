@@ -13,7 +13,7 @@ namespace {
 constexpr QSize landscape(800, 600);
 constexpr QSize portrait(600, 800);
 
-/// Where a screen has what this test looks at and taps.
+/// Places that this test looks at or taps, in one orientation.
 struct Places
 {
     QSize screen;
@@ -33,7 +33,7 @@ constexpr PageButton uprightButtons[] = {
 };
 constexpr QColor headingColor(192, 104, 31);
 
-/// This display has no finger. The X server takes it for the pointer's.
+/// This display has no touch device, so the test clicks with the pointer.
 void clickScreen(QPoint at)
 {
     toolOutput(
@@ -59,8 +59,8 @@ bool showsMainPageAt(const Places &places)
         && !showsTitleButtons(places);
 }
 
-/// How the bottom of a settings page differs from what it must look like over the whole width of
-/// the screen; empty if it does not.
+/// Compares the bottom of a settings page with the painted model, over the full width.
+/// Result: the first difference; empty if there is none.
 QString bottomDifference(QSize screen)
 {
     const QRect rect(QPoint(0, 0), screen);
@@ -91,7 +91,7 @@ void chooseOrientation(const Places &now, QPoint button)
     clickScreen(now.ok);
 }
 
-/// Every page fills the upright screen, to the last row and column.
+/// Every page must fill the whole portrait screen.
 void lookAtEveryPage()
 {
     for (const PageButton &button : uprightButtons) {
@@ -118,7 +118,7 @@ private slots:
 void TestOrientation::initTestCase()
 {
     requirePanel();
-    toolOutput({"xsetroot", "-solid", "teal"}); // shows where no window is
+    toolOutput({"xsetroot", "-solid", "teal"}); // visible wherever no window is
 }
 
 void TestOrientation::technicianTurnsTheScreen_data()
@@ -150,8 +150,8 @@ void TestOrientation::technicianTurnsTheScreen()
 
     turn("normal");
     QTRY_COMPARE(screenImage().size(), landscape);
-    // The last one is run by the first if that finds the program's window on the screen.
     const FakeTools tools({"sleep", "date", "hwclock", "xrandr", "window-is-there"});
+    // The stand-in runs "window-is-there" if the program already shows its window.
     tools.setBody("xrandr",
                   "xwininfo -root -tree | grep -q '\"talmero-bios\")' && window-is-there\n"
                   "exec /usr/bin/xrandr \"$@\"");

@@ -36,22 +36,22 @@ private slots:
     void cleanup();
     void unreadablePackages_data();
     void unreadablePackages();
-    void headerAlone();
+    void packageWithoutArchive();
     void damagedArchives_data();
     void damagedArchives();
     void nothingLeavesTheFolder_data();
     void nothingLeavesTheFolder();
-    void missingTarget();
+    void missingTargetFolder();
     void noRoomForTheArchive();
     void noRoomInTheTarget();
     void missingVersionFiles();
-    void targetWithoutEnd();
+    void targetWithoutNulByte();
     void stickPulledWhileRead_data();
     void stickPulledWhileRead();
     void stickPulledAtEachBlock();
     void toolsMissing();
     void toolsFail();
-    void hangingTarIsCutOff();
+    void hangingTarIsKilled();
 };
 
 void TestPackageFaults::initTestCase()
@@ -71,7 +71,7 @@ void TestPackageFaults::cleanup()
 
 void TestPackageFaults::unreadablePackages_data()
 {
-    QTest::addColumn<QString>("script"); // makes the package "$1"
+    QTest::addColumn<QString>("script"); // creates the package "$1"
     QTest::newRow("missing") << "true";
     QTest::newRow("folder") << "mkdir \"$1\"";
     QTest::newRow("named pipe") << "mkfifo \"$1\"";
@@ -105,10 +105,10 @@ void TestPackageFaults::unreadablePackages()
     QCOMPARE(installBIOSPackage(""), int(NoBiosImage));
 }
 
-void TestPackageFaults::headerAlone()
+void TestPackageFaults::packageWithoutArchive()
 {
     install(application, 12, "RV-K21T", QByteArray(), Installed);
-    QVERIFY(!fileExists("/home/dest/compile")); // removed before tar finds nothing
+    QVERIFY(!fileExists("/home/dest/compile")); // removed before tar runs
     QCOMPARE(readFile("/home/dest/both"), QByteArray("old\n"));
     writeFile(packagePath, packageBytes(biosImage, 4, "", QByteArray()));
     QCOMPARE(installBIOSPackage(packagePath), int(BiosInstalled));
@@ -125,8 +125,8 @@ void TestPackageFaults::damagedArchives_data()
     QByteArray flipped = whole;
     flipped[whole.size() / 2] = char(flipped.at(whole.size() / 2) ^ 1);
     QTest::newRow("flipped bit") << flipped;
-    QTest::newRow("gzip of no tar") << shellBytes("echo no tar | gzip");
-    QTest::newRow("gzip of nothing") << shellBytes("gzip </dev/null");
+    QTest::newRow("gzip of text") << shellBytes("echo no tar | gzip");
+    QTest::newRow("gzip of an empty file") << shellBytes("gzip </dev/null");
     QTest::newRow("tar without gzip") << shellBytes("tar -c /etc/passwd 2>/dev/null");
     QTest::newRow("text") << QByteArray("this is no archive");
     QTest::newRow("zero bytes") << QByteArray(100000, '\0');
@@ -138,7 +138,7 @@ void TestPackageFaults::damagedArchives()
     install(application, 12, "K21T", archive, Installed);
     QVERIFY(!fileExists("/home/dest/compile"));
     QCOMPARE(readFile("/home/dest/kept"), QByteArray("old\n"));
-    install(application, 12, "K21T", smallArchive(), Installed); // goes on
+    install(application, 12, "K21T", smallArchive(), Installed); // a good one still works
     QVERIFY(fileExists("/home/dest/compile/new"));
 }
 
@@ -146,19 +146,20 @@ void TestPackageFaults::nothingLeavesTheFolder_data()
 {
     QTest::addColumn<QString>("script"); // writes a tar archive
     const QString member = "mkdir -p x/y; echo evil >x/evil; ";
-    QTest::newRow("dot dot") << member + "cd x/y; tar -cP ../evil";
-    QTest::newRow("far up") << member + "tar -cP --transform 's,^x,../../../../outside,' x/evil";
-    QTest::newRow("absolute") << member + "tar -cP --transform 's,^x,/outside,' x/evil";
-    QTest::newRow("link to outside, then through it")
+    QTest::newRow("..") << member + "cd x/y; tar -cP ../evil";
+    QTest::newRow("../../../../outside")
+        << member + "tar -cP --transform 's,^x,../../../../outside,' x/evil";
+    QTest::newRow("absolute path") << member + "tar -cP --transform 's,^x,/outside,' x/evil";
+    QTest::newRow("link to outside, then a file below it")
         << "mkdir a b b/out; ln -s /outside a/out; echo evil >b/out/evil;"
            "tar -cf t -C a out; tar -rf t -C b out/evil; cat t";
-    QTest::newRow("relative link to outside")
+    QTest::newRow("relative link to outside, then a file below it")
         << "mkdir a b b/out; ln -s ../../outside a/out; echo evil >b/out/evil;"
            "tar -cf t -C a out; tar -rf t -C b out/evil; cat t";
-    QTest::newRow("file link to outside, then written")
+    QTest::newRow("link to an outside file, then a file of its name")
         << "mkdir a b; ln -s /outside/guard a/f; echo evil >b/f;"
            "tar -cf t -C a f; tar -rf t -C b f; cat t";
-    QTest::newRow("hard link to outside, then written")
+    QTest::newRow("hard link to an outside file, then a file of its name")
         << "mkdir a b; echo x >a/g; ln a/g a/h; echo evil >b/h;"
            "tar -cPf t --transform 's,^g$,/outside/guard,;' -C a g h; tar -rf t -C b h; cat t";
 }
@@ -175,7 +176,7 @@ void TestPackageFaults::nothingLeavesTheFolder()
     QVERIFY(!fileExists("/evil"));
 }
 
-void TestPackageFaults::missingTarget()
+void TestPackageFaults::missingTargetFolder()
 {
     shellBytes("rm -rf /home/dest");
     const FakeTools tools({"tar"});
@@ -197,7 +198,7 @@ void TestPackageFaults::noRoomForTheArchive()
         QCOMPARE(installBIOSPackage("/media/usb0/image"), int(BiosNotStored));
         QCOMPARE(QDir(smallFolder).entryList(QDir::Files | QDir::Hidden), QStringList());
     }
-    const TemporaryFolder folder("/sys/kernel"); // cannot be written
+    const TemporaryFolder folder("/sys/kernel"); // read-only
     QCOMPARE(installPackage(packagePath), int(OpenFileError));
     QCOMPARE(installBIOSPackage("/media/usb0/image"), int(BiosNotStored));
     QCOMPARE(installedState(), before);
@@ -207,7 +208,7 @@ void TestPackageFaults::noRoomInTheTarget()
 {
     const SmallDisk disk("/home/dest", smallSize);
     install(application, 12, "K21T", largeArchive(), Installed);
-    QCOMPARE(readFile("/home/dest/a"), QByteArray("first\n")); // what tar could unpack
+    QCOMPARE(readFile("/home/dest/a"), QByteArray("first\n")); // unpacked before the disk was full
     shellBytes("rm -rf /home/dest/*");
     install(application, 12, "K21T", smallArchive(), Installed);
     QVERIFY(fileExists("/home/dest/compile/new"));
@@ -223,13 +224,13 @@ void TestPackageFaults::missingVersionFiles()
     install(firmware, 5, "TALMERO", smallArchive(), WrongFirmwareOem);
     writeFile(packagePath, packageBytes(biosImage, 1, "", biosArchive()));
     QCOMPARE(installBIOSPackage(packagePath), int(BiosInstalled));
-    // A panel without a model is told from none that packages name: both are empty.
+    // A missing model file equals an empty target in the package.
     install(application, 0, "", smallArchive(), Installed);
     install(firmware, 5, "", smallArchive(), Installed);
     QCOMPARE(readPanelFile("fwver"), QByteArray("5"));
 }
 
-void TestPackageFaults::targetWithoutEnd()
+void TestPackageFaults::targetWithoutNulByte()
 {
     QByteArray package = packageBytes(application, 12, "123456789012345", smallArchive());
     package[packageHeaderSize - 1] = '6';
@@ -259,16 +260,16 @@ void TestPackageFaults::stickPulledWhileRead()
         QCOMPARE(installPackage(packagePath), result);
     }
     QCOMPARE(fileExists("/home/dest/compile"), !readable);
-    QVERIFY(!fileExists("/home/dest/c")); // behind the place at which it was pulled
+    QVERIFY(!fileExists("/home/dest/c")); // lies after that offset
     QCOMPARE(readFile("/home/dest/kept"), QByteArray("old\n"));
-    QCOMPARE(installPackage(packagePath), int(Installed)); // goes on with the stick back in
+    QCOMPARE(installPackage(packagePath), int(Installed)); // the stick is back
     QVERIFY(fileExists("/home/dest/c"));
 }
 
 void TestPackageFaults::stickPulledAtEachBlock()
 {
-    constexpr int blockSize = 4096;  // the program reads no smaller parts of a stick at a time
-    QByteArray noise(1000000, '\0'); // which gzip makes no smaller
+    constexpr int blockSize = 4096;  // the program never reads less of a stick at a time
+    QByteArray noise(1000000, '\0'); // incompressible
     QRandomGenerator random(1);
     random.generate(reinterpret_cast<quint32 *>(noise.begin()),
                     reinterpret_cast<quint32 *>(noise.end()));
@@ -303,7 +304,7 @@ void TestPackageFaults::toolsMissing()
     QCOMPARE(firmwareResult, int(Installed));
     QVERIFY(fileExists("/home/dest/compile/old"));
     QVERIFY(!fileExists("/home/dest/compile/new"));
-    QCOMPARE(readPanelFile("fwver"), QByteArray("13")); // what tar makes of it is not looked at
+    QCOMPARE(readPanelFile("fwver"), QByteArray("13")); // tar's status is ignored
 }
 
 void TestPackageFaults::toolsFail()
@@ -318,7 +319,7 @@ void TestPackageFaults::toolsFail()
     QVERIFY(fileExists("/home/dest/compile/old"));
 }
 
-void TestPackageFaults::hangingTarIsCutOff()
+void TestPackageFaults::hangingTarIsKilled()
 {
     const FakeTools tools({"tar"});
     tools.setBody("tar", "trap '' TERM; echo $$ >/run/tar.pid; while :; do sleep 1; done");
@@ -327,7 +328,7 @@ void TestPackageFaults::hangingTarIsCutOff()
     timer.start();
     QTest::failOnWarning(QRegularExpression("QProcess"));
     QCOMPARE(installBIOSPackage(packagePath, 1000ms), int(BiosInstalled));
-    QVERIFY2(timer.elapsed() >= 1500 && timer.elapsed() < 10000, // it is asked first, in vain
+    QVERIFY2(timer.elapsed() >= 1500 && timer.elapsed() < 10000, // 1 s, then SIGTERM, then SIGKILL
              qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(kill(readFile("/run/tar.pid").trimmed().toInt(), 0), -1);
 }

@@ -15,8 +15,8 @@
 using namespace Kinds;
 
 namespace {
-/// The calls of the tools, with the folder in which tar ran and without the number in the name of
-/// the temporary file.
+/// The calls of the tools and the folder in which tar ran. "FILE" replaces the name of the
+/// temporary file, which is random.
 QStringList callsOf(const FakeTools &tools)
 {
     QStringList calls = tools.calls();
@@ -24,6 +24,7 @@ QStringList callsOf(const FakeTools &tools)
     return calls;
 }
 
+/// Makes the stand-ins run the real tools. The one for tar also logs its folder.
 void passOn(const FakeTools &tools)
 {
     tools.setBody("rm", "exec /bin/rm \"$@\"");
@@ -56,12 +57,12 @@ private slots:
     void biosRefusalsChangeNothing();
     void unknownKindStaysInATemporaryFile_data();
     void unknownKindStaysInATemporaryFile();
-    void handsOverTheFirstImage();
-    void handsOverWithoutAnImage();
-    void otherNamesAreNotHandedOver();
-    void anyName_data();
-    void anyName();
-    void anyTemporaryFolder();
+    void firstImageIsInstalledToo();
+    void missingImageIsAnError();
+    void otherNamesAreNoImages();
+    void fileNameOfAnyBytes_data();
+    void fileNameOfAnyBytes();
+    void temporaryFolderOfAnyName();
 };
 
 void TestPackageInstaller::initTestCase()
@@ -131,10 +132,10 @@ void TestPackageInstaller::firmwareVersions_data()
     QTest::addColumn<quint32>("version");
     QTest::addColumn<QByteArray>("stored");
     QTest::newRow("0") << 0U << QByteArray("0");
-    QTest::newRow("lower than installed") << 1U << QByteArray("1");
+    QTest::newRow("older than installed") << 1U << QByteArray("1");
     QTest::newRow("same") << 12U << QByteArray("12");
-    QTest::newRow("largest signed") << 2147483647U << QByteArray("2147483647");
-    QTest::newRow("largest") << 4294967295U << QByteArray("-1");
+    QTest::newRow("largest signed number") << 2147483647U << QByteArray("2147483647");
+    QTest::newRow("largest unsigned number") << 4294967295U << QByteArray("-1");
 }
 
 void TestPackageInstaller::firmwareVersions()
@@ -142,7 +143,7 @@ void TestPackageInstaller::firmwareVersions()
     QFETCH(quint32, version);
     install(firmware, version, "TALMERO", smallArchive(), Installed);
     QTEST(readPanelFile("fwver"), "stored");
-    install(application, version, "K21T", smallArchive(), Installed); // is one for this version
+    install(application, version, "K21T", smallArchive(), Installed); // requires this version
 }
 
 void TestPackageInstaller::installsBiosImageOnce()
@@ -169,14 +170,14 @@ void TestPackageInstaller::refusalsChangeNothing_data()
 {
     QTest::addColumn<PackageHeader>("header");
     QTest::addColumn<int>("result");
-    QTest::newRow("version above") << PackageHeader{application, 13, "RV-K21T"} << 2;
-    QTest::newRow("version below") << PackageHeader{application, 11, "RV-K21T"} << 2;
+    QTest::newRow("newer version") << PackageHeader{application, 13, "RV-K21T"} << 2;
+    QTest::newRow("older version") << PackageHeader{application, 11, "RV-K21T"} << 2;
     QTest::newRow("version 0") << PackageHeader{application, 0, "RV-K21T"} << 2;
     QTest::newRow("largest version") << PackageHeader{application, 4294967295U, "RV-K21T"} << 2;
     QTest::newRow("other model") << PackageHeader{application, 12, "RV-K25T"} << 3;
-    QTest::newRow("small letters") << PackageHeader{application, 12, "rv-k21t"} << 3;
+    QTest::newRow("model in lower case") << PackageHeader{application, 12, "rv-k21t"} << 3;
     QTest::newRow("other OEM") << PackageHeader{firmware, 13, "OTHER"} << 4;
-    QTest::newRow("OEM in other letters") << PackageHeader{firmware, 13, "talmero"} << 4;
+    QTest::newRow("OEM in lower case") << PackageHeader{firmware, 13, "talmero"} << 4;
 }
 
 void TestPackageInstaller::refusalsChangeNothing()
@@ -196,7 +197,7 @@ void TestPackageInstaller::biosRefusalsChangeNothing_data()
     QTest::addColumn<PackageHeader>("header");
     QTest::addColumn<int>("result");
     QTest::newRow("same version") << PackageHeader{biosImage, 3, ""} << -2;
-    QTest::newRow("older") << PackageHeader{biosImage, 2, ""} << -2;
+    QTest::newRow("older version") << PackageHeader{biosImage, 2, ""} << -2;
     QTest::newRow("version 0") << PackageHeader{biosImage, 0, ""} << -2;
     QTest::newRow("application") << PackageHeader{application, 4, ""} << -1;
     QTest::newRow("firmware") << PackageHeader{firmware, 4, ""} << -1;
@@ -234,20 +235,20 @@ void TestPackageInstaller::unknownKindStaysInATemporaryFile()
     QCOMPARE(installedState(), before);
 }
 
-void TestPackageInstaller::handsOverTheFirstImage()
+void TestPackageInstaller::firstImageIsInstalledToo()
 {
     shellBytes("rm -rf /run/started; mkdir -p \"/run/started/'home/dest\"; cd /run/started;"
                "touch \"'home/dest/a.txt\" \"'home/dest/x.MO\" \"'home/dest/image.mo\"");
     QVERIFY(QDir::setCurrent("/run/started"));
-    // Looked for in the current folder, not in the one in which its name was found.
+    // The name is found in "'home/dest", but the file is opened in the current folder.
     writeFile("/run/started/image.mo", packageBytes(biosImage, 4, "", biosArchive()));
     install(firmware, 13, "TALMERO", smallArchive(), OpenFileError);
     QVERIFY(fileExists("/home/compile/new"));
     QCOMPARE(readPanelFile("bios.version"), QByteArray("4\n"));
-    QCOMPARE(readPanelFile("fwver"), QByteArray("12\n")); // not raised
+    QCOMPARE(readPanelFile("fwver"), QByteArray("12\n")); // unchanged
 }
 
-void TestPackageInstaller::handsOverWithoutAnImage()
+void TestPackageInstaller::missingImageIsAnError()
 {
     shellBytes("rm -rf /run/started; mkdir -p \"/run/started/'home/dest/folder.mo\"");
     QVERIFY(QDir::setCurrent("/run/started"));
@@ -256,7 +257,7 @@ void TestPackageInstaller::handsOverWithoutAnImage()
     QCOMPARE(readPanelFile("fwver"), QByteArray("12\n"));
 }
 
-void TestPackageInstaller::otherNamesAreNotHandedOver()
+void TestPackageInstaller::otherNamesAreNoImages()
 {
     shellBytes("rm -rf /run/started; mkdir -p \"/run/started/'home/dest\" /run/started/home/dest;"
                "cd /run/started; touch \"'home/dest/x.MO\" \"'home/dest/mo\" home/dest/y.mo");
@@ -265,19 +266,19 @@ void TestPackageInstaller::otherNamesAreNotHandedOver()
     QCOMPARE(readPanelFile("fwver"), QByteArray("13"));
 }
 
-void TestPackageInstaller::anyName_data()
+void TestPackageInstaller::fileNameOfAnyBytes_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::newRow("blanks") << QByteArray("line 1 new.kpc");
     QTest::newRow("quotes") << QByteArray("\"line\" '1'.kpc");
     QTest::newRow("line feed") << QByteArray("line\n1.kpc");
     QTest::newRow("UTF-8") << QByteArray("\xC3\xBC.kpc");
-    QTest::newRow("no UTF-8") << QByteArray("\xFC\xFF.kpc");
-    QTest::newRow("shell") << QByteArray("$(reboot);`x`.kpc");
-    QTest::newRow("option") << QByteArray("-rf.kpc");
+    QTest::newRow("invalid UTF-8") << QByteArray("\xFC\xFF.kpc");
+    QTest::newRow("shell syntax") << QByteArray("$(reboot);`x`.kpc");
+    QTest::newRow("looks like an option") << QByteArray("-rf.kpc");
 }
 
-void TestPackageInstaller::anyName()
+void TestPackageInstaller::fileNameOfAnyBytes()
 {
     QFETCH(QByteArray, name);
     const QByteArray path = "/media/usb0/" + name;
@@ -286,7 +287,7 @@ void TestPackageInstaller::anyName()
     QVERIFY(fileExists("/home/dest/compile/new"));
 }
 
-void TestPackageInstaller::anyTemporaryFolder()
+void TestPackageInstaller::temporaryFolderOfAnyName()
 {
     shellBytes("mkdir -p '/run/a \"b'");
     const TemporaryFolder folder("/run/a \"b");

@@ -50,7 +50,7 @@ void pullFinger(QPoint from, QPoint to)
     liftFinger();
 }
 
-/// Opens the picker and taps a row of it, then its left button; without a row its right one.
+/// Opens the picker, taps @p row and then the left button. If @p row is -1, taps the right button.
 void pickImage(int row)
 {
     tapScreen(updateButton);
@@ -108,7 +108,7 @@ void TestPackages::technicianInstallsAnApplication()
     writeFile("/media/usb0/old.kpc", packageBytes(application, 11, "RV-K21T", largeArchive()));
     writeFile("/media/usb0/apps/new.kpc", packageBytes(application, 12, "RV-K21T", smallArchive()));
     const auto program = startAtPage(transferButton);
-    choose(transferRow(1)); // entries of the stick come before those of its folders
+    choose(transferRow(1)); // files in folders come after those of the stick itself
     returnToMainPage(okButton);
     QCOMPARE(readFile("/home/dest/compile/new"), QByteArray("new\n"));
     QVERIFY(!fileExists("/home/dest/compile/old"));
@@ -190,7 +190,7 @@ void TestPackages::installsThreeFonts()
     choose(fontRow(0));
     choose(fontRow(1));
     tapScreen(fontRow(1));
-    QTRY_VERIFY(!isChosen(fontRow(1))); // a second tap takes it back
+    QTRY_VERIFY(!isChosen(fontRow(1))); // a second tap deselects it
     choose(fontRow(1));
     choose(fontRow(2));
     QVERIFY(isChosen(fontRow(0)));
@@ -210,7 +210,7 @@ void TestPackages::listScrollsByFinger()
     pullFinger({400, 500}, {400, 200});
     QTRY_VERIFY(screenImage().copy(listArea) != top);
     QCOMPARE(chosenRows(), 0);
-    returnToMainPage(okButton); // nothing is chosen
+    returnToMainPage(okButton); // installs nothing
     QCOMPARE(installedState(), before);
 }
 
@@ -221,13 +221,13 @@ void TestPackages::pulledStickLeavesAnEmptyList()
     choose(transferRow(0));
     shellBytes("mkdir -p /run/pulled; mount --move /media/usb0 /run/pulled");
     tapScreen(okButton);
-    acceptWarning("File Transter"); // so spelt for good; the package cannot be opened
+    acceptWarning("File Transter"); // misspelt; the title must stay
     QVERIFY(fileExists("/home/dest/compile/old"));
     tapScreen(transferButton);
     QTRY_VERIFY(showsSettingsPage());
     shellBytes("mount --move /run/pulled /media/usb0");
     tapScreen(transferRow(0));
-    QVERIFY(!isChosen(transferRow(0))); // the list was made while the stick was out
+    QVERIFY(!isChosen(transferRow(0))); // the page listed the files without the stick
     returnToMainPage(cancelButton);
 }
 

@@ -1,3 +1,4 @@
+#include "diskfiles.h"
 #include "faketools.h"
 #include "panelfiles.h"
 #include "panelguard.h"
@@ -13,11 +14,13 @@
 #include <memory>
 
 namespace {
-constexpr int holdTime = 2000;    // ms after which rescue comes
+constexpr int holdTime = 2000;    // ms until rescue mode starts
 constexpr int shortHold = 1500;   // ms
-constexpr int rescueLimit = 8000; // ms until it has come, however slow the machine is
-constexpr QPoint title(400, 16);  // does not react to a finger
+constexpr int rescueLimit = 8000; // ms until it starts on a slow machine
+constexpr int quietTime = 300;    // ms beyond the hold, for a rescue that must not come
+constexpr QPoint title(400, 16);  // does not react to touches
 constexpr QColor calibratorColor(190, 190, 190);
+constexpr char calibratorEnd[] = "/run/panel/calibrator-may-end";
 constexpr char plugFile[] = "/run/panel/touch-is-plugged-in";
 constexpr char rescued[] = "bios.brightness=\x01\n";
 
@@ -31,8 +34,8 @@ void openEthernetPage()
 void openKeypad()
 {
     openEthernetPage();
-    tapScreen({600, 214}); // manual input
-    tapScreen({400, 258}); // its address
+    tapScreen({600, 214}); // manual mode
+    tapScreen({400, 258}); // the address field
     QTRY_VERIFY(windowInfo({"-root", "-tree"}).contains("\"Input Panel\""));
     QTRY_VERIFY(windowInfo({"-name", "Input Panel"}).contains("IsViewable"));
 }
@@ -53,12 +56,12 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void longHoldGivesTheLightBack_data();
-    void longHoldGivesTheLightBack();
-    void liftingStartsTheTimeAnew();
-    void comesOnceInARun();
-    void calibrationIsOnTheScreen();
-    void deviceIsPluggedInLater();
+    void longHoldRestoresBrightness_data();
+    void longHoldRestoresBrightness();
+    void liftingRestartsTheHold();
+    void rescueComesOncePerRun();
+    void calibratorIsVisible();
+    void devicePluggedInLaterIsFound();
 
 private:
     int calls(const QString &call) const;
@@ -92,13 +95,13 @@ void TestRescue::cleanup()
     QFile::remove(plugFile);
 }
 
-/// How often a tool was run so, or with more arguments.
+/// How many recorded calls contain @p call.
 int TestRescue::calls(const QString &call) const
 {
     return int(m_tools->calls().filter(call).size());
 }
 
-/// The calls that brightness and calibration are about, in order.
+/// The calls that set the brightness or calibrate, in order.
 QStringList TestRescue::callsOfRescue() const
 {
     QStringList all = m_tools->calls();
@@ -108,30 +111,30 @@ QStringList TestRescue::callsOfRescue() const
     return all;
 }
 
-/// Waits until the program has asked for the device and has got its answer.
+/// Waits until the program has read the device once.
 void TestRescue::waitForPoll() const
 {
     const int before = calls("xinput");
     QTRY_VERIFY(calls("xinput") >= before + 2);
 }
 
-/// Waits until the calibration tool has been run so many times. Result: false if it is not.
+/// Waits until the calibration tool has run @p count times. Result: false if it has not.
 bool TestRescue::rescueComes(int count) const
 {
     return QTest::qWaitFor([this, count] { return calls("xCal") == count; }, rescueLimit);
 }
 
-/// Puts the finger down. Result: ms until the calibration tool was run once more, -1 if it was not.
+/// Puts the finger down. Result: ms until the calibration tool ran again; -1 if it did not.
 int TestRescue::holdUntilRescue() const
 {
     const int before = calls("xCal");
     QElapsedTimer timer;
-    timer.start(); // first: the finger is down before the call is over
+    timer.start(); // before the call, which returns after the touch
     putFingerDown(title);
     return rescueComes(before + 1) ? int(timer.elapsed()) : -1;
 }
 
-void TestRescue::longHoldGivesTheLightBack_data()
+void TestRescue::longHoldRestoresBrightness_data()
 {
     QTest::addColumn<OpenPage>("openPage");
     QTest::newRow("countdown") << OpenPage([] {});
@@ -140,7 +143,7 @@ void TestRescue::longHoldGivesTheLightBack_data()
     QTest::newRow("keypad") << OpenPage(openKeypad);
 }
 
-void TestRescue::longHoldGivesTheLightBack()
+void TestRescue::longHoldRestoresBrightness()
 {
     QFETCH(OpenPage, openPage);
     const PanelProgram program;
@@ -156,22 +159,22 @@ void TestRescue::longHoldGivesTheLightBack()
     QVERIFY(program.isRunning());
 }
 
-void TestRescue::liftingStartsTheTimeAnew()
+void TestRescue::liftingRestartsTheHold()
 {
     const PanelProgram program;
     openMainPage();
     waitForPoll();
     putFingerDown(title);
-    QTest::qWait(shortHold);
+    QTest::qWait(shortHold); // a short hold must not start rescue mode, neither now nor later
     liftFinger();
     waitForPoll();
-    QTest::qWait(holdTime - shortHold + 300); // a hold that ended in time is forgotten
+    QTest::qWait(holdTime - shortHold + quietTime);
     QCOMPARE(calls("xCal"), 0);
     const int time = holdUntilRescue();
     QVERIFY2(time > holdTime, qPrintable(QString::number(time)));
 }
 
-void TestRescue::comesOnceInARun()
+void TestRescue::rescueComesOncePerRun()
 {
     auto program = std::make_unique<PanelProgram>();
     openMainPage();
@@ -179,40 +182,44 @@ void TestRescue::comesOnceInARun()
     liftFinger();
     const int polls = calls("xinput");
     putFingerDown(title);
-    QTest::qWait(holdTime + 1000);
+    QTest::qWait(holdTime + quietTime); // another hold must not start it again
     QCOMPARE(calls("xCal"), 1);
     QCOMPARE(calls("xinput"), polls);
     liftFinger();
 
     program = std::make_unique<PanelProgram>();
     openMainPage();
-    // What is stored is no number; the tool refuses it and leaves the light alone.
+    // The stored value is no number, so xrandr rejects it and keeps the brightness.
     QCOMPARE(callsOfRescue().last(), brightnessCall("\x01").constFirst());
     QCOMPARE(shownBrightness(), QString("1.0"));
     QVERIFY(holdUntilRescue() > holdTime);
 }
 
-void TestRescue::calibrationIsOnTheScreen()
+void TestRescue::calibratorIsVisible()
 {
-    m_tools->setBody("xCal", "exec timeout 3 /usr/bin/xCal");
+    m_tools->setBody(
+        "xCal",
+        QString("/usr/bin/xCal & until [ -e %1 ]; do /usr/bin/sleep 0.05; done; kill $!")
+            .arg(calibratorEnd));
     const PanelProgram program;
     openMainPage();
     QVERIFY(holdUntilRescue() > holdTime);
     liftFinger();
     QTRY_COMPARE(screenColor({790, 590}), calibratorColor); // its window has no name
+    writeFile(calibratorEnd);
     QTRY_VERIFY(screenColor({790, 590}) != calibratorColor);
     QTRY_VERIFY(showsMainPage());
     tapScreen(pageButtons[1].place);
     QTRY_VERIFY(showsSettingsPage());
 }
 
-void TestRescue::deviceIsPluggedInLater()
+void TestRescue::devicePluggedInLaterIsFound()
 {
     m_tools->setBody("xinput", QString("[ -e %1 ] && exec /usr/bin/xinput \"$@\"").arg(plugFile));
     const PanelProgram program;
     openMainPage();
     putFingerDown(title);
-    QTest::qWait(holdTime + 500);
+    QTest::qWait(holdTime + quietTime); // without the device, a hold must not start rescue mode
     QCOMPARE(calls("xCal"), 0);
     QElapsedTimer timer;
     timer.start();

@@ -7,7 +7,7 @@
 #include <QTest>
 
 namespace {
-constexpr int border = 19; // px of the page's background that the countdown leaves free
+constexpr int border = 19; // px of background around the countdown
 }
 
 class TestRotation : public QObject
@@ -17,7 +17,7 @@ private slots:
     void windowFollowsTheScreen();
 };
 
-/// The screen turns while the program runs, as when a technician turns it from outside.
+/// A technician may rotate the screen from outside while the program runs.
 void TestRotation::windowFollowsTheScreen()
 {
     requirePanel();

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# The simulated panel and run.sh keep what they promise. Usage: tst_simulator.sh BUILD_FOLDER
+# Tests the simulated panel and run.sh. Usage: tst_simulator.sh BUILD_FOLDER
 set -u
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$(cd "${1:?build folder}" && pwd)
 # shellcheck source=tests/support/checks.sh
 source "$root/tests/support/checks.sh"
 
-is_picture() { # FILE SIZE: a PNG of that size that is not of one colour
+is_picture() { # FILE SIZE: a PNG of that size with more than 50 colours
     [ "$(identify -format %wx%h "$1")" = "$2" ] && [ "$(identify -format %k "$1")" -gt 50 ]
 }
 
@@ -15,14 +15,14 @@ mounts_and_displays() {
     find /tmp -maxdepth 1 -name '.X*' | sort
 }
 
-# The bit of CAP_SYS_TIME in the set beyond which no process in the panel gets.
+# CAP_SYS_TIME must be missing from the bounding set, so that no process in the panel can gain it.
 clock_is_out_of_reach() {
     local capabilities
     capabilities=$(panel -- sed -n 's/^CapBnd:\t//p' /proc/self/status)
     [ $((0x$capabilities >> 25 & 1)) -eq 0 ]
 }
 
-host_stays_as_it_is() {
+host_is_unchanged() {
     panel -- sh -c 'echo x >/etc/panel-was-here && rm /etc/passwd && mkdir -p /home/dest/x &&
         echo 9 >/opt/talmero/bios/fwver && cat /etc/panel-was-here' &&
         [ ! -e /etc/panel-was-here ] && [ -e /etc/passwd ] && [ ! -e /home/dest/x ]
@@ -33,11 +33,17 @@ share_reaches_the_host() {
         [ -e "$work/shared/file" ]
 }
 
-panels_do_not_meet() {
-    local first
-    panel -- sh -c 'echo 1 >/opt/mine && sleep 1 && cat /opt/mine' >"$work/first" &
+panels_are_separate() {
+    local first meeting=$work/meeting
+    mkdir "$meeting" && mkfifo "$meeting/written" "$meeting/looked" || return
+    # shellcheck disable=SC2016
+    panel --share "$meeting" -- timeout 20 sh -c \
+        'echo 1 >/opt/mine && : >"$0/written" && read -r _ <"$0/looked"; cat /opt/mine' "$meeting" \
+        >"$work/first" &
     first=$!
-    panel -- sh -c 'sleep 0.3 && test ! -e /opt/mine' && wait "$first" &&
+    # shellcheck disable=SC2016
+    panel --share "$meeting" -- timeout 20 sh -c \
+        ': <"$0/written" && test ! -e /opt/mine && : >"$0/looked"' "$meeting" && wait "$first" &&
         [ "$(cat "$work/first")" = 1 ]
 }
 
@@ -68,7 +74,7 @@ brightness_really_changes() {
         xrandr --output "$name" --brightness 0.5 && xrandr --verbose | grep -q "Brightness: 0.50"'
 }
 
-screen_really_turns() {
+screen_really_rotates() {
     panel --display xephyr --size 640x480 -- sh -c '
         xrandr --output default --rotate left && xrandr -q | grep -q "current 480 x 640"'
 }
@@ -85,7 +91,7 @@ trace_names_each_tool() {
         says "^\[tool\] sleep 0$" panel --trace -- sleep 0
 }
 
-# Sourced in the panel. An ended client takes the kernel a moment to clear away.
+# Sourced in the panel. The kernel needs a moment to remove a process that has ended.
 cat >"$work/network.sh" <<'SCRIPT'
 set -euo pipefail
 
@@ -105,7 +111,8 @@ no_client_runs() {
     return 1
 }
 
-# The client must still be waiting when its time is up.
+# The client asks at once, and a server answers within milliseconds. So a client that timeout has to
+# end gets no answer.
 gets_no_lease() { # PORT SECONDS
     local result=0
     timeout "$2" dhclient "$1" || result=$?
@@ -116,13 +123,13 @@ gets_lease() { # PORT
     timeout 5 dhclient "$1" && has_address "$1"
 }
 
-# "dhclient -r" ends the client only then.
+# "dhclient -r" ends the client only after it has written this file.
 client_is_known() {
     timeout 5 bash -c "until [ -s /run/dhclient.pid ]; do sleep 0.02; done"
 }
 SCRIPT
 
-in_network() { # SCRIPT: for bash; it ends with the first failure. $network is the control.
+in_network() { # SCRIPT: run by bash until the first failure; $network is simulator/network
     panel --share "$work" -- env network="$root/simulator/network" \
         bash -c "source '$work/network.sh'; $1"
 }
@@ -144,7 +151,7 @@ both_ports_get_a_lease() {
 }
 
 # shellcheck disable=SC2016
-lease_is_given_back() {
+lease_is_released() {
     in_network '
         gets_lease eth0
         client_is_known
@@ -158,14 +165,14 @@ lease_is_given_back() {
 client_waits_while_dhcp_is_off() {
     in_network '
         "$network" dhcp eth0 off
-        gets_no_lease eth0 3
+        gets_no_lease eth0 2
         gets_lease eth1
         "$network" dhcp eth0 on
         gets_lease eth0'
 }
 
 # shellcheck disable=SC2016
-cable_can_be_pulled() {
+cable_can_be_unplugged() {
     in_network '
         running() { ifconfig "$1" | grep "UP BROADCAST RUNNING"; }
         running eth0
@@ -196,7 +203,7 @@ peer_echoes_on_either_port() {
 }
 
 # shellcheck disable=SC2016
-peer_is_exchanged() {
+peer_is_replaced() {
     in_network '
         ifconfig eth0 192.168.0.9
         "$network" peer eth0 refusing
@@ -221,7 +228,7 @@ serial_ports_echo() {
 }
 
 # shellcheck disable=SC2016
-plugs_are_exchanged() {
+plugs_are_replaced() {
     panel -- bash -ec '
         "$1/simulator/serial" whole none extra
         [ ! -e /dev/ttyS1 ]
@@ -247,25 +254,29 @@ network_command_refuses() {
         status 2 panel -- "$root/simulator/network" dhcp eth0 maybe
 }
 
-# A terminal's Ctrl-C reaches the whole group.
+# Ctrl-C in a terminal reaches the whole process group.
 interrupt_leaves_nothing() {
-    local before after run
+    local before after run try
     before=$(mounts_and_displays)
     setsid "$root/simulator/panel" --build "$build" --display xorg -- \
         "$build/bin/talmero-bios" >"$work/run" 2>&1 &
     run=$!
-    sleep 2
+    for ((try = 0; try < 200; try++)); do
+        ! pgrep -s "$run" -x talmero-bios >/dev/null || break
+        sleep 0.05
+    done
+    [ "$try" -lt 200 ] || return
     kill -INT -- "-$run"
     wait "$run"
     after=$(mounts_and_displays)
     [ "$before" = "$after" ] && ! pgrep -s "$run" >/dev/null
 }
 
-page_of() { # FILE: the address that a panel has printed there
+page_of() { # FILE: the port in the address that a panel has printed there
     sed -n 's|^The panel is shown at http://127.0.0.1:\([0-9]*\)/vnc.html?.*|\1|p' "$1"
 }
 
-# The second one finds the port of the first taken.
+# The second panel must find the port of the first one in use and take another.
 browser_shows_two_panels() {
     local first port other try
     "$root/simulator/panel" --build "$build" --display web -- sleep 30 >"$work/first" &
@@ -289,32 +300,32 @@ run_takes_a_picture() {
     (cd "$work" && "$root/run.sh" --screenshot picture.png --after 0.5 "$@")
 }
 
-check "gives the command's status" status 7 panel -- sh -c 'exit 7'
+check "exits with the command's status" status 7 panel -- sh -c 'exit 7'
 # shellcheck disable=SC2016
-check "gives the signal's status" status 139 panel -- sh -c 'kill -SEGV $$'
-check "says when there is no such command" status 127 panel -- no-such-command
+check "exits with the signal's status" status 139 panel -- sh -c 'kill -SEGV $$'
+check "reports an unknown command" status 127 panel -- no-such-command
 check "refuses unknown options" status 2 panel --unknown true
-check "leaves the host as it is" host_stays_as_it_is
+check "does not change the host" host_is_unchanged
 check "shares a folder" share_reaches_the_host
-check "keeps panels apart" panels_do_not_meet
+check "keeps panels apart" panels_are_separate
 check "keeps the clock out of reach" clock_is_out_of_reach
 check "stands in for the clock tools" clock_tools_are_stand_ins
-check "has no serial port of the machine" says '^/dev/pts/' panel -- readlink /dev/ttyS0
+check "has no serial ports of the machine" says '^/dev/pts/' panel -- readlink /dev/ttyS0
 check "prints ifconfig's classic format" says 'Link encap:Local Loopback' panel -- ifconfig lo
 check "gives both ports a lease" both_ports_get_a_lease
-check "takes a lease back" lease_is_given_back
-check "lets a client wait while DHCP is off" client_waits_while_dhcp_is_off
-check "pulls a cable" cable_can_be_pulled
+check "releases a lease" lease_is_released
+check "gives no lease while DHCP is off" client_waits_while_dhcp_is_off
+check "unplugs a cable" cable_can_be_unplugged
 check "has a peer that echoes" peer_echoes_on_either_port
-check "exchanges its peer" peer_is_exchanged
+check "replaces its peer" peer_is_replaced
 check "has serial ports that echo" serial_ports_echo
-check "exchanges its loopback plugs" plugs_are_exchanged
-check "reads the interfaces with ifupdown" interfaces_are_read
+check "replaces its loopback plugs" plugs_are_replaced
+check "reads /etc/network/interfaces with ifupdown" interfaces_are_read
 check "refuses unknown network commands" network_command_refuses
 check "has a touch device" finger_presses_the_touch_device
 check "changes brightness" brightness_really_changes
-check "turns the screen" screen_really_turns
-check "starts in every size" every_size_starts
+check "rotates the screen" screen_really_rotates
+check "starts in several sizes" every_size_starts
 check "traces tools" trace_names_each_tool
 check "ends on Ctrl-C and leaves nothing" interrupt_leaves_nothing
 check "shows two panels in the browser" browser_shows_two_panels
@@ -325,6 +336,6 @@ check "run.sh refuses a bad size" status 2 "$root/run.sh" --size 800
 check "run.sh takes a picture" run_takes_a_picture
 check "the picture shows something" is_picture "$work/picture.png" 800x600
 check "run.sh starts the factory window in another size" run_takes_a_picture --factory --size 1024x768
-check "that picture has its size" [ "$(identify -format %wx%h "$work/picture.png")" = 1024x768 ]
+check "that picture has this size" [ "$(identify -format %wx%h "$work/picture.png")" = 1024x768 ]
 
 [ "$failures" -eq 0 ]

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Boots a root file system, in which the packages are installed, as a panel: its own systemd, which
-# is told nothing, starts the session. Runs in the simulated panel, which gives it network ports, a
-# finger and the far ends. Usage: boot-installed.sh ROOT COMMAND...; the command runs beside it with
-# $panel_root set to the booted system's root. ROOT loses nothing: all writes are forgotten.
+# Boots a root file system with the installed packages: its own systemd starts the session. Runs in
+# the simulated panel, which provides the network, the display and the touch device.
+# Usage: boot-installed.sh ROOT COMMAND...
+# The command runs beside the booted system, whose root is $panel_root. ROOT itself is unchanged,
+# because the simulated panel discards all writes.
 set -euo pipefail
 root=$1
 shift
@@ -13,7 +14,7 @@ size=800x600
 # shellcheck source=simulator/lib/display.sh
 source "$simulator/lib/display.sh"
 
-# What the panel's maker adds: the files of the panel, and the steps of the integrator's guide.
+# Adds the panel's own files and follows the integrator's guide.
 add_panel_files() {
     cp -r "$simulator/files/opt/." "$root/opt"
     mkdir -p "$root/opt/talmero/hmi" "$root/media/usb0"
@@ -23,7 +24,7 @@ add_panel_files() {
     chroot "$root" systemctl --quiet enable talmero-session
 }
 
-# In place of hardware: a screen in memory and a touch controller. The server has no console here.
+# Replaces the hardware: a screen in memory and a test device for touches. There is no console here.
 add_hardware() {
     cp /usr/lib/xorg/modules/drivers/dummy_drv.so "$root/usr/lib/xorg/modules/drivers"
     write_xorg_conf >"$root/etc/X11/xorg.conf"
@@ -36,8 +37,8 @@ add_hardware() {
     ! cmp -s "$unit" "$root/etc/systemd/system/talmero-session.service.d/hardware.conf"
 }
 
-# The first process of a new root, with the panel's network and display. Never its /tmp: systemd
-# empties that at boot, and the checkout may be in it.
+# Becomes the first process of the new root, with the panel's network and display. It gets its own
+# /tmp, because systemd empties that at boot, and the checkout may be below /tmp.
 # shellcheck disable=SC2016 # the inner shell expands it
 readonly enter='
     set -e

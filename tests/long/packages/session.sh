@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the booted panel must do; run by boot-installed.sh. Usage: session.sh TOUCHES PICTURES
+# Tests the booted panel. boot-installed.sh runs it: session.sh TOUCHES PICTURES
 set -euo pipefail
 touches=$1
 pictures=$2
@@ -30,7 +30,7 @@ wait_for() {
     done
 }
 
-# By this side's pgrep: a minimal system has none.
+# Runs pgrep outside, because the minimal system has none.
 program() {
     pgrep -x talmero-bios
 }
@@ -39,7 +39,7 @@ kill_all() { # SIGNAL NAME
     pgrep -x "$2" | xargs --no-run-if-empty kill "-$1"
 }
 
-# A new X server has a new touch controller, which wants a finger of its own.
+# A new X server opens a new touch device, to which finger must connect again.
 let_go() {
     kill "$finger"
     wait "$finger" 2>/dev/null || true
@@ -104,7 +104,7 @@ say "talmero-doctor: $(grep -c '^ok' /run/panel/doctor.log) times ok and nothing
 end_and_wait "a killed program" kill_all KILL talmero-bios
 end_and_wait "a killed X server" kill_all KILL Xorg
 let_go
-for _ in 1 2 3 4 5 6 7 8; do # more often than systemd's own limit of starts
+for _ in 1 2 3 4 5 6 7 8; do # more often than systemd's default start limit allows
     kill_all KILL talmero-bios || true # may not be up yet
     sleep 3.5
 done
@@ -118,6 +118,6 @@ say "calibrated by taps"
 inside mv /root/.xinitrc /root/xinitrc
 kill_all TERM talmero-bios
 wait_for 20 "the session goes on without its script" no_server
-sleep 5
+sleep 5 # the session must not start again
 no_server || die "the session is started without its script"
 say "without /root/.xinitrc there is no session"

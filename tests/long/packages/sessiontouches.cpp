@@ -1,5 +1,5 @@
-// Works an installed panel by its screen and a finger alone: it knows nothing of how the program on
-// that screen was started. Usage: sessiontouches STEP...; FILE.png saves a picture.
+// Operates an installed panel through its screen and touch device only. It does not know how the
+// program was started. Usage: sessiontouches STEP...; a step FILE.png saves a screenshot.
 #include "panelguard.h"
 #include "panelprogram.h"
 #include "panelscreen.h"
@@ -17,7 +17,7 @@ constexpr QPoint secondPortOnDhcp(600, 424);
 constexpr QPoint runtimeCloseButton(400, 510);
 constexpr QPoint crosses[] = {{100, 75}, {700, 75}, {100, 525}, {700, 525}};
 const QColor runtimeColor(0xee, 0xf2, 0xf5);
-constexpr int countDownLimit = 15000; // ms, the countdown takes six seconds
+constexpr int countDownLimit = 15000; // ms; the countdown takes six seconds
 
 void require(const char *what, const std::function<bool()> &isSo, int limit = startLimit)
 {
@@ -86,10 +86,10 @@ void calibrate()
 {
     tapScreen(calibrationButton);
     require("the calibrator", [] { return !showsMainPage() && !showsSettingsPage(); });
-    QTest::qWait(1000); // its window listens only after it is painted
+    QTest::qWait(1000); // the window does not show when it begins to accept input
     for (const QPoint cross : crosses) {
         tapScreen(cross);
-        QTest::qWait(300);
+        QTest::qWait(300); // nor when it shows the next cross
     }
     require("a settings page", showsSettingsPage);
     leavePage(cancelButton);

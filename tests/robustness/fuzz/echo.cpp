@@ -8,9 +8,9 @@
 #include <QTextEdit>
 
 namespace {
-constexpr char rest = '\x7f'; // all bytes that are left come as one chunk
+constexpr char rest = '\x7f'; // a length that means all remaining bytes
 
-/// The view as the factory window has it, without a screen.
+/// The result view of the factory window, without a screen.
 QTextEdit *resultView()
 {
     static int count = 1;
@@ -22,7 +22,7 @@ QTextEdit *resultView()
     return &view;
 }
 
-/// The chunks that the input is cut into: each is led by its length.
+/// Splits the input into chunks. The first byte of each is its length.
 QList<QByteArray> chunks(QByteArray input)
 {
     QList<QByteArray> found;
@@ -39,7 +39,7 @@ QString lastLine(const QTextEdit *view)
     return view->toPlainText().section('\n', -1);
 }
 
-/// The text of a serial echo goes on where the last chunk ended.
+/// A serial echo is appended to the text.
 void readSerial(QTextEdit *view, const QList<QByteArray> &input)
 {
     const QString expected = serialPayload("/dev/ttyS0", linkTestCharacters);
@@ -53,7 +53,7 @@ void readSerial(QTextEdit *view, const QList<QByteArray> &input)
     require((lastLine(view) == "Test Ok!") == (received == expected));
 }
 
-/// Each chunk of a network echo is a paragraph.
+/// Each chunk of a network echo starts a new paragraph.
 void readEther(QTextEdit *view, const QList<QByteArray> &input)
 {
     const QString expected = etherPayload(1, linkTestCharacters);

@@ -5,16 +5,16 @@
 #include <cstddef>
 #include <cstdint>
 
-/// What libFuzzer calls with each input. Result: 0, as it asks for.
+/// libFuzzer calls this with each input. Returns 0, as libFuzzer requires.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-/// The input as bytes of its own, so that reading past its end is seen.
+/// A copy of the input, so that AddressSanitizer notices reads past its end.
 inline QByteArray inputBytes(const std::uint8_t *data, std::size_t size)
 {
     return {reinterpret_cast<const char *>(data), qsizetype(size)};
 }
 
-/// Ends the fuzzer, which keeps the input, unless @p holds.
+/// Crashes unless @p holds. libFuzzer then stores the input.
 inline void require(bool holds)
 {
     if (!holds) {

@@ -12,6 +12,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         const auto again = parsePeerAddress(peer->host + ':' + QString::number(peer->port));
         require(again && again->host == peer->host && again->port == peer->port);
     }
-    linkNumber(text); // any text is a test's name: it only has to come back
+    linkNumber(text); // accepts any text; must only return
     return 0;
 }

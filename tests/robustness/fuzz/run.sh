@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fuzzes the parsers. Needs no simulated panel: they open no files and run no tools.
+# Fuzzes the parsers. They open no files and run no tools, so no simulated panel is needed.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=scripts/common.sh
@@ -47,7 +47,7 @@ fi
 mapfile -t all < <(sed -n 's/^panel_add_fuzzer(\(.*\))$/\1/p' "$here/CMakeLists.txt")
 targets=("${@:-${all[@]}}")
 for target in "${targets[@]}"; do
-    [[ " ${all[*]} " == *" $target "* ]] || die "there is no target $target; there are ${all[*]}"
+    [[ " ${all[*]} " == *" $target "* ]] || die "unknown target $target; known are ${all[*]}"
 done
 
 install_packages "${build_packages[@]}" "${fuzz_packages[@]}"

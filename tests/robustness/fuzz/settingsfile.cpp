@@ -9,7 +9,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     for (auto entry = settings.cbegin(); entry != settings.cend(); ++entry) {
         require(!entry.key().isEmpty() && !entry.value().isEmpty());
     }
-    // What is written is read as the same settings, and so written as the same text.
+    // Formatted settings must parse to the same settings, and format to the same text again.
     const QByteArray written = formatSettings(settings);
     SettingsMap again;
     applySettingsText(written, again);

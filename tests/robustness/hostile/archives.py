@@ -1,4 +1,4 @@
-"""Bytes that hostile packages are made of: headers, gzip streams, tar members."""
+"""The parts of hostile packages: headers, gzip streams, tar members."""
 import gzip
 import struct
 import tarfile
@@ -8,7 +8,7 @@ BLOCK = tarfile.BLOCKSIZE
 END = bytes(2 * BLOCK)  # of a tar archive
 
 APPLICATION, FIRMWARE, BIOS_IMAGE = 0, 1, 4
-# What the panel that the packages are for has installed.
+# Versions and names of the panel that the packages are for.
 RUNTIME_VERSION, BIOS_VERSION = 12, 3
 MODEL, OEM = b"RV-K21T", b"TALMERO"
 
@@ -22,7 +22,7 @@ def gz(data, level=9):
 
 
 def member(name, data=b"", kind=tarfile.REGTYPE, link="", mode=0o644, **fields):
-    """A tar member as tar writes it, but of any name, also one that tar would not write."""
+    """A tar member with any name, even one that tar would not write."""
     info = tarfile.TarInfo(name)
     info.size = len(data)
     info.type = kind
@@ -55,7 +55,7 @@ def device(name, kind, major, minor):
 
 
 def pax(records, data):
-    """An extended header with these records, in front of the member @p data."""
+    """An extended header with these records, followed by the member data."""
     lines = b""
     for key, value in records:
         length = len(key) + len(value) + 3
@@ -66,7 +66,7 @@ def pax(records, data):
 
 
 def patched(data, offset, field, checked=True):
-    """@p data with other bytes in its first tar header; the checksum made right, or left wrong."""
+    """Changes the first tar header of data. Corrects its checksum only if checked."""
     block = bytearray(data[:BLOCK])
     block[offset:offset + len(field)] = field
     if checked:
@@ -76,7 +76,7 @@ def patched(data, offset, field, checked=True):
 
 
 def base256(number, size):
-    """A number in a tar header's field that is too large for octal digits."""
+    """A field of a tar header with a number that is too large for octal digits."""
     return b"\x80" + number.to_bytes(size - 1, "big")
 
 
@@ -85,7 +85,7 @@ def archive(*members):
 
 
 def many_members(count):
-    """So many empty files, by hand: the library takes seconds for them."""
+    """A folder with count empty files. tarfile would take seconds to make them."""
     pattern = bytearray(member("many/000000"))
     start, rest = bytes(pattern[:5]), bytes(pattern[11:148])
     tail = bytes(pattern[156:])
@@ -98,7 +98,7 @@ def many_members(count):
 
 
 def zeros(megabytes):
-    """A member of zeros, compressed. A stream of many streams, so that it is made at once."""
+    """A compressed member of zeros. One compressed megabyte is repeated, which is fast."""
     info = tarfile.TarInfo("zeros")
     info.size = megabytes << 20
     head = info.tobuf(tarfile.GNU_FORMAT)

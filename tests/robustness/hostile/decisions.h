@@ -2,16 +2,16 @@
 
 #include <QByteArray>
 
-/// What verifying shall say of a hostile package, decided by a person.
+/// What "verify" must report about a hostile package.
 struct Decision
 {
-    const char *package; ///< file name without extension; with "*" at its end, all that start so
-    const char *error;   ///< the check that must find an error; null if the package is good
+    const char *package; ///< file name without extension; a final "*" matches any rest
+    const char *error;   ///< the check that must report an error; null if the package is good
     const char *why;
 };
 
-/// The first row for the package @p name; null if nobody has decided about it.
+/// The first row that matches the package @p name; null if there is none.
 const Decision *findDecision(const QByteArray &name);
 
-/// Rows for which no package has asked; empty if there are none.
+/// The rows that findDecision() has never returned; empty if there are none.
 QByteArray unusedDecisions();

@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 
 namespace {
-constexpr qint64 largestRead = 1 << 20; // bytes; of a larger file the size has to tell enough
+constexpr qint64 largestRead = 1 << 20; // bytes; of a larger file only the size is compared
 constexpr mode_t specialBits = 07000;
 
 QByteArray parentOf(const QByteArray &path)
@@ -18,7 +18,7 @@ QByteArray parentOf(const QByteArray &path)
     return path.left(path.lastIndexOf('/'));
 }
 
-/// Without bytes that would break a table, and without the random part of a temporary file's name.
+/// The path with escaped special bytes, and with "*" for the name of a temporary file.
 QByteArray shownPath(const QByteArray &path)
 {
     static const QRegularExpression temporary("^/tmp/[^/]+\\.[A-Za-z]{6}$");
@@ -63,7 +63,7 @@ QByteArray contentOf(const QByteArray &path, const struct stat &status)
     if (!S_ISREG(status.st_mode)) {
         return QByteArray::number(quint64(status.st_rdev));
     }
-    // A further name of the file is a change of it.
+    // A new hard link counts as a change of the file.
     QByteArray size = QByteArray::number(qint64(status.st_size)) + ' '
         + QByteArray::number(quint64(status.st_nlink));
     if (status.st_size == 0 || status.st_size > largestRead) {
@@ -92,7 +92,7 @@ void DiskSnapshot::addBelow(const QByteArray &folder)
     for (std::filesystem::recursive_directory_iterator entry(path, missing), end; entry != end;
          ++entry) {
         const QByteArray name = QByteArray::fromStdString(entry->path().string());
-        // Folders of the test program itself come and go, and so does what the checkout holds.
+        // Skips the temporary folders of the test program itself, and the checkout.
         const bool isOwn = name.startsWith("/tmp/tst_") && entry->is_directory();
         if (isOwn || name == checkout) {
             entry.disable_recursion_pending();

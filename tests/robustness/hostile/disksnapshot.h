@@ -4,24 +4,24 @@
 #include <QList>
 #include <QMap>
 
-/// What is on the panel's disk at a moment, with names of any bytes and files of any kind.
+/// The contents of the panel's disk at one moment. Handles any names and any types of files.
 class DiskSnapshot
 {
 public:
-    /// Looks at all that is below @p folders, and at what lies directly in "/".
+    /// Records everything below @p folders, and the entries of "/" itself.
     explicit DiskSnapshot(const QList<QByteArray> &folders);
 
-    /// What is different in @p later, a text per name in the order of the names: "+" if it is new,
-    /// "-" if it is gone, "~" if it is changed; then the path and, as "ls -F" prints it, what it
-    /// is, with "%" for a device; then special bits of the mode. Only the topmost of new folders
-    /// and of those that are gone are named, with the number of entries below.
+    /// The differences in @p later, one text per path, in the order of the paths: "+" for new, "-"
+    /// for removed, "~" for changed; the path; the type as in "ls -F", with "%" for a device;
+    /// special bits of the mode. Of new and removed folders, only the topmost is listed, with the
+    /// number of entries below it.
     QList<QByteArray> changesTo(const DiskSnapshot &later) const;
 
 private:
     struct Entry
     {
-        QByteArray suffix;  ///< what a text of a change ends with
-        QByteArray content; ///< all else by which a change is noticed
+        QByteArray suffix;  ///< type and special bits, as in a change
+        QByteArray content; ///< everything else that is compared
         bool operator==(const Entry &other) const = default;
     };
     using Entries = QMap<QByteArray, Entry>;

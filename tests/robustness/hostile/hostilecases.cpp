@@ -19,7 +19,7 @@ constexpr char smallTemporary[] = "/run/small";
 constexpr char applicationFolder[] = "/home/dest";
 constexpr int mountCount = 12;
 
-/// The fields of each line of a table of the generator.
+/// The lines of the generator's table @p name, split into fields.
 QList<QList<QByteArray>> tableLines(const QByteArray &name)
 {
     static const bool made = [] {
@@ -50,7 +50,7 @@ HostileCase caseOf(const QList<QByteArray> &fields)
     return hostile;
 }
 
-/// The panel and, in "/outside", a tree that no package is to touch.
+/// Restores the panel and, in "/outside", a tree that no package may touch.
 void resetPanel()
 {
     resetInstalledFiles();

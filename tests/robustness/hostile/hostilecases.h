@@ -6,9 +6,9 @@
 
 #include <memory>
 
-// The packages and stick folders of the generator beside this file, and the panel for them.
+// The packages and stick folders that make-sticks generates, and the panel for them.
 
-/// Packages that are installed one after the other.
+/// Packages that are installed in this order.
 struct HostileCase
 {
     QByteArray group;
@@ -16,8 +16,8 @@ struct HostileCase
     QList<QByteArray> paths;
     QList<int> results;
     QByteArray setup;
-    QByteArray hazard;  ///< what is dangerous and known; "-" if nothing is
-    QByteArray changes; ///< as DiskSnapshot tells them; "*" for anything below the application
+    QByteArray hazard;  ///< the known hazard; "-" if there is none
+    QByteArray changes; ///< as in DiskSnapshot; "*" for any below the application folder
 };
 
 struct HostileTree
@@ -27,24 +27,24 @@ struct HostileTree
     int rows;
 };
 
-/// Both are generated once in a test program, from the seed in HOSTILE_SEED, 1 without that.
+/// Generated once per test program. HOSTILE_SEED sets the seed; the default is 1.
 const QList<HostileCase> &hostileCases();
 const QList<HostileTree> &hostileTrees();
 
-/// Whether the volume of the long run is asked for, by HOSTILE_ALL.
+/// Whether HOSTILE_ALL is set, for the long run with all packages.
 bool takesAllCases();
 
-/// Runs the generator. The test program ends if it fails.
+/// Runs the generator; qFatal() if it fails.
 void makeSticks(int seed, const QByteArray &folder);
 
-/// What a package may touch and what it must not touch. /etc and other folders that are large are
-/// in it on demand.
+/// The folders that are compared: those that a package may change, and some that it must not. With
+/// @p all also large ones, such as /etc.
 QList<QByteArray> watchedFolders(bool all = false);
 
-/// Puts the application in place that was there before the first package.
+/// Restores the application that was installed before the first package.
 void resetApplication();
 
-/// The panel as a case needs it, for as long as this lives. Around the folders lies a guard tree.
+/// Sets the panel up for a case, while this object lives, with a guard tree outside its folders.
 class CasePanel
 {
 public:
@@ -52,7 +52,7 @@ public:
     ~CasePanel();
     Q_DISABLE_COPY_MOVE(CasePanel)
 
-    /// Compares what was on the disk with what is there now.
+    /// The changes on the disk since this object was made.
     QList<QByteArray> changes() const;
 
 private:
@@ -60,18 +60,18 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/// Why @p changes are not those that @p hostile shall make; nothing if they are.
+/// Compares @p changes with the expected ones. Result: the difference; empty if there is none.
 QByteArray wrongChanges(const HostileCase &hostile, const QList<QByteArray> &changes);
 
-/// Removes the temporary file that a package of an unknown kind leaves. Result: what it held;
-/// nothing if there is none.
+/// Removes the temporary file that a package of an unknown kind leaves. Result: its content; empty
+/// if there is no such file.
 QByteArray takeKeptFile();
 
-/// A line of the table that the long run prints.
+/// Prints a row of the table for the long run.
 void printRow(const QByteArray &name, const QByteArray &result, const QByteArray &changes,
               qint64 milliseconds);
 
-/// Puts a stick's folder into itself several times, for as long as this lives.
+/// Mounts a stick's folder inside itself several times, while this object lives.
 class MountRing
 {
 public:

@@ -1,4 +1,4 @@
-"""Hostile packages whose tar archive is what is wrong with them."""
+"""Hostile packages with a correct header and a hostile tar archive."""
 import tarfile
 
 import archives
@@ -64,7 +64,7 @@ def leaving_names():
 
 
 def links():
-    """Within one package: tar puts links that lead out in place when all else is done."""
+    """Links within one package. tar creates links that lead out only after everything else."""
     out = "+/home/dest/out@"
     for name, target in {"absolute": "/outside", "relative": "../../outside"}.items():
         yield added(f"through-{name}-link", symlink("out", target), member("out/evil", EVIL),
@@ -105,20 +105,20 @@ def planted_links():
                changes=f"{STRIPPED} {planted} +/outside/evil[4755]")
     yield then("mode-of-a-folder", folder("out/folder", 0o777),
                changes=f"{STRIPPED} {planted} ~/outside/folder/")
-    # Where an application's folder is missing, a firmware may put a link there. Its removal of
-    # the old application and its archive then go through that.
+    # If the application folder is missing, a firmware may put a link there. The next application
+    # then removes and unpacks files through the link.
     firmware = header(FIRMWARE, archives.RUNTIME_VERSION, OEM) + archive(symlink("dest", "/outside"))
     yield Case("planted", "target-itself", [firmware, header() + archive(member("evil", EVIL))],
                [0, 0], f"{FIRMWARE_RAISED} +/home/dest@ -/outside/compile/(1) +/outside/evil",
                setup="no-target", hazard="a link in place of the folder is followed")
-    # A folder, or a file, takes the link's place.
+    # A folder or a file replaces the link.
     yield then("folder-first", folder("out"), member("out/evil", EVIL),
                changes=f"{STRIPPED} +/home/dest/out/(1)", hazard="-")
     yield then("file-instead", member("out", EVIL), changes=f"{STRIPPED} +/home/dest/out",
                hazard="-")
     yield in_turn("file-link", [archive(symlink("f", "/outside/guard")),
                                 archive(member("f", EVIL))], f"{STRIPPED} +/home/dest/f")
-    # "rm -rf" takes the link, not what it leads to.
+    # "rm -rf" removes the link, not its target.
     yield in_turn("application-folder", [archive(symlink("compile", "/outside")),
                                          archive(member("compile/new", EVIL))],
                   "+/home/dest/compile/new -/home/dest/compile/old")
@@ -127,7 +127,7 @@ def planted_links():
 
 
 def rights():
-    """What tar gives to files when root runs it."""
+    """Modes, owners and devices, which tar restores when root runs it."""
     for mode in (0o4755, 0o2755, 0o6755):
         yield added(f"mode-{mode:o}", member("evil", EVIL, mode=mode),
                     adds=f"+/home/dest/evil[{mode:o}]", hazard="special bits are unpacked")
@@ -140,7 +140,7 @@ def rights():
     yield added("foreign-owner", member("evil", EVIL, uid=12345, gid=54321),
                 adds="+/home/dest/evil", hazard="owners are unpacked")
     yield added("pipe", device("pipe", tarfile.FIFOTYPE, 0, 0), adds="+/home/dest/pipe|")
-    # The only one that the simulated panel has the right to make; a panel makes the others too.
+    # The only device that the simulated panel may create. A real panel creates the others, too.
     yield added("device-0-0", device("evil", tarfile.CHRTYPE, 0, 0), adds="+/home/dest/evil%",
                 setup="small-target", hazard="devices are unpacked")
     yield added("memory-device", device("evil", tarfile.CHRTYPE, 1, 1))

@@ -1,9 +1,9 @@
-"""Hostile packages, each with what the panel shall make of it.
+"""Hostile packages, each with its expected result and changes.
 
-Results are those of the installation. Changes are what is different on the disk afterwards:
-"+" for what is new, "-" for what is gone, "~" for what is changed, folders with the number of
-entries below them; "*" for anything below the folder that the package is unpacked in. A type
-follows the name as "ls -F" shows it ("%" for a device), special bits of the mode in brackets.
+Results are those of the installation. Changes are the differences on the disk afterwards: "+"
+for a new entry, "-" for a removed one, "~" for a changed one; "*" for any below the folder that
+the package is unpacked in. After the name follow its type as in "ls -F" ("%" for a device),
+special bits of the mode in brackets, and for a folder the number of entries below it.
 """
 import bz2
 import dataclasses
@@ -16,11 +16,11 @@ import archives
 from archives import (APPLICATION, BIOS_IMAGE, BIOS_VERSION, FIRMWARE, HEADER_SIZE, OEM,
                       RUNTIME_VERSION, archive, folder, gz, header, member, symlink)
 
-KEPT = "+/tmp/*"  # a temporary file that stays
-STRIPPED = "-/home/dest/compile/(1)"  # the old application has gone, nothing came
+KEPT = "+/tmp/*"  # a temporary file stays
+STRIPPED = "-/home/dest/compile/(1)"  # the old application is removed, nothing is installed
 INSTALLED = "+/home/dest/compile/new -/home/dest/compile/old"
 STAYS = "the temporary file stays"
-TOO_EARLY = "the old application goes before the archive is tried"
+TOO_EARLY = "the old application is removed before the archive is unpacked"
 RAISED = "the version is raised although nothing was unpacked"
 FIRMWARE_RAISED = "-/homde/dest/(1) ~/opt/talmero/bios/fwver"
 FIRMWARE_IN = "+/home/hostile/(1) " + FIRMWARE_RAISED
@@ -40,7 +40,7 @@ class Case:
     changes: str
     extension: str = "kpc"
     setup: str = "-"
-    hazard: str = "-"  # what is dangerous about it and known
+    hazard: str = "-"  # the known hazard
 
 
 def refused(group, name, package, result, extension="kpc"):
@@ -48,7 +48,7 @@ def refused(group, name, package, result, extension="kpc"):
 
 
 def application(group, name, payload, added="", **fields):
-    """One that passes the check."""
+    """An application that passes the header check."""
     changes = f"{STRIPPED} {added}".strip()
     return Case(group, name, [header() + payload], [0], changes, **fields)
 
@@ -132,7 +132,7 @@ def streams(random):
     }
     for name, payload in gone.items():
         yield application("gzip", name, payload, hazard=TOO_EARLY)
-    # Unpacked all the same: tar has the files before gzip comes to the end.
+    # These are unpacked: tar has written the files before gzip reports the error.
     come = {
         "wrong-checksum": GOOD[:-8] + bytes(4) + GOOD[-4:], "wrong-size": GOOD[:-4] + bytes(4),
         "rest-behind": GOOD + random.randbytes(100), "two-streams": gz(tar[:700]) + gz(tar[700:]),
@@ -149,7 +149,7 @@ def streams(random):
 
 
 def large():
-    """Takes tar longer than the panel gives it."""
+    """tar needs longer than its time limit."""
     yield application("large", "longer-than-30-s", archives.zeros(64 << 10), "+/home/dest/zeros",
                       setup="small-target")
 
@@ -171,8 +171,8 @@ def flip(name, package, bit):
 
 
 def flips(random, count=1000):
-    """Single bits: all of a header, and some of two archives, one of which is not compressed within
-    its gzip stream, so that they reach the fields of tar's own headers."""
+    """Flips single bits: all of a header, and a sample of two archives. One of the archives is
+    stored uncompressed in its gzip stream, so that flips reach the tar headers."""
     files = (folder("compile") + member("compile/new", random.randbytes(300)) + symlink("l", "x")
              + member("bin/run", b"run\n", mode=0o755))
     head = 8 * HEADER_SIZE

@@ -1,4 +1,4 @@
-"""Folders of a stick that are hard to walk, each with what the panel shall list of it."""
+"""Folders of a stick that are hard to search, each with the number of listed packages."""
 import dataclasses
 import os
 import socket
@@ -60,7 +60,7 @@ def folders_named_as_packages():
 
 
 def deep():
-    """A path may have 4,095 bytes; the package at the end has a longer one."""
+    """The path of the last package exceeds the limit of 4,095 bytes."""
     for depth in range(4000):
         if depth in (1, 1000, 2000, 3999):
             write("x.kpc")
@@ -69,13 +69,13 @@ def deep():
 
 
 def mount_ring():
-    """The test puts the folder into itself several times."""
+    """The test mounts the folder inside itself several times."""
     write("x.kpc")
     os.mkdir("again")
 
 
 def hard_names():
-    """Each of them installs a file of its own."""
+    """Each package installs a different file."""
     names = ["n" * 251, "line\nfeed", "no\udcff\udcc3utf-8", "esc\x1b]0;x\x07", "-rf", "%s%n",
              "<b>&amp;<img src=x>", "'; touch evil; '"]
     for number, name in enumerate(names):

@@ -13,10 +13,10 @@
 
 #include <memory>
 
-// The program's own code, on all packages and folders of the generator. Prints a table.
+// Runs the program's own code on all generated packages and folders. Prints a table.
 
 namespace {
-constexpr qint64 stepLimit = 30500; // ms: tar is cut off after 30 s
+constexpr qint64 stepLimit = 30500; // ms: tar is killed after 30 s
 constexpr qint64 walkLimit = 500;   // ms
 
 int installAny(const QByteArray &path)
@@ -35,7 +35,7 @@ QByteArray resultText(const QList<int> &results)
     return texts.join(", ");
 }
 
-/// Installs the packages of a case. The test fails if one takes too long.
+/// Installs the packages of a case. The test fails if one of them takes too long.
 QList<int> installAll(const HostileCase &hostile)
 {
     QList<int> results;
@@ -50,7 +50,7 @@ QList<int> installAll(const HostileCase &hostile)
     return results;
 }
 
-/// Checks results and changes. What an unknown kind leaves is removed.
+/// Checks results and changes. Removes the file that an unknown kind leaves.
 void judge(const HostileCase &hostile, const QList<int> &results, const QList<QByteArray> &changes)
 {
     QCOMPARE(results, hostile.results);
@@ -91,7 +91,7 @@ void TestHostilePackages::initTestCase()
 void TestHostilePackages::cleanupTestCase()
 {
     const CasePanel panel(hostileCases().first());
-    QCOMPARE(shellBytes("pgrep -x 'tar|gzip|rm' || true"), QByteArray()); // none goes on
+    QCOMPARE(shellBytes("pgrep -x 'tar|gzip|rm' || true"), QByteArray()); // none still runs
     QCOMPARE(m_before->changesTo(DiskSnapshot(watchedFolders(true))).join(' '), QByteArray());
 }
 
@@ -132,7 +132,7 @@ void TestHostilePackages::packages()
     judge(hostile, results, changes);
 }
 
-/// Too many for a row each; all that they may change is checked, the rest of the disk at the end.
+/// 1,000 packages, too many for rows. cleanupTestCase() compares the large folders.
 void TestHostilePackages::flippedBits()
 {
     const CasePanel panel(hostileCases().first());

@@ -19,17 +19,16 @@
 
 #include <sys/mount.h>
 
-// The real program, touched as a technician touches it, with the packages and folders of the
-// generator on its stick. Prints a table. With HOSTILE_ALL it takes every package, without it one
-// of each sort.
+// Installs the generated packages by touch on the real program, and lists the generated folders.
+// Prints a table. Takes a sample of the packages, or all of them with HOSTILE_ALL.
 
 namespace {
 constexpr char stick[] = "/media/usb0";
-constexpr qint64 installLimit = 30500; // ms: tar is cut off after 30 s
-constexpr qint64 pageLimit = 1500;     // ms until the list is shown and a screenshot has been taken
+constexpr qint64 installLimit = 30500; // ms: tar is killed after 30 s
+constexpr qint64 pageLimit = 1500;     // ms to show the list and take a screenshot
 constexpr int visibleRows = 8;
 
-/// Of packages that differ in a number alone a few are taken.
+/// Takes few of the packages that differ only in a number.
 bool isSample(const HostileCase &hostile, int indexInGroup)
 {
     if (hostile.group == "header" || hostile.group == "cut") {
@@ -42,7 +41,7 @@ bool isSample(const HostileCase &hostile, int indexInGroup)
                                  : indexInGroup % 5 == 0;
 }
 
-/// Those that the file transfer page lists, in a panel whose program has started before.
+/// Whether the file transfer page lists the packages, without restarting the program.
 bool canBeTapped(const HostileCase &hostile)
 {
     return !isListedAs(PackageType::BiosImage, hostile.paths.first())
@@ -57,7 +56,7 @@ void mountStick(const QByteArray &folder)
     }
 }
 
-/// The title of the box that is on the screen; empty without one.
+/// The title of the message box on the screen; empty if there is none.
 QByteArray shownBox()
 {
     for (const char *title : {"File Transfer", "File Transter"}) {
@@ -68,7 +67,7 @@ QByteArray shownBox()
     return {};
 }
 
-/// Whether there is text on it, which has smooth edges of many colours.
+/// Whether the picture shows text, whose smooth edges have many colours.
 bool isPainted(const QImage &picture)
 {
     QSet<QRgb> colors;
@@ -85,7 +84,7 @@ QByteArray boxTitle(int result)
     if (result == Installed) {
         return {};
     }
-    return result == OpenFileError ? "File Transter" : "File Transfer"; // so spelt for good
+    return result == OpenFileError ? "File Transter" : "File Transfer"; // misspelt; must stay
 }
 } // namespace
 
@@ -102,7 +101,7 @@ private slots:
     void wholeStick();
     void folders_data();
     void folders();
-    void hardNamesAreInstalled();
+    void packagesWithOddNamesAreInstalled();
 
 private:
     void openPage();
@@ -111,7 +110,7 @@ private:
     int rowsThatCanBeChosen();
 
     std::unique_ptr<FakeTools> m_tools;
-    std::unique_ptr<PanelProgram> m_program; // as long as it lives, so that what adds up is seen
+    std::unique_ptr<PanelProgram> m_program; // runs on, so that effects add up
     std::map<int, QImage> m_boxes;           // by the result
     QElapsedTimer m_timer;
     QByteArray m_shown;
@@ -153,8 +152,8 @@ void TestHostileSticks::openPage()
     QTRY_VERIFY(showsSettingsPage());
 }
 
-/// Puts a package on the stick, chooses it and taps OK. The test fails unless the screen then
-/// tells @p result, and in time.
+/// Puts a package on the stick, chooses it and taps OK. The test fails unless the screen shows
+/// @p result in time.
 void TestHostileSticks::installFirst(const QByteArray &package, int result)
 {
     const bool firmware = isListedAs(PackageType::Firmware, package);
@@ -184,7 +183,7 @@ void TestHostileSticks::installFirst(const QByteArray &package, int result)
     }
 }
 
-/// Boxes of one title are told by their pictures: there is one for each result.
+/// Several boxes have the same title. Compares pictures: one per result, each different.
 void TestHostileSticks::checkBox(const QByteArray &title, int result)
 {
     const auto picture
@@ -228,7 +227,7 @@ void TestHostileSticks::packages()
              keeps ? readFile(hostile.paths.last()).mid(packageHeaderSize) : QByteArray());
 }
 
-/// How many of the rows on the screen a tap chooses.
+/// Taps the visible rows in turn. Result: how many could be chosen.
 int TestHostileSticks::rowsThatCanBeChosen()
 {
     int rows = 0;
@@ -283,7 +282,7 @@ void TestHostileSticks::folders()
     QVERIFY(elapsed < pageLimit);
 }
 
-void TestHostileSticks::hardNamesAreInstalled()
+void TestHostileSticks::packagesWithOddNamesAreInstalled()
 {
     const CasePanel panel(hostileCases().first());
     for (const HostileTree &tree : hostileTrees()) {

@@ -16,12 +16,12 @@
 
 #include <algorithm>
 
-// What is said of each hostile package before it is carried to the panel for which it was made.
+// Verifies each hostile package, as a supplier would before delivering it.
 
 using namespace MkPackage;
 
 namespace {
-constexpr qint64 timeLimit = 10000; // ms a package, the largest of which come to 400 MB
+constexpr qint64 timeLimit = 10000; // ms per package; the largest unpack to 400 MB
 
 Verification verifyFile(const QByteArray &path)
 {
@@ -46,8 +46,8 @@ QStringList errorsOf(const Verification &found, const QByteArray &check = {})
     return errors;
 }
 
-/// The packages with one wrong bit whose bit changes nothing: what counts of the header is not
-/// touched, and another reader of gzip data finds the same archive in most of them.
+/// The packages whose flipped bit makes no difference: kind, version and target are unchanged, and
+/// Python unpacks the same archive as from most of the packages.
 QSet<QByteArray> harmlessFlips()
 {
     static const char script[] = R"py(
@@ -69,7 +69,7 @@ print("\n".join(path for path in archives if archives[path] == right))
     return {paths.begin(), paths.end()};
 }
 
-/// The panel's own words for a refusal must be in what is said of its package.
+/// If the panel refuses a package, verify must quote the panel's message.
 void checkRefusal(const HostileCase &hostile, int result, const Verification &found)
 {
     const PackageRefusal *refusal = findPackageRefusal(result);
@@ -119,7 +119,7 @@ void TestHostileVerify::packages()
     const QByteArray &path = hostile.paths.at(file);
     const Decision *decision
         = findDecision(QFileInfo(QString::fromUtf8(path)).completeBaseName().toUtf8());
-    QVERIFY2(decision != nullptr, "somebody must decide whether this package is harmful");
+    QVERIFY2(decision != nullptr, "decisions.cpp has no row for this package");
     QElapsedTimer timer;
     timer.start();
     const Verification found = verifyFile(path);
@@ -133,7 +133,7 @@ void TestHostileVerify::packages()
     checkRefusal(hostile, hostile.results.at(file), found);
 }
 
-/// Too many for a row each.
+/// 1,000 packages, too many for rows.
 void TestHostileVerify::flippedBits()
 {
     const QSet<QByteArray> harmless = harmlessFlips();

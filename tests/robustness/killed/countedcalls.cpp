@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 namespace {
-int callsLeft = 0; // 0: nothing is counted
+int callsLeft = 0; // 0: not counting
 
 void countCall()
 {
@@ -33,7 +33,7 @@ void countChange(int descriptor)
     }
 }
 
-/// Whether a file without a name is asked for; a folder that is opened shares a bit with it.
+/// Whether the flags ask for an unnamed file. O_TMPFILE includes O_DIRECTORY, so test all bits.
 bool isUnnamed(int flags)
 {
     return (flags & O_TMPFILE) == O_TMPFILE;
@@ -59,7 +59,7 @@ void killAtCall(int number)
     callsLeft = number;
 }
 
-// The toolkit's library calls these in place of the C library's.
+// Qt calls these instead of the functions of the C library.
 extern "C" {
 int open64(const char *path, int flags, ...)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// From now on every call that changes files is counted, and the process is killed, as by a power
-/// cut, in place of the one with the number @p number, from 1 on; 0 ends the count. A program that
-/// uses this calls the kernel through functions of its own.
+/// Counts the calls that change files, from now on. Kills the process, as a power cut would,
+/// instead of making call @p number, which counts from 1. 0 stops counting. A program that links
+/// this gets its own versions of these functions of the C library.
 void killAtCall(int number);

@@ -1,5 +1,5 @@
-// Saves one thing and is killed on the way: savestep WHAT NUMBER. Ends with status 0 if the save
-// needs fewer calls than NUMBER.
+// Makes one save and kills itself at its call NUMBER: savestep WHAT NUMBER. Exits with status 0 if
+// the save needs fewer calls.
 
 #include "countedcalls.h"
 #include "packages/packageinstaller.h"
@@ -18,7 +18,7 @@
 #include <QTest>
 
 namespace {
-/// The second port's fixed address, typed and confirmed on the page.
+/// Enters a fixed address for the second port and taps OK.
 void saveNetwork(int number)
 {
     const SettingsPage page("Ethernet:3", "kept=1\n");
@@ -27,7 +27,7 @@ void saveNetwork(int number)
     page.page()->findChild<QLineEdit *>("ip_address_lineEdit2")->setText("10.0.0.9");
     killAtCall(number);
     page.leave("ok");
-    killAtCall(0); // what comes is no save
+    killAtCall(0); // the save is complete
 }
 
 void saveSettings(int number)
@@ -85,7 +85,7 @@ int main(int argc, char *argv[])
     for (const Save &save : saves) {
         if (arguments.size() == 3 && arguments.at(1) == save.name) {
             save.run(arguments.at(2).toInt());
-            killAtCall(0); // a coverage build writes its counters at the end: that is no save
+            killAtCall(0); // a coverage build now writes its counters, which do not count
             return EXIT_SUCCESS;
         }
     }

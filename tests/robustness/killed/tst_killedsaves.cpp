@@ -16,9 +16,9 @@
 using namespace Kinds;
 
 namespace {
-constexpr int mostCalls = 200; // a save that needs more does not end
+constexpr int mostCalls = 200; // more than any save needs
 
-/// How often a file was found in each state.
+/// How often each state of a file was found.
 using Counts = QMap<QByteArray, int>;
 
 bool saveIsKilled(const QString &what, int number)
@@ -36,7 +36,7 @@ bool saveIsKilled(const QString &what, int number)
     return wasKilled;
 }
 
-/// What is at @p path after a save was killed.
+/// Compares the file at @p path with its content before and after a complete save.
 QByteArray stateOf(const QByteArray &path, const QByteArray &before, const QByteArray &after)
 {
     const QByteArray found = readFile(path);
@@ -49,7 +49,7 @@ QByteArray stateOf(const QByteArray &path, const QByteArray &before, const QByte
     return found.isEmpty() ? "empty" : "part";
 }
 
-/// Files beside the named ones, which are left by a save that ended too early.
+/// Removes the files in @p folder other than @p known. Result: their number.
 int leftBeside(const QString &folder, const QStringList &known)
 {
     QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden);
@@ -60,8 +60,8 @@ int leftBeside(const QString &folder, const QStringList &known)
     return int(names.size());
 }
 
-/// Kills the save @p what at each of its calls in turn; @p look says what is found after each. The
-/// last one is not killed.
+/// Runs the save @p what again and again and kills it one call later each time, until it completes.
+/// @p prepare runs before each save. @p look then returns the state that the save has left.
 Counts killAtEachCall(const char *what, const std::function<void()> &prepare,
                       const std::function<QByteArray()> &look)
 {
@@ -88,7 +88,7 @@ private slots:
     void settingsMayBeEmpty();
     void versionMayBeEmpty();
     void rulesAreOldOrNew();
-    void fontIsWholeOrNotThere();
+    void fontIsCompleteOrMissing();
     void applicationLeavesAtMostItsArchive();
 };
 
@@ -147,7 +147,7 @@ void TestKilledSaves::rulesAreOldOrNew()
     QCOMPARE(counts.keys(), (QList<QByteArray>{"new", "old"}));
 }
 
-void TestKilledSaves::fontIsWholeOrNotThere()
+void TestKilledSaves::fontIsCompleteOrMissing()
 {
     const QByteArray font(3000, 'f');
     const QByteArray copy = QByteArray(Paths::fontFolder) + "new.ttf";

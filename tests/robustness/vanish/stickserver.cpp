@@ -1,5 +1,5 @@
-// A stick that goes away: a file system of its own that shows the files of a folder until so many
-// bytes of them were read, or so many folders listed. VanishingStick starts it.
+// Serves the file system of a stick that vanishes: it shows the files of a folder until BYTES bytes
+// of them were read, or FOLDERS folders were listed. VanishingStick starts it.
 
 #define FUSE_USE_VERSION 31
 
@@ -47,7 +47,7 @@ int resultOf(long long result)
     return result < 0 ? -errno : static_cast<int>(result);
 }
 
-/// The server goes on only where the stick was unmounted, for those who have files open.
+/// Ends the stick. After an unmount the server continues, for files that are still open.
 void goAway()
 {
     if (stick.end == "unmounted") {
@@ -91,11 +91,11 @@ int openFile(const char *path, fuse_file_info *info)
 {
     const int descriptor = open(sourcePath(path).c_str(), O_RDONLY | O_CLOEXEC);
     info->fh = static_cast<uint64_t>(descriptor);
-    info->direct_io = 1; // each read comes here as it is made, without a page more
+    info->direct_io = 1; // without the kernel's read-ahead
     return descriptor < 0 ? -errno : 0;
 }
 
-/// The last bytes that can still be read are given as a short read, as a disk's are.
+/// Before the stick vanishes, a read returns fewer bytes than asked for, as on a real disk.
 int readFile(const char *, char *bytes, size_t size, off_t offset, fuse_file_info *info)
 {
     if (stick.bytes == 0) {
@@ -116,7 +116,7 @@ int closeFile(const char *, fuse_file_info *info)
     return resultOf(close(static_cast<int>(info->fh)));
 }
 
-/// Serves until the stick is unmounted and nobody has a file of it open any more.
+/// Serves until the stick is unmounted and all its files are closed.
 bool serve(char *program)
 {
     fuse_operations operations = {};

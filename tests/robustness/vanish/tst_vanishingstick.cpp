@@ -16,8 +16,9 @@
 
 #include <memory>
 
-// Sticks that really go away below the program: pulled, unmounted, or without an answer. With
-// STICK_STEP a package is cut at each so many bytes; with STICK_HANG a stick hangs so many ms.
+// Takes sticks away while the program reads them: pulled, unmounted or hanging. STICK_STEP sets the
+// distance in bytes between two places where a package is cut, STICK_HANG the ms that a stick
+// hangs.
 
 using End = VanishingStick::End;
 
@@ -27,7 +28,7 @@ constexpr char mountPoint[] = "/media/usb0";
 constexpr char package[] = "/media/usb0/new.kpc";
 constexpr char fontFolder[] = "/usr/share/fonts/truetype/freefont";
 constexpr int noiseSize = 1000000;
-constexpr int installLimit = 5000; // ms: tar has little to do
+constexpr int installLimit = 5000; // ms for a package of 1 MB
 constexpr int hangSlack = 500;     // ms
 
 int fromEnvironment(const char *name, int usual)
@@ -35,7 +36,7 @@ int fromEnvironment(const char *name, int usual)
     return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : usual;
 }
 
-/// What gzip makes no smaller.
+/// Incompressible bytes.
 const QByteArray &noise()
 {
     static const QByteArray bytes = [] {
@@ -48,7 +49,7 @@ const QByteArray &noise()
     return bytes;
 }
 
-/// An application package of 1 MB that this panel takes.
+/// An application package of 1 MB for this panel.
 const QByteArray &largePackage()
 {
     static const QByteArray bytes
@@ -56,7 +57,7 @@ const QByteArray &largePackage()
     return bytes;
 }
 
-/// The file transfer page, or the one for fonts, on which rows are tapped.
+/// The file transfer page or the font page.
 class Page : public SettingsPage
 {
 public:
@@ -91,13 +92,13 @@ private slots:
     void packageIsCutAnywhere_data();
     void packageIsCutAnywhere();
     void openPackageOutlivesItsMount();
-    void screenOfAPackage_data();
-    void screenOfAPackage();
-    void fontIsWholeOrNotThere_data();
-    void fontIsWholeOrNotThere();
+    void messageAfterAPackage_data();
+    void messageAfterAPackage();
+    void fontIsCompleteOrMissing_data();
+    void fontIsCompleteOrMissing();
     void listingEndsWhereTheStickDoes_data();
     void listingEndsWhereTheStickDoes();
-    void deadMountHidesNoOtherStick();
+    void deadMountDoesNotHideOtherSticks();
     void hangingReadIsWaitedFor();
 
 private:
@@ -150,7 +151,8 @@ void TestVanishingStick::packageIsCutAnywhere()
             timer.start();
             result = installPackage(package);
             QVERIFY(timer.elapsed() < installLimit);
-            QVERIFY(!fileExists(package)); // gone even at its end, behind which is one more read
+            QVERIFY(
+                !fileExists(package)); // gone even after the last byte: the program reads once more
         }
         const bool hasHeader = place >= packageHeaderSize;
         QCOMPARE(result, int(hasHeader ? Installed : OpenFileError));
@@ -176,20 +178,20 @@ void TestVanishingStick::openPackageOutlivesItsMount()
     }
 }
 
-void TestVanishingStick::screenOfAPackage_data()
+void TestVanishingStick::messageAfterAPackage_data()
 {
     QTest::addColumn<End>("end");
     QTest::addColumn<int>("place");
     QTest::addColumn<QString>("box");
-    const QString openError = "File Transter: Open File Error"; // so misspelt
+    const QString openError = "File Transter: Open File Error"; // misspelt; must stay
     QTest::newRow("pulled in the header") << End::Pulled << 10 << openError;
-    QTest::newRow("pulled behind it") << End::Pulled << 70000 << QString();
+    QTest::newRow("pulled after the header") << End::Pulled << 70000 << QString();
     QTest::newRow("torn off in the header") << End::TornOff << 10 << openError;
-    QTest::newRow("torn off behind it") << End::TornOff << 70000 << QString();
+    QTest::newRow("torn off after the header") << End::TornOff << 70000 << QString();
     QTest::newRow("unmounted") << End::Unmounted << 10 << QString();
 }
 
-void TestVanishingStick::screenOfAPackage()
+void TestVanishingStick::messageAfterAPackage()
 {
     QFETCH(End, end);
     QFETCH(int, place);
@@ -209,7 +211,7 @@ void TestVanishingStick::screenOfAPackage()
     QCOMPARE(rowTexts(page.table()), QStringList());
 }
 
-void TestVanishingStick::fontIsWholeOrNotThere_data()
+void TestVanishingStick::fontIsCompleteOrMissing_data()
 {
     QTest::addColumn<End>("end");
     QTest::addColumn<int>("place");
@@ -221,8 +223,8 @@ void TestVanishingStick::fontIsWholeOrNotThere_data()
     }
 }
 
-/// All but what is copied from a stick that is there to the end, the read behind its last byte too.
-void TestVanishingStick::fontIsWholeOrNotThere()
+/// Even a stick that vanishes after the last byte loses the font: the copy reads once more.
+void TestVanishingStick::fontIsCompleteOrMissing()
 {
     QFETCH(End, end);
     QFETCH(int, place);
@@ -259,12 +261,12 @@ void TestVanishingStick::listingEndsWhereTheStickDoes()
     for (int folders = 0; folders < 3; ++folders) {
         const VanishingStick stick(source, mountPoint, end, {.folders = folders});
         const Page page;
-        // One that was opened before is listed to its end where nothing else was done.
+        // After "umount -l", a folder that is already open can be listed to its end.
         QCOMPARE(page.table()->rowCount(), end == End::Unmounted ? folders + 1 : folders);
     }
 }
 
-void TestVanishingStick::deadMountHidesNoOtherStick()
+void TestVanishingStick::deadMountDoesNotHideOtherSticks()
 {
     writeFile("/media/other/b.ttf", "font");
     {
@@ -278,7 +280,7 @@ void TestVanishingStick::deadMountHidesNoOtherStick()
     shellBytes("rm -r /media/other");
 }
 
-/// Whatever the time: a read that hangs cannot be given up by the one who reads.
+/// The program cannot interrupt a read that hangs.
 void TestVanishingStick::hangingReadIsWaitedFor()
 {
     const int hangTime = fromEnvironment("STICK_HANG", 700);

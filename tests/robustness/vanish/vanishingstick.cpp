@@ -35,7 +35,7 @@ VanishingStick::VanishingStick(const QByteArray &source, const QByteArray &mount
 
 VanishingStick::~VanishingStick()
 {
-    umount2(m_mountPoint, MNT_DETACH); // fails where it is unmounted already
+    umount2(m_mountPoint, MNT_DETACH); // fails if it is already unmounted
     pull();
 }
 

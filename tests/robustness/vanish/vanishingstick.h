@@ -3,25 +3,26 @@
 #include <QByteArray>
 #include <QProcess>
 
-/// A stick with a file system of its own, served by a process, that goes away while it is used.
+/// A stick that vanishes while it is used. A process serves its file system.
 class VanishingStick
 {
 public:
     enum class End {
-        Pulled,    ///< what serves it is killed: the mount stays, and each use of it fails
-        Unmounted, ///< "umount -l": files that are open can be read to their end
-        TornOff,   ///< "umount -f -l": files that are open cannot be read any more
-        Hangs,     ///< gives no answer for a time, then is pulled
+        Pulled,    ///< the server is killed: the mount stays, and each access fails
+        Unmounted, ///< "umount -l": open files can be read to their end
+        TornOff,   ///< "umount -f -l": reading open files fails
+        Hangs,     ///< does not answer for a time, then is pulled
     };
 
+    /// When the stick vanishes: at the first read or listing beyond these numbers.
     struct After
     {
-        qint64 bytes = -1; ///< that were read; -1: however many
-        int folders = -1;  ///< that were listed
+        qint64 bytes = -1; ///< read so far; -1: no limit
+        int folders = -1;  ///< listed so far; -1: no limit
     };
 
-    /// Mounts the files of the folder @p source at @p mountPoint. The test program ends if that
-    /// fails. @p hangTime is in ms.
+    /// Mounts the files of the folder @p source at @p mountPoint; qFatal() if that fails. A stick
+    /// that hangs does so for @p hangTime ms.
     VanishingStick(const QByteArray &source, const QByteArray &mountPoint, End end, After after,
                    int hangTime = 0);
     ~VanishingStick();

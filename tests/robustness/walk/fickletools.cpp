@@ -6,7 +6,7 @@ namespace {
 struct Tool
 {
     const char *name;
-    const char *answer; ///< shell text: what a real one prints
+    const char *answer; ///< shell text that prints what the real tool would
 };
 
 constexpr Tool tools[] = {
@@ -25,7 +25,7 @@ constexpr Tool tools[] = {
     {"xset", ":"},
 };
 
-// What stands before the answer, for each mood.
+// Shell text that runs before the answer, one per mood.
 constexpr const char *moodTexts[FickleTools::moods] = {
     "",
     "exit 1",

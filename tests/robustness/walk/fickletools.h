@@ -2,22 +2,22 @@
 
 #include "faketools.h"
 
-/// Stand-ins for the tools of the program that answer as real ones do, and do not when told so.
+/// Stand-ins for the program's tools. They answer like the real ones, or misbehave on request.
 class FickleTools
 {
 public:
     FickleTools();
 
-    /// The ways in which all tools behave, the first of them as real ones.
+    /// Number of moods. In mood 0 the tools answer like the real ones.
     static constexpr int moods = 7;
 
-    /// Makes all tools behave in way @p mood, 0 to moods - 1.
+    /// Puts all tools into @p mood, from 0 to moods - 1.
     void setMood(int mood);
 
-    /// Makes the touch controller say that a finger is on the screen, or that none is.
+    /// Makes the touch controller report whether a finger is on the screen.
     void setFinger(bool isDown);
 
-    /// Drops the record of the runs, which grows for ever.
+    /// Deletes the record of calls, which would grow forever.
     void forgetCalls() { m_tools.forgetCalls(); }
 
 private:

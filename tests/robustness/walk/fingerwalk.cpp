@@ -11,12 +11,12 @@
 #include <QWindow>
 
 namespace {
-constexpr int moodLength = 60;   // steps between two changes of how the tools behave
-constexpr int rescueHold = 2600; // ms: more than two seconds, seen by a poll
-constexpr int longestHold = 120; // ms of the others
+constexpr int moodLength = 60;   // steps until the mood of the tools changes
+constexpr int rescueHold = 2600; // ms: two seconds, and time for the polls to notice
+constexpr int longestHold = 120; // ms, for all other holds
 constexpr int dragSteps = 4;
-constexpr int candidates = 30;  // of which one is touched
-constexpr int waitForTouch = 5; // ms
+constexpr int candidates = 30;  // compared before one is touched
+constexpr int waitForTouch = 5; // ms until the next look whether the touch has ended
 
 bool canBeTouched(const QWidget *widget)
 {
@@ -24,7 +24,7 @@ bool canBeTouched(const QWidget *widget)
         && widget->testAttribute(Qt::WA_WState_Created);
 }
 
-/// The widgets of @p window that may react to a finger, the small ones: not their containers.
+/// The widgets of @p window that may react to touches, without containers and labels.
 QList<QWidget *> touchables(const QWidget *window)
 {
     QList<QWidget *> found;
@@ -49,7 +49,7 @@ QWidget *visibleKeypad()
     return nullptr;
 }
 
-/// The window that lies above the others without being modal, for example a pixel test.
+/// The topmost window that is not modal, for example a pixel test.
 QWidget *topWindow()
 {
     QWidget *top = nullptr;
@@ -57,13 +57,13 @@ QWidget *topWindow()
         const bool isWindow = widget->windowType() == Qt::Window
             || widget->windowType() == Qt::Dialog || widget->isFullScreen();
         if (isWindow && widget->isVisible() && !widget->inherits("MyInputPanel")) {
-            top = widget; // the last one shown is the last of the list
+            top = widget; // Qt lists the window that was shown last at the end
         }
     }
     return top;
 }
 
-/// What counts as the same thing: the class, its name and the window that it is in.
+/// Widgets of the same class and name in the same kind of window count as one kind.
 QString kindOf(const QWidget *widget)
 {
     return QString("%1 %2 in %3")
@@ -90,12 +90,12 @@ void FingerWalk::runFor(int steps)
     m_sinceStep.start();
     QTimer::singleShot(0, this, &FingerWalk::takeStep);
     QApplication::exec();
-    m_lastStep = 0; // what is left in the queue does nothing
+    m_lastStep = 0; // steps that are still queued must do nothing
     QApplication::processEvents();
 }
 
-/// The next step is asked for before this one is taken: a dialog that opens now runs an event loop
-/// of its own, in which it has to be touched.
+/// Schedules the next step before taking this one: if a dialog opens now, its own event loop has to
+/// run the next step.
 void FingerWalk::takeStep()
 {
     if (m_step >= m_lastStep) {
@@ -103,7 +103,7 @@ void FingerWalk::takeStep()
         return;
     }
     if (m_isTouching) {
-        QDrag::cancel(); // of text: waits for the finger to be lifted, which comes only behind it
+        QDrag::cancel(); // dragged text blocks until the release, which would never come
         QTimer::singleShot(waitForTouch, this, &FingerWalk::takeStep);
         return;
     }
@@ -125,7 +125,7 @@ void FingerWalk::measurePause()
     }
 }
 
-/// Tools behave well most of the time.
+/// Chooses the normal mood most of the time.
 void FingerWalk::changeMood()
 {
     m_tools.setMood(chance(70) ? 0 : m_random.bounded(FickleTools::moods));
@@ -165,8 +165,8 @@ QWidget *FingerWalk::currentWindow()
     return modal != nullptr ? modal : topWindow();
 }
 
-/// Mostly something that reacts, of several the kind that was touched least, so that rare things
-/// come soon. Sometimes whatever is there.
+/// Mostly chooses a widget that reacts. Of several candidates it takes the kind that was touched
+/// least, so that rare ones come soon. Sometimes it chooses any place in the window.
 QWidget *FingerWalk::chooseTarget(QWidget *window)
 {
     const QList<QWidget *> all = touchables(window);
@@ -191,7 +191,7 @@ void FingerWalk::tap(QWidget *target, QPoint at)
         const QScopedValueRollback touching(m_isTouching, true);
         QTest::mousePress(window, Qt::LeftButton, {}, place);
     }
-    // Not within the press: a release may open a dialog.
+    // The release may open a dialog, so m_isTouching must be false by then.
     if (const QPointer<QWindow> alive = window) {
         QTest::mouseRelease(window, Qt::LeftButton, {}, place);
     }

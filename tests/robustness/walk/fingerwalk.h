@@ -9,13 +9,13 @@
 
 class QWidget;
 
-/// A finger that touches whatever it finds: buttons, fields, rows, the keypad, dialogs and bare
-/// ground of the program's windows, in an order that a seed determines.
+/// Touches the program's windows at random: buttons, fields, rows, the keypad, dialogs and empty
+/// space. A seed determines the order.
 class FingerWalk : public QObject
 {
     Q_OBJECT
 public:
-    /// Touches @p steps times in all, in a walk of this @p seed.
+    /// @p steps is the total number of touches.
     FingerWalk(quint32 seed, int steps);
 
     /// Whether all steps are done.
@@ -23,15 +23,14 @@ public:
 
     int step() const { return m_step; }
 
-    /// The longest time in ms from one step to the next one, and the step behind which it was.
+    /// The longest time in ms between two steps, and the number of the first of the two.
     qint64 longestPause() const { return m_longestPause; }
     int longestPauseStep() const { return m_longestPauseStep; }
 
-    /// How often each kind of thing was touched.
+    /// How often each kind of widget was touched.
     const QMap<QString, int> &touched() const { return m_touched; }
 
-    /// Runs the program's event loop, and touches its windows meanwhile, for so many steps or until
-    /// the program ends itself.
+    /// Runs the event loop and touches the windows, for @p steps steps or until the program quits.
     void runFor(int steps);
 
 private:
@@ -52,7 +51,7 @@ private:
     QMap<QString, int> m_touched;
     const int m_steps;
     int m_step = 0;
-    int m_lastStep = 0; ///< of this run of the program
+    int m_lastStep = 0; ///< at which runFor() returns
     qint64 m_longestPause = 0;
     int m_longestPauseStep = 0;
     bool m_isTouching = false; ///< between press and release

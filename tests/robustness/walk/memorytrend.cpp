@@ -10,18 +10,18 @@
 #include <malloc.h>
 
 namespace {
-constexpr int settledAfter = 3000; // steps: before, pages are visited for the first time
+constexpr int settledAfter = 3000; // steps; by then each page has been visited
 constexpr int longestStretch = 2000;
 constexpr int gradientsToFill = 100;
 
 #ifdef __SANITIZE_ADDRESS__
-constexpr bool countsMemory = false; // the sanitizer keeps what is freed
+constexpr bool countsMemory = false; // the sanitizer keeps freed memory
 #else
 constexpr bool countsMemory = true;
 #endif
 
-/// The toolkit keeps tables of 12 KB for the last gradients, at most 60. They come slowly, so they
-/// would look like growth: with more gradients than that there are as many each time.
+/// Fills Qt's cache of gradients, so that it has the same size at each measurement. It holds at
+/// most 60 tables of 12 KB and fills slowly, which would look like growth.
 void fillGradientCache()
 {
     QImage image(2, 1, QImage::Format_ARGB32_Premultiplied);
@@ -34,8 +34,8 @@ void fillGradientCache()
     }
 }
 
-/// Bytes that the program holds, without the toolkit's cache of pictures, which has a limit of its
-/// own (10 MB) and fills slowly.
+/// Bytes that the program has allocated, without Qt's cache of pictures. That has its own limit of
+/// 10 MB and fills slowly.
 size_t heapInUse()
 {
     QPixmapCache::clear();

@@ -2,16 +2,16 @@
 
 #include <cstddef>
 
-/// Tells whether the program holds more and more memory while it is touched. What is open at the
-/// moment takes some too, so the least of a stretch of the walk is taken: of one at the start, when
-/// each page has been visited and has brought its fonts and glyphs, and of one at the end.
+/// Tells whether the program's memory grows during a random walk. Open pages and dialogs need
+/// memory for a while, so this compares two minima: one over a stretch at the start, after each
+/// page has been visited and has loaded its fonts, and one over a stretch at the end.
 class MemoryTrend
 {
 public:
-    /// For a walk of @p steps. One that is too short tells nothing, nor does one with sanitizers.
+    /// @p steps is the length of the walk. A short walk, or one with sanitizers, gives no result.
     explicit MemoryTrend(int steps);
 
-    /// Looks at the memory after @p step.
+    /// Measures the memory after @p step.
     void look(int step);
 
     bool isKnown() const { return m_early > 0 && m_late > 0; }

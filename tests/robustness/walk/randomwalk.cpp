@@ -1,4 +1,4 @@
-// Touches the program's windows at random, for long, and looks whether it holds.
+// Touches the program's windows at random. Fails on a crash, a long pause or growing memory.
 
 #include "diskfiles.h"
 #include "factory/softwaresetup.h"
@@ -21,8 +21,8 @@
 #include <unistd.h>
 
 namespace {
-constexpr int stepsOfARun = 250; // then the panel is put in order and the walk goes on
-constexpr int pauseLimit = 8000; // ms: a hold of the finger and several slow tools
+constexpr int stepsOfARun = 250; // until the panel's files are restored
+constexpr int pauseLimit = 8000; // ms: a long hold and several slow tools
 constexpr double growthLimit = 1.02;
 
 std::unique_ptr<QWidget> createWindow(bool isFactory)
@@ -34,24 +34,24 @@ std::unique_ptr<QWidget> createWindow(bool isFactory)
     return std::make_unique<SoftwareSetup>();
 }
 
-/// Walks until the program ends itself or for some steps.
+/// Walks until the program quits, or until the next run of stepsOfARun steps is due.
 void walkOn(FingerWalk &walk, QWidget *window)
 {
-    window->show();           // the end of the program has hidden it
-    window->activateWindow(); // touches made here do not reach the server, which would do it
+    window->show();           // the last run may have closed it
+    window->activateWindow(); // simulated touches do not reach the X server, which would do this
     if (!QTest::qWaitForWindowActive(window)) {
         qFatal("the window does not become active");
     }
     walk.runFor(stepsOfARun - walk.step() % stepsOfARun);
     for (QWidget *left : QApplication::topLevelWidgets()) {
-        if (left->inherits("KPixelTestWidget")) { // frees itself when it is tapped through
+        if (left->inherits("KPixelTestWidget")) { // deletes itself only after the last tap
             delete left;
         }
     }
 }
 
-/// What a walk may wear out is put back: the runtime's script, an application, the calibration. New
-/// plugs close the serial ports without a verdict, each of which holds 64 KB.
+/// Restores what a walk may change: the runtime's script, an application, the calibration. Replaced
+/// plugs close the serial ports of unfinished tests, each of which holds 64 KB.
 void repairPanel()
 {
     writeFile(Paths::runtimeScript, "exit 0\n");
@@ -63,7 +63,7 @@ void repairPanel()
     QApplication::processEvents();
 }
 
-/// Where the figures go. What the tools print of their own goes nowhere.
+/// Standard output for the results. The output of the program's tools is discarded.
 FILE *figures()
 {
     static FILE *const kept = [] {
