@@ -44,8 +44,8 @@ needed=("${build_packages[@]}" "${panel_packages[@]}" "${test_packages[@]}" "${v
 [ "$quick" = yes ] ||
     needed+=("${check_packages[@]}" "${bench_packages[@]}" "${fuzz_packages[@]}")
 install_packages "${needed[@]}"
-# Most tests take two places. A test that mostly waits takes one, and can use the two extra places.
-places=$((2 * $(nproc) + 2))
+# Most tests take two places. A test spends half its time waiting, so more run than there are cores.
+places=$((4 * $(nproc)))
 build_preset release
 if [ "$quick" = no ]; then
     scripts/check-code.sh build

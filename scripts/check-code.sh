@@ -1,18 +1,23 @@
 #!/usr/bin/env bash
 # Checks format, include rules, documents, scripts, man pages and code.
-# Usage: scripts/check-code.sh BUILD_FOLDER [--tests]
+# Usage: scripts/check-code.sh BUILD_FOLDER [--thorough]
 # The folder must be configured, because clang-tidy reads its compile_commands.json. clang-tidy
-# checks the tests only with --tests, which doubles the time. A clean file is not checked again
-# until it or a header changes.
+# checks the tests, and runs clang's static analyzer, only with --thorough: each doubles the time.
+# A clean file is not checked again until it or a header changes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=${1:?build folder}
 tested=':!tests'
-[ "${2:-}" != --tests ] || tested='*.cpp'
-
-# The commands without the precompiled headers of tests: gcc's are none for clang, and would hide what
-# a file forgets to include.
+export extra_checks='-clang-analyzer-*'
 stamps=$build/clang-tidy
+if [ "${2:-}" = --thorough ]; then
+    tested='*.cpp'
+    extra_checks=
+    stamps=$build/clang-tidy-thorough
+fi
+
+# Compile commands without the precompiled headers of tests: clang cannot read those of gcc, and
+# they would hide a missing include.
 mkdir -p "$stamps"
 sed 's/ -Winvalid-pch -include .*cmake_pch\.hxx\(\\"\)\?//' "$build/compile_commands.json" \
     >"$stamps/compile_commands.json"
@@ -113,7 +118,7 @@ for unit in "${tidied[@]}"; do
     [ "$(cat "$stamp" 2>/dev/null)" = "$state $hash" ] || pending+=("$unit")
 done
 check_unit() {
-    clang-tidy --quiet -p "$stamps" "$1" 2>/dev/null || return
+    clang-tidy --quiet --checks="$extra_checks" -p "$stamps" "$1" 2>/dev/null || return
     echo "$state $(sha256sum "$1" | cut -d' ' -f1)" >"$stamps/${1//\//_}"
 }
 export -f check_unit

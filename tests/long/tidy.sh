@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks all code with clang-tidy, including the tests.
+# Checks all code with clang-tidy, including the tests, and with the static analyzer of clang.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -13,4 +13,4 @@ esac
 install_packages "${build_packages[@]}" "${check_packages[@]}" "${test_packages[@]}" \
     "${bench_packages[@]}"
 build_preset release
-scripts/check-code.sh build --tests
+scripts/check-code.sh build --thorough
