@@ -40,7 +40,7 @@ void SoftwareSetup::slotCOM232Test()
     }
 }
 
-/// Closes an earlier test's port first: until its verdict it keeps the device locked.
+/// Closes the port of an earlier test first: it locks the device until it has its verdict.
 void SoftwareSetup::openSerialPort(const QString &device)
 {
     m_serialPort = new QSerialPort(device);

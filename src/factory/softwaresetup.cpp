@@ -18,7 +18,7 @@ namespace {
 constexpr QSize windowSize(800, 600); // px; the smallest panel
 constexpr int fontPointSize = 15;
 constexpr int margin = 4;               // px; leaves room for a row of three long texts
-constexpr QSize sideButtonSize(84, 48); // px; large enough for a finger, narrow for the pages
+constexpr QSize sideButtonSize(84, 48); // px; fits a finger and leaves room for the pages
 constexpr int rowButtonHeight = 34;     // px; low enough to show all rows of the test page
 constexpr int testPage = 1;
 } // namespace

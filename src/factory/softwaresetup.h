@@ -50,11 +50,11 @@ public slots:
     void slotBrightnessTest(int index);
     /// Opens the serial port of the tapped button and sends the payload.
     void slotCOM232Test();
-    /// Collects what the serial port echoes and gives the verdict.
+    /// Reads the echo from the serial port and shows the verdict.
     void slotCOMEcho();
     /// Connects to the echo peer and sends the payload for the tapped button.
     void slotEtherTest();
-    /// Collects what the peer echoes and gives the verdict.
+    /// Reads the echo of the peer and shows the verdict.
     void slotEtherEcho();
     /// Shows the colours of the pixel test.
     void slotPixelTest();

@@ -90,7 +90,7 @@ void SoftwareSetup::addDisplayRows(QVBoxLayout *page)
         brightness->addItem(QLatin1String(text));
     }
     addRow(page, tr("Brightness:"))->addWidget(brightness);
-    // Connected after the items are added: the first item that they select must not be applied.
+    // Connected last: adding the first item selects it, which must not set the brightness.
     connect(brightness, &QComboBox::currentIndexChanged, this, &SoftwareSetup::slotBrightnessTest);
 
     auto *gradient = new ColorBlending;

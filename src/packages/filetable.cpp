@@ -81,7 +81,7 @@ void setUpFileTable(QTableWidget *table)
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table->setItemDelegate(new NameDelegate(table));
     table->setWordWrap(false);
-    table->setTextElideMode(Qt::ElideMiddle); // keeps the file name at the end
+    table->setTextElideMode(Qt::ElideMiddle); // the file name is at the end
     table->viewport()->installEventFilter(new EveryTapCounts(table));
     scrollByFinger(table);
 }

@@ -9,7 +9,7 @@
 /// Result of installing an application or firmware package.
 enum InstallResult : int {
     Installed = 0,        ///< also for an unknown kind, although nothing is installed
-    OpenFileError = 1,    ///< package not readable, or no room; also if a firmware brings an image
+    OpenFileError = 1,    ///< cannot read or store the package; also if a firmware has an image
     WrongVersion = 2,     ///< an application for another version of the runtime
     WrongModel = 3,       ///< an application for another panel model
     WrongFirmwareOem = 4, ///< a firmware for another OEM

@@ -15,8 +15,8 @@
 #include <optional>
 
 namespace {
-/// Searched for a BIOS image after a firmware is unpacked. The path has an apostrophe and is
-/// relative on purpose: most panels have no such folder, so no image is found.
+/// The folder that is searched for a BIOS image after a firmware is unpacked. Its path is relative
+/// and has an apostrophe on purpose: most panels have no such folder, so no image is found.
 constexpr char biosImageFolder[] = "'home/dest";
 
 /// A package file and the temporary file for its archive.
@@ -95,8 +95,7 @@ InstallResult installFirmware(const Package &package, quint32 version,
         setCurrentRuntimeVersion(int(version));
         return Installed;
     }
-    // On purpose without the folder of the image and without its result: panels have always done
-    // so.
+    // Leaves out the image's folder and ignores the result on purpose: it has always been so.
     installBIOSPackage(image, limit);
     return OpenFileError;
 }

@@ -6,7 +6,7 @@
 #include <QTableWidget>
 
 /// A dialog for picking one of the packages below the transfer folder, which it reads from the
-/// settings file. Without that file the dialog has always been empty, without buttons.
+/// settings file. Without that file the dialog is empty and has no buttons; it has always been so.
 class PackagePicker : public QDialog
 {
     Q_OBJECT

@@ -34,7 +34,7 @@ inline constexpr char sessionScriptAside[] = "/root/xinitrc";
 /// If this file exists, the factory window opens. Its content does not matter.
 inline constexpr char factoryMarker[] = "/media/usb0/talmero_setup";
 
-/// USB sticks are mounted below this folder. Packages and fonts are searched here by default.
+/// USB sticks are mounted below this folder. Packages and fonts are searched for here by default.
 inline constexpr char mediaFolder[] = "/media/";
 
 /// The HMI application is unpacked here.

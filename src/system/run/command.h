@@ -6,7 +6,7 @@
 /// A tool and its arguments. No shell is involved, so nothing has to be quoted.
 struct Command
 {
-    QString tool = {}; ///< path, or a name that is searched on PATH
+    QString tool = {}; ///< path, or a name that is looked up on PATH
     QStringList arguments = {};
 
     bool operator==(const Command &) const = default;

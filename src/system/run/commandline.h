@@ -10,13 +10,13 @@
 /// integrator can shorten it: another "sleep" first on PATH replaces it.
 Command startPauseCommand();
 
-/// Lists the display outputs; connectedOutputName() reads what it prints.
+/// Lists the display outputs; connectedOutputName() parses its output.
 Command outputQueryCommand();
 
-/// Lists the input devices; touchDeviceName() reads what it prints.
+/// Lists the input devices; touchDeviceName() parses its output.
 Command deviceListCommand();
 
-/// Prints the state of an input device; firstButtonState() reads it.
+/// Prints the state of an input device; firstButtonState() parses its output.
 Command deviceStateCommand(const QString &device);
 
 /// Sets the delay after which the screen goes dark to the stored @p minutes. 0 or a text that is
@@ -40,7 +40,7 @@ Command hardwareClockCommand();
 /// Touch calibration. Runs until the user ends it.
 Command calibrationCommand();
 
-/// Prints a port's address; parseInterfaceAddress() reads it.
+/// Prints a port's address; parseInterfaceAddress() parses its output.
 Command addressQueryCommand(const QString &interface);
 
 /// Sets a port's address at once. The kernel picks the netmask; the stored one takes effect at the
@@ -50,8 +50,7 @@ Command setAddressCommand(const QString &interface, const QString &address);
 /// Obtains a lease for a port.
 Command obtainLeaseCommand(const QString &interface);
 
-/// Releases the lease of "eth0" whichever port is saved, on purpose: panels in the field rely on
-/// it.
+/// Releases the lease of "eth0", whichever port is saved. On purpose: panels in use rely on it.
 Command releaseLeaseCommand();
 
 /// Starts the HMI runtime; runs until the runtime ends.
@@ -70,5 +69,5 @@ Command removeOldFirmwareCommand();
 /// Flushes all cached data to the disk.
 Command syncCommand();
 
-/// Prints the size of the installed application; diskUsageTotal() reads it.
+/// Prints the size of the installed application; diskUsageTotal() parses its output.
 Command applicationSizeCommand();

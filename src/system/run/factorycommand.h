@@ -16,7 +16,7 @@ Command sessionAsideCommand();
 /// Removes the file at @p path.
 Command removeFileCommand(const QString &path);
 
-/// Lists all network interfaces that are up; hardwareAddresses() reads what it prints.
+/// Lists all network interfaces that are up; hardwareAddresses() parses its output.
 Command interfaceListCommand();
 
 /// The buzzer's standard tone. The tool ends when the tone does.

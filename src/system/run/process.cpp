@@ -9,7 +9,7 @@
 namespace {
 constexpr int lookInterval = 10; // ms between two checks of a running tool
 constexpr int politeTime = 500;  // ms between SIGTERM and SIGKILL
-constexpr int killTime = 1000;   // ms; enough for a killed tool to end unless a disk blocks it
+constexpr int killTime = 1000;   // ms; enough for a killed tool to end, unless it waits for a disk
 
 /// Standard input is empty, so that no tool waits for a keyboard. Panels have none.
 void setUp(QProcess &process, const Command &command)
@@ -52,8 +52,8 @@ void keepFirst(QByteArray &kept, const QByteArray &more)
     kept += more.first(qMin(more.size(), mostKept - kept.size()));
 }
 
-/// Reads a tool's standard error ourselves: QProcess keeps reading, and growing, for as long as
-/// the tool writes.
+/// A pipe of our own for a tool's standard error. QProcess would keep reading, and growing, for as
+/// long as the tool writes.
 class ErrorPipe
 {
 public:

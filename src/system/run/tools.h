@@ -25,7 +25,7 @@ enum class Tool {
     Xset,
 };
 
-/// Names in the order of Tool. All except the shell are searched on PATH.
+/// Names in the order of Tool. All except the shell are looked up on PATH.
 inline constexpr const char *toolNames[]
     = {"beep",    "date",  "dhclient", "du",  "hwclock", "ifconfig", "mv",     "rm",
        "/bin/sh", "sleep", "sync",     "tar", "xCal",    "xinput",   "xrandr", "xset"};

@@ -15,10 +15,10 @@ inline constexpr char brightness[] = "bios.brightness";
 inline constexpr char debugLevel[] = "bios.debug";
 inline constexpr char screenSize[] = "bios.screen.size";
 
-/// Packages are searched below this folder.
+/// The folder below which packages are searched for.
 inline constexpr char transferFolder[] = "bios.filetransfer.folder";
 
-/// Fonts are searched below this folder.
+/// The folder below which fonts are searched for.
 inline constexpr char fontFolder[] = "bios.fontsetting.folder";
 } // namespace SettingsKeys
 
