@@ -32,7 +32,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     runAndWait(startPauseCommand());
 
-    // Never deleted: the process ends with it, and the runtime may be waiting on top of it.
+    // Never deleted: it lives as long as the process, even while the HMI runtime covers it.
     static QWidget *const window = createWindow();
     window->show();
     return QApplication::exec();

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-/// A run of colours from left to right, on which banding and wrong colours show.
+/// A horizontal gradient of colours that makes banding and wrong colours visible.
 class ColorBlending : public QWidget
 {
     Q_OBJECT

@@ -36,6 +36,6 @@ void SoftwareSetup::slotBrightnessTest(int index)
 
 void SoftwareSetup::slotPixelTest()
 {
-    auto *test = new KPixelTestWidget; // frees itself at its end
+    auto *test = new KPixelTestWidget; // deletes itself at its end
     test->run();
 }

@@ -30,7 +30,7 @@ void SoftwareSetup::slotEtherTest()
         m_tcpSocket->write(m_expectedEcho.toLatin1());
     }
     if (m_tcpSocket->state() == QAbstractSocket::UnconnectedState) {
-        delete m_tcpSocket; // no echo will come: kept until the end it would only take memory
+        delete m_tcpSocket; // no echo will arrive
         m_tcpSocket = nullptr;
     }
 }
@@ -39,12 +39,12 @@ void SoftwareSetup::slotEtherEcho()
 {
     QTcpSocket *socket = m_tcpSocket;
     if (socket == nullptr || socket->bytesAvailable() == 0) {
-        return; // it was an older connection, whose echo says nothing of this one
+        return; // echo of a connection from an earlier test
     }
     do {
         addParagraph(m_resultView, byteText(socket->read(longestChunk)));
     } while (!socket->atEnd());
     addVerdict(m_resultView, m_expectedEcho);
     m_tcpSocket = nullptr;
-    socket->deleteLater(); // later: its own signal led here
+    socket->deleteLater(); // not delete: its own signal called this slot
 }

@@ -2,14 +2,13 @@
 
 #include <QWidget>
 
-/// Fills the screen with one plain colour after another, so that dead and stuck pixels show. Each
-/// release of the finger leads to the next colour; the last one ends the test and the widget
-/// frees itself.
+/// Fills the screen with one plain colour after another to make dead and stuck pixels visible. Each
+/// release of the finger shows the next colour. After the last colour the widget deletes itself.
 class KPixelTestWidget : public QWidget
 {
     Q_OBJECT
 public:
-    /// Covers the available area of the first screen.
+    /// Covers the available area of the primary screen.
     explicit KPixelTestWidget(QWidget *parent = nullptr);
 
     /// Shows the first colour above all other windows.

@@ -17,7 +17,7 @@ std::optional<PeerAddress> parsePeerAddress(const QString &text)
     if (parts.size() < 2 || host.isEmpty()) {
         return {};
     }
-    return PeerAddress{host, parts.at(1).toUShort()}; // 0 if it is no number or too large
+    return PeerAddress{host, parts.at(1).toUShort()}; // 0 if not a number or too large
 }
 
 int linkNumber(const QString &testName)
@@ -32,7 +32,7 @@ QString serialPayload(const QString &device, const QString &characters)
 
 QString etherPayload(int number, const QString &characters)
 {
-    constexpr int firstField = 5; // the same for every port: echo peers in use may count on it
+    constexpr int firstField = 5; // for every port: echo peers in use may rely on it
     return payload(firstField, QString::number(number), characters);
 }
 

@@ -4,37 +4,37 @@
 
 #include <optional>
 
-// What the tests of the serial and Ethernet ports send and expect back, without any port.
+// The payloads and verdicts of the serial and Ethernet tests. Nothing here opens a port.
 
 /// Characters sent by both tests, each once.
 inline constexpr char linkTestCharacters[]
     = "1234567890abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
-/// Stands between the echo and its verdict.
+/// Line between the echo and the verdict.
 inline constexpr char verdictRule[] = "--------------------------------------";
 
 /// Where the echo peer of the Ethernet test listens.
 struct PeerAddress
 {
     QString host; ///< name or IPv4 address
-    quint16 port; ///< 0 if none was given; nobody answers there
+    quint16 port; ///< 0 if no valid port was given; connecting to it fails
 };
 
-/// Reads "host:port", blanks around either allowed. What comes after a second ":" is ignored, so
-/// an IPv6 address cannot be used.
+/// Parses "host:port"; both may have blanks around them. Text after a second ":" is ignored, so an
+/// IPv6 address cannot be used.
 /// Result: nothing if there is no ":" or no host. The port is 0 unless it is a decimal number up
 /// to 65535.
 std::optional<PeerAddress> parsePeerAddress(const QString &text);
 
-/// The number before the "-" in a test's name such as "2-232"; 0 if there is none.
+/// The number before the "-" in the name of a test, such as "2-232"; 0 if there is none.
 int linkNumber(const QString &testName);
 
-/// What the serial test of @p device, for example "/dev/ttyS0", sends.
+/// The text that the serial test sends to @p device, for example "/dev/ttyS0".
 QString serialPayload(const QString &device, const QString &characters);
 
-/// What the test of Ethernet port @p number, from 1 on, sends.
+/// The text that the test of Ethernet port @p number sends. Ports are counted from 1.
 QString etherPayload(int number, const QString &characters);
 
-/// The verdict on what came back.
-/// Result: "Test Ok!" if @p received is @p expected, otherwise "Test Fail!".
+/// The verdict on the echo, translated: "Test Ok!" if @p received equals @p expected, otherwise
+/// "Test Fail!".
 QString linkVerdict(const QString &received, const QString &expected);

@@ -3,14 +3,14 @@
 class QString;
 class QTextEdit;
 
-// The text that the port tests print. An echo may hold anything, so all of it is plain text,
-// whatever markup is in it. The end of the text stays in sight.
+// The output of the port tests. It is always shown as plain text, because an echo may contain
+// markup. The view scrolls to the end.
 
-/// Makes @p text all of the view's text.
+/// Replaces the text of the view with @p text.
 void showText(QTextEdit *view, const QString &text);
 
-/// Adds @p text as a paragraph of its own.
+/// Appends @p text as a new paragraph.
 void addParagraph(QTextEdit *view, const QString &text);
 
-/// Judges the text that the view shows against @p expected: adds a line of dashes and the verdict.
+/// Compares the text of the view with @p expected, then appends a line of dashes and the verdict.
 void addVerdict(QTextEdit *view, const QString &expected);

@@ -16,8 +16,8 @@ namespace {
 constexpr int longestChunk = 1024; // bytes shown at a time
 constexpr int writeLimit = 10000;  // ms
 
-/// Whether there is more to read, counting what the kernel still holds. No signal is sent for
-/// what this takes from the kernel.
+/// Whether there is more to read, including bytes that the kernel still holds. readyRead() is not
+/// emitted for them.
 bool hasMore(QSerialPort *port)
 {
     const QSignalBlocker silence(port);
@@ -40,7 +40,7 @@ void SoftwareSetup::slotCOM232Test()
     }
 }
 
-/// A port without a verdict keeps its device locked: it is given up for the new one.
+/// Closes the port of an earlier test first: it locks the device until it has its verdict.
 void SoftwareSetup::openSerialPort(const QString &device)
 {
     m_serialPort = new QSerialPort(device);
@@ -59,28 +59,28 @@ void SoftwareSetup::openSerialPort(const QString &device)
     }
 }
 
-/// The port itself takes no notice of an unplugged device: it would be told for ever that there
-/// is something to read, and would read nothing.
+/// QSerialPort ignores a device that is unplugged: it would be notified of data forever and read
+/// nothing.
 void SoftwareSetup::closeWhenUnplugged(QSerialPort *port)
 {
     auto *hangUp = new QSocketNotifier(port->handle(), QSocketNotifier::Exception, port);
     connect(port, &QSerialPort::aboutToClose, hangUp, [hangUp] { hangUp->setEnabled(false); });
     connect(hangUp, &QSocketNotifier::activated, port, [this, port] {
         const bool isRead = port == m_serialPort && port->bytesAvailable() > 0;
-        if (!isRead) { // the verdict is on all that came until then
+        if (!isRead) { // otherwise slotCOMEcho() still needs the port for its verdict
             port->close();
         }
     });
 }
 
-/// Result: the number of bytes that the port took.
+/// Result: the number of bytes that the port accepted.
 qint64 SoftwareSetup::sendSerialPayload()
 {
-    QSerialPort *port = m_serialPort; // a verdict may come while the bytes are written
+    QSerialPort *port = m_serialPort; // a verdict during the write resets the member
     const qint64 written = port->write(m_expectedEcho.toLatin1());
     port->flush();
     const QDeadlineTimer limit(writeLimit);
-    // Not without bytes left: what is flushed already would be waited for until the limit.
+    // Only while bytes are pending; otherwise waitForBytesWritten() blocks until the time limit.
     while (port->bytesToWrite() > 0 && port->waitForBytesWritten(int(limit.remainingTime()))) { }
     return written;
 }
@@ -89,14 +89,14 @@ void SoftwareSetup::slotCOMEcho()
 {
     QSerialPort *port = m_serialPort;
     if (port == nullptr || port->bytesAvailable() == 0) {
-        return; // it was an older port, whose echo says nothing of this one
+        return; // echo of a port from an earlier test
     }
     const QString text = byteText(port->read(longestChunk));
     showText(m_resultView, m_resultView->toPlainText() + text);
     runAndWait(echoPauseCommand());
     if (hasMore(port)) {
-        // No signal comes for bytes that are read from the kernel already. Between two chunks
-        // the window stays alive, however long the line talks.
+        // readyRead() is not emitted again for bytes that hasMore() has read. The call is queued so
+        // that the window responds between two chunks, however long the device sends.
         QMetaObject::invokeMethod(
             port, [this] { slotCOMEcho(); }, Qt::QueuedConnection);
         return;
@@ -108,6 +108,6 @@ void SoftwareSetup::giveSerialVerdict()
 {
     addVerdict(m_resultView, m_expectedEcho);
     m_ports.remove(m_serialPort->portName());
-    m_serialPort->deleteLater(); // later: its own signal may have led here
+    m_serialPort->deleteLater(); // not delete: its own signal may have called this
     m_serialPort = nullptr;
 }

@@ -48,7 +48,7 @@ void SoftwareSetup::slotAccept()
     nameInterfaces();
 }
 
-/// The rules stay as they are where the interfaces cannot be listed.
+/// Leaves the rules unchanged if the interfaces cannot be listed.
 void SoftwareSetup::nameInterfaces()
 {
     const ToolResult list = runTool(interfaceListCommand(), {.limit = m_limits.interfaceList});

@@ -17,9 +17,9 @@
 namespace {
 constexpr QSize windowSize(800, 600); // px; the smallest panel
 constexpr int fontPointSize = 15;
-constexpr int margin = 4;               // px; a row of three long texts needs the rest
-constexpr QSize sideButtonSize(84, 48); // px; a finger hits it, and the pages keep their width
-constexpr int rowButtonHeight = 34;     // px; all rows of the test page are in sight
+constexpr int margin = 4;               // px; leaves room for a row of three long texts
+constexpr QSize sideButtonSize(84, 48); // px; fits a finger and leaves room for the pages
+constexpr int rowButtonHeight = 34;     // px; low enough to show all rows of the test page
 constexpr int testPage = 1;
 } // namespace
 
@@ -62,7 +62,7 @@ void SoftwareSetup::init()
     layout->addWidget(buttons);
 }
 
-/// The rows lie on the viewport itself: all of them are in sight, so nothing scrolls.
+/// The rows are laid out on the viewport itself: all of them are visible, so nothing scrolls.
 QVBoxLayout *SoftwareSetup::addPage()
 {
     auto *page = new QScrollArea;

@@ -18,43 +18,43 @@ class QTcpSocket;
 class QTextEdit;
 class QVBoxLayout;
 
-/// The factory window: its first page sets a unit up, its second one tests the unit's hardware.
-/// Every start of it begins with a touch calibration.
+/// The factory window. Its first page sets up a unit, its second page tests the unit's hardware.
 class SoftwareSetup : public QWidget
 {
     Q_OBJECT
 public:
     /// Runs the calibration tool to its end, then builds the window. The caller shows it.
-    /// @p limits says how long the other tools are waited for.
+    /// @p limits are the time limits of the other tools.
     explicit SoftwareSetup(QWidget *parent = nullptr, const ToolLimits &limits = {});
     ~SoftwareSetup() override;
 
 public slots:
     // The order is part of the interface: the meta-object numbers the slots by it.
 
-    /// "Save": stores the model, sets the clock and names the network interfaces.
+    /// "Save": renames the session script if the unit has no session, stores the model, sets the
+    /// clock and names the network interfaces.
     void slotAccept();
     /// "Close": ends the program.
     void slotReject();
-    /// Any button of the window's right side; only "Test" is answered here.
+    /// Called for every button on the right side; handles only "Test".
     void slotAction(QAbstractButton *button);
-    /// Shows the test page; no way leads back.
+    /// Shows the test page. The window has no way back.
     void slotTest();
-    /// The buzzer's standard tone, until it ends.
+    /// Plays the buzzer's standard tone and waits for its end.
     void slotBuzzerTest();
-    /// A tone as the spin boxes say.
+    /// Starts the tone that is set in the spin boxes.
     void slotBuzzerTest2();
-    /// A tone as the tapped button's own text says.
+    /// Starts the tone that is named in the tapped button's text.
     void slotBuzzerTest3();
-    /// Sets the backlight; the light rises with the index although the shown percentage falls.
+    /// Sets the brightness to @p index times 20 %. It rises although the shown percentage falls.
     void slotBrightnessTest(int index);
     /// Opens the serial port of the tapped button and sends the payload.
     void slotCOM232Test();
-    /// Collects what the serial port echoes and gives the verdict.
+    /// Reads the echo from the serial port and shows the verdict.
     void slotCOMEcho();
     /// Connects to the echo peer and sends the payload for the tapped button.
     void slotEtherTest();
-    /// Collects what the peer echoes and gives the verdict.
+    /// Reads the echo of the peer and shows the verdict.
     void slotEtherEcho();
     /// Shows the colours of the pixel test.
     void slotPixelTest();
@@ -90,7 +90,7 @@ private:
     QLineEdit *m_peerAddressEdit = nullptr;
     QString m_testCharacters;
     QString m_expectedEcho;
-    QTcpSocket *m_tcpSocket = nullptr;     ///< of the running test; nothing after its verdict
-    QSerialPort *m_serialPort = nullptr;   ///< of the running test; nothing after its verdict
-    QHash<QString, QSerialPort *> m_ports; ///< by name; those without a verdict so far
+    QTcpSocket *m_tcpSocket = nullptr;     ///< of the running test; null after its verdict
+    QSerialPort *m_serialPort = nullptr;   ///< of the running test; null after its verdict
+    QHash<QString, QSerialPort *> m_ports; ///< by name; only ports without a verdict
 };

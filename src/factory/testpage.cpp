@@ -18,11 +18,11 @@ struct Range
     int maximum;
     const char *unit;
 };
-/// Counted in hertz; the label has always read so.
+/// In hertz. The label has always said KHz.
 constexpr Range frequencyRange{100, 20000, QT_TRANSLATE_NOOP("SoftwareSetup", " KHz")};
 constexpr Range durationRange{30, 5000, QT_TRANSLATE_NOOP("SoftwareSetup", " ms")};
 
-/// The texts are read again when the buttons are tapped.
+/// presetToneCommand() parses these texts when a button is tapped.
 constexpr const char *toneButtons[] = {
     QT_TRANSLATE_NOOP("SoftwareSetup", "Beep f:2900 t:1000"),
     QT_TRANSLATE_NOOP("SoftwareSetup", "Beep f:2700 t:100"),
@@ -53,7 +53,7 @@ QSpinBox *createSpinBox(const Range &range)
     auto *box = new QSpinBox;
     box->setSuffix(SoftwareSetup::tr(range.unit));
     box->setRange(range.minimum, range.maximum);
-    box->setAccelerated(true); // a finger has only the arrows
+    box->setAccelerated(true); // a finger can only tap the arrows
     return box;
 }
 } // namespace
@@ -90,7 +90,7 @@ void SoftwareSetup::addDisplayRows(QVBoxLayout *page)
         brightness->addItem(QLatin1String(text));
     }
     addRow(page, tr("Brightness:"))->addWidget(brightness);
-    // Behind the items: the first one, which they select, is not to be applied.
+    // Connected last: adding the first item selects it, which must not set the brightness.
     connect(brightness, &QComboBox::currentIndexChanged, this, &SoftwareSetup::slotBrightnessTest);
 
     auto *gradient = new ColorBlending;
@@ -118,12 +118,12 @@ void SoftwareSetup::addLinkRows(QVBoxLayout *page)
     page->addWidget(m_peerAddressEdit);
     m_resultView = new QTextEdit;
     m_resultView->setObjectName("resultView");
-    m_resultView->setWordWrapMode(QTextOption::WrapAnywhere); // a payload then takes two lines
-    m_resultView->setReadOnly(true);                          // the verdict is on all of its text
+    m_resultView->setWordWrapMode(QTextOption::WrapAnywhere); // fits a payload in two lines
+    m_resultView->setReadOnly(true);                          // the verdict covers all of the text
     page->addWidget(m_resultView);
 }
 
-/// Number of the port whose button was tapped; 0 if no button was.
+/// Number of the port whose button was tapped; 0 if the caller is not a button.
 int SoftwareSetup::tappedLink(const char *property) const
 {
     return sender() == nullptr ? 0 : linkNumber(sender()->property(property).toString());

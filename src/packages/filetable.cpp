@@ -14,7 +14,7 @@
 namespace {
 constexpr int rowPadding = 12; // px
 
-/// Shows names that hold line feeds and other bytes without a picture.
+/// Shows names that contain line feeds or other unprintable characters.
 class NameDelegate : public QStyledItemDelegate
 {
 public:
@@ -26,8 +26,8 @@ public:
     }
 };
 
-/// Makes two quick taps two taps: the toolkit makes a double click of them, of which a list takes
-/// no notice.
+/// Turns a double click back into two taps. Qt combines two quick taps into a double click, and
+/// the table ignores its second press.
 class EveryTapCounts : public QObject
 {
 public:
@@ -46,7 +46,7 @@ public:
     }
 };
 
-/// With the left button, because the panel's touch controller is a pointer with one button.
+/// Uses the left button because the panel's touch controller is a pointer with one button.
 void scrollByFinger(QTableWidget *table)
 {
     table->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
@@ -81,7 +81,7 @@ void setUpFileTable(QTableWidget *table)
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table->setItemDelegate(new NameDelegate(table));
     table->setWordWrap(false);
-    table->setTextElideMode(Qt::ElideMiddle); // the name at the end tells most
+    table->setTextElideMode(Qt::ElideMiddle); // the file name is at the end
     table->viewport()->installEventFilter(new EveryTapCounts(table));
     scrollByFinger(table);
 }
@@ -109,9 +109,9 @@ QString printableName(const QString &name)
     for (qsizetype at = 0; at < shown.size(); ++at) {
         const QStringView rest = QStringView(shown).mid(at);
         if (rest.size() > 1 && rest[0].isHighSurrogate() && rest[1].isLowSurrogate()) {
-            ++at; // a pair is one character
+            ++at; // a surrogate pair is one character
         } else if (!rest[0].isPrint()) {
-            shown[at] = QChar::ReplacementCharacter; // for a byte that is no text too
+            shown[at] = QChar::ReplacementCharacter; // also for invalid UTF-8
         }
     }
     return shown;

@@ -6,18 +6,18 @@
 class QTableWidget;
 class QTableWidgetItem;
 
-// The tables that show found files, one to a row, in column 0.
+// The tables that list found files, one per row.
 
-/// Makes @p table, whose columns are set, a list for a finger: no headers, rows high enough, and
-/// it scrolls with the finger. The file of a row is shown over all columns.
+/// Sets up @p table for touch: no headers, rows high enough for a finger, scrolling by finger. Its
+/// columns must exist already.
 void setUpFileTable(QTableWidget *table);
 
-/// Makes the rows of @p table those of the files @p names in @p folder, which ends with a "/", in
-/// their order.
+/// Replaces the rows of @p table with the files @p names in @p folder, which ends with "/". Each
+/// file is in column 0 and spans all columns.
 void showFiles(QTableWidget *table, const QString &folder, const QStringList &names);
 
-/// The full path of the file that @p item of such a table stands for.
+/// The full path of the file that @p item of such a table shows.
 QString filePath(const QTableWidgetItem *item);
 
-/// @p name as it can be shown in one line: what is no printable character is replaced.
+/// @p name for display in one line: unprintable characters are replaced with U+FFFD.
 QString printableName(const QString &name);

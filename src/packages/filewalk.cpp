@@ -11,7 +11,7 @@
 #include <string_view>
 
 namespace {
-/// Decides by its name whether a file is wanted.
+/// Selects files by the extension of their name.
 class ExtensionFilter
 {
 public:
@@ -59,7 +59,7 @@ QStringList findFilesBelow(const QString &folder, const QStringList &extensions,
     const ExtensionFilter filter(extensions, extensionCase);
     const QByteArray top = bytesFromText(folder);
     QStringList found;
-    std::queue<QByteArray> folders; // relative to the top, each with a "/" at its end
+    std::queue<QByteArray> folders; // relative to the top; empty or ending with "/"
     folders.push(QByteArray());
     for (; !folders.empty(); folders.pop()) {
         const QByteArray &prefix = folders.front();

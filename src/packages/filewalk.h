@@ -3,21 +3,20 @@
 #include <QString>
 #include <QStringList>
 
-/// In which letters an extension counts.
+/// How the case of an extension is compared.
 enum class ExtensionCase {
-    SmallLetters, ///< only as it is given
+    SmallLetters, ///< only small letters match
     AnyCase,
 };
 
-/// The folder at @p configured, with a "/" at its end; "/media/", where sticks are mounted, if it
-/// is empty.
+/// The folder @p configured, with "/" at its end. If it is empty: "/media/", where USB sticks are
+/// mounted.
 QString searchFolder(const QString &configured);
 
-/// Finds the plain files below @p folder whose name ends with one of @p extensions (small
-/// letters, with the dot): breadth-first, the entries of a folder in the order in which the file
-/// system gives them. Hidden entries and symbolic links are passed over, and so is what cannot be
-/// listed. Loops of mounts are not guarded against.
-/// @p folder ends with a "/". Result: the paths relative to it; bytes of names that are no text
-/// are kept as textFromBytes() does.
+/// Finds the plain files below @p folder (which ends with "/") whose name ends with one of
+/// @p extensions (small letters, with the dot). The search is breadth-first; the entries of a
+/// folder come in the order of the file system. It skips hidden entries, symbolic links and folders
+/// that cannot be listed. It does not detect mount loops.
+/// Result: the paths relative to @p folder, decoded with textFromBytes().
 QStringList findFilesBelow(const QString &folder, const QStringList &extensions,
                            ExtensionCase extensionCase);

@@ -4,7 +4,7 @@
 
 quint32 versionNumber(const QString &text)
 {
-    const qint64 number = text.toLongLong(); // 0 if it is none
+    const qint64 number = text.toLongLong(); // 0 if not a number
     const bool fits = number >= std::numeric_limits<qint32>::min()
         && number <= std::numeric_limits<quint32>::max();
     return fits ? quint32(number) : 0;

@@ -5,10 +5,10 @@
 
 #include <optional>
 
-// The 36 bytes that every package file starts with. A gzip-compressed tar archive follows them, up
-// to the end of the file. Integers are little-endian, as the panel's processor stores them.
+// Every package file starts with a header of 36 bytes. A gzip-compressed tar archive follows, up
+// to the end of the file. Integers are little-endian, as on the panel's processor.
 
-/// What a package holds. Any other number in a header is an unknown kind.
+/// What a package contains. Any other number in a header is an unknown kind.
 enum class PackageKind : quint32 {
     Application = 0, ///< the HMI project, for one panel model
     Firmware = 1,    ///< the HMI runtime, for one OEM
@@ -19,10 +19,10 @@ struct PackageHeader
 {
     PackageKind kind = PackageKind::Application;
     quint32 version = 0;
-    QString target; ///< panel model or OEM name; read as the version files are
+    QString target; ///< panel model or OEM name, decoded like the version files
 };
 
-/// Where a field of the header lies, in bytes from the start of the file.
+/// Position and size of a header field, in bytes from the start of the file.
 struct PackageField
 {
     qsizetype offset;
@@ -40,16 +40,16 @@ inline constexpr PackageField target{20, 16};  ///< ASCII text, ended by a NUL b
 
 inline constexpr qsizetype packageHeaderSize = PackageFields::target.end();
 
-/// The longest target, in bytes: the field holds a NUL byte behind it.
+/// Longest target, in bytes: a NUL byte follows it in its field.
 inline constexpr qsizetype longestPackageTarget = PackageFields::target.size - 1;
 
-/// The bytes of @p field of a header, as they stand in the file.
+/// The bytes of @p field in @p header, unchanged.
 QByteArray fieldBytes(const QByteArray &header, const PackageField &field);
 
-/// Reads the header at the start of @p bytes. A target without a NUL byte is all 16 bytes long.
+/// Parses the header at the start of @p bytes. A target without a NUL byte is 16 bytes long.
 /// Result: nothing if there are fewer than 36 bytes.
 std::optional<PackageHeader> parsePackageHeader(const QByteArray &bytes);
 
-/// The 36 bytes of @p header; the reserved ones are zero. A longer target than
-/// longestPackageTarget is cut.
+/// The 36 bytes of @p header. Reserved bytes are zero, and a target longer than
+/// longestPackageTarget is cut off.
 QByteArray formatPackageHeader(const PackageHeader &header);

@@ -15,17 +15,17 @@
 #include <optional>
 
 namespace {
-/// Where a firmware package is looked through for a BIOS image. Deliberately with the apostrophe
-/// and relative, so that on most panels there is no such folder.
+/// The folder that is searched for a BIOS image after a firmware is unpacked. Its path is relative
+/// and has an apostrophe on purpose: most panels have no such folder, so no image is found.
 constexpr char biosImageFolder[] = "'home/dest";
 
-/// A package file, and the temporary file into which its archive goes.
+/// A package file and the temporary file for its archive.
 class Package
 {
 public:
     explicit Package(const QString &path)
     {
-        openPlainFile(m_file, path); // one that cannot be opened has no header
+        openPlainFile(m_file, path); // readHeader() checks the result
         m_hasArchive = m_archive.open();
     }
 
@@ -36,21 +36,21 @@ public:
         return m_file.isOpen() ? parsePackageHeader(m_file.read(packageHeaderSize)) : std::nullopt;
     }
 
-    /// Stores the archive under a name that stays. Result: false if there is no room for it;
-    /// it is gone with this object then.
+    /// Stores the archive in a file that outlives this object.
+    /// Result: false if there is no room for it; the file is then removed with this object.
     bool storeArchive()
     {
         if (!copyRest(m_file, m_archive)) {
             return false;
         }
-        m_archivePath = m_archive.fileName(); // has no name on the disk before
+        m_archivePath = m_archive.fileName(); // gives the file its name on the disk
         m_archive.setAutoRemove(m_archivePath.isEmpty());
         m_file.close();
         m_archive.close();
         return !m_archivePath.isEmpty();
     }
 
-    /// Unpacks the stored archive where packages of @p type belong.
+    /// Unpacks the stored archive into the folder of @p type and removes it.
     void unpackAs(PackageType type, std::chrono::milliseconds limit) const
     {
         runInFolder(unpackCommand(m_archivePath), QLatin1String(packageTypeInfo(type).folder),
@@ -65,13 +65,13 @@ private:
     QString m_archivePath;
 };
 
-/// Name of the first BIOS image that a firmware package has brought; empty if there is none.
+/// Name of the first BIOS image that came with a firmware package; empty if there is none.
 QString broughtBiosImage()
 {
     FolderListing listing(biosImageFolder);
     while (const dirent *entry = listing.next()) {
         QString name = textFromBytes(entry->d_name);
-        if (name.endsWith(packageExtension(PackageType::BiosImage))) { // in small letters only
+        if (name.endsWith(packageExtension(PackageType::BiosImage))) { // only small letters
             return name;
         }
     }
@@ -95,8 +95,9 @@ InstallResult installFirmware(const Package &package, quint32 version,
         setCurrentRuntimeVersion(int(version));
         return Installed;
     }
-    installBIOSPackage(image, limit); // deliberately without its folder
-    return OpenFileError;             // deliberately, whatever became of the image
+    // Leaves out the image's folder and ignores the result on purpose: it has always been so.
+    installBIOSPackage(image, limit);
+    return OpenFileError;
 }
 } // namespace
 

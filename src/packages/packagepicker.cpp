@@ -16,8 +16,7 @@ namespace {
 constexpr int fontSize = 24;       // pt
 constexpr int smallestWidth = 600; // px
 
-/// As high as the screen allows, for there may be many packages; room is left around, so that it
-/// is seen that the page is still there.
+/// High, because there may be many packages, but with the page still visible around the dialog.
 int dialogHeight(const QScreen *screen)
 {
     return screen->availableSize().height() * 4 / 5;
@@ -31,7 +30,7 @@ PackagePicker::PackagePicker(const QString &title, PackageType type)
     largeFont.setPointSize(fontSize);
     setFont(largeFont);
     setWindowTitle(title);
-    m_table.setFont(largeFont); // has no parent yet to take it from
+    m_table.setFont(largeFont); // it has no parent yet to inherit it from
     setUpFileTable(&m_table);
     m_table.setSelectionMode(QAbstractItemView::SingleSelection);
     if (!QFile::exists(Paths::settingsFile)) {
@@ -65,7 +64,7 @@ void PackagePicker::layOut()
     m_table.resizeColumnsToContents();
     setMinimumWidth(smallestWidth);
     resize(smallestWidth, dialogHeight(screen()));
-    // The toolkit leaves room for the frame of a window manager, and would cover the title bar.
+    // QDialog reserves space for a window manager's frame and would cover the title bar.
     move(screen()->availableGeometry().center() - rect().center());
 }
 

@@ -5,18 +5,17 @@
 #include <QDialog>
 #include <QTableWidget>
 
-/// A dialog in which one of the packages below the transfer folder can be picked. It finds the
-/// folder in the settings file itself. Deliberately, where there is no such file, the dialog is
-/// empty and has no buttons.
+/// A dialog for picking one of the packages below the transfer folder, which it reads from the
+/// settings file. Without that file the dialog is empty and has no buttons; it has always been so.
 class PackagePicker : public QDialog
 {
     Q_OBJECT
 public:
-    /// Full path of the chosen package; empty if none is chosen.
+    /// Full path of the selected package; empty if none is selected.
     QString selectedFile() const;
 
 protected:
-    /// Lists the packages of @p type, which blocks until all folders are walked.
+    /// Lists the packages of @p type. Blocks until all folders are searched.
     PackagePicker(const QString &title, PackageType type);
 
 private:
@@ -30,7 +29,7 @@ class BIOSUpdateDialog : public PackagePicker
 {
     Q_OBJECT
 public:
-    /// The folder is not used: the settings say where images are looked for.
+    /// @p folder is not used: the settings name the folder of the images.
     explicit BIOSUpdateDialog(const QString &folder);
 };
 

@@ -9,7 +9,7 @@
 namespace {
 // clang-format off
 constexpr PackageRefusal refusals[] = {
-    // The title is misspelt for good.
+    // This title has always been misspelt.
     {OpenFileError,    QT_TRANSLATE_NOOP("BiosInterface", "File Transter"),
                        QT_TRANSLATE_NOOP("BiosInterface", "Open File Error")},
     {WrongVersion,     QT_TRANSLATE_NOOP("BiosInterface", "File Transfer"),

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What a panel tells the user of an application or firmware package that it does not install.
-/// The texts are still to be translated, in the context "BiosInterface".
+/// The message about an application or firmware package that is not installed. The caller
+/// translates its texts in the context "BiosInterface".
 struct PackageRefusal
 {
     int result; ///< an InstallResult
@@ -9,5 +9,5 @@ struct PackageRefusal
     const char *text;
 };
 
-/// What is shown after the InstallResult @p result; null if nothing is.
+/// The message for the InstallResult @p result; null if it has none.
 const PackageRefusal *findPackageRefusal(int result);

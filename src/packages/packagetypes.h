@@ -15,13 +15,13 @@ enum class PackageType {
     AddOn,
 };
 
-/// What a panel knows about a type of package files.
+/// Properties of a type of package files.
 struct PackageTypeInfo
 {
     PackageType type;
     PackageKind kind;
     const char *extension;       ///< in small letters, with the dot
-    ExtensionCase extensionCase; ///< in which letters the page or dialog that lists it finds it
+    ExtensionCase extensionCase; ///< how the page or dialog that lists it compares the extension
     const char *folder;          ///< the archive is unpacked here
 };
 
@@ -41,8 +41,8 @@ constexpr const PackageTypeInfo &packageTypeInfo(PackageType type)
     return packageTypes[static_cast<int>(type)];
 }
 
-/// Whether a panel lists the file @p name, with or without its folders, as a package of @p type.
-/// Only the extension decides: the panel does not look into a file until it installs it.
+/// Whether a panel lists the file @p name as a package of @p type. @p name may include folders.
+/// Only the extension decides: the panel does not read a package until it installs it.
 bool isListedAs(PackageType type, const QString &name);
 
 /// The same for any type of the kind @p kind; false for an unknown kind.

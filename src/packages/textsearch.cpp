@@ -6,7 +6,7 @@
 #include <QFile>
 
 namespace {
-constexpr qint64 pieceSize = 65536; // bytes; a file may be one line that fills the memory
+constexpr qint64 pieceSize = 65536; // bytes; a single line may be larger than memory
 } // namespace
 
 bool fileHoldsText(const QString &path, const QString &text)
@@ -16,7 +16,7 @@ bool fileHoldsText(const QString &path, const QString &text)
         return false;
     }
     const QByteArray wanted = bytesFromText(text);
-    QByteArray line; // the end of it that can still be part of the text
+    QByteArray line; // its end, which may be the start of a match
     for (QByteArray piece; !(piece = file.readLine(pieceSize)).isEmpty();) {
         const bool lineEnds = piece.endsWith('\n');
         line += lineEnds ? piece.chopped(1) : piece;

@@ -2,7 +2,7 @@
 
 class QString;
 
-/// Whether a line of the plain file at @p path holds @p text, with case. An empty text is in
-/// every line, a text with a line feed in none.
-/// Result: false if the file cannot be read, or as far as it can be read.
+/// Whether a line of the plain file at @p path contains @p text, case-sensitively. Every line
+/// contains the empty text; no line contains a text with a line feed.
+/// Result: false if the file cannot be read. After a read error only the lines before it count.
 bool fileHoldsText(const QString &path, const QString &text);

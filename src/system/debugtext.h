@@ -3,15 +3,15 @@
 #include <QString>
 #include <QStringList>
 
-// The toolkit escapes line feeds and letters outside ASCII when it quotes a text for the debug
-// channel. A tool's output is logged as it is instead.
+// qDebug() escapes line feeds and letters outside ASCII in the strings that it quotes. The output
+// of tools is logged unescaped instead.
 
-/// @p text in double quotes, nothing in it escaped.
+/// @p text in double quotes, with nothing escaped.
 QString quotedText(const QString &text);
 
-/// A list as ("first", "second"), nothing in it escaped; () if it is empty.
+/// A list as ("first", "second"), with nothing escaped; () if it is empty.
 QString quotedList(const QStringList &texts);
 
-/// @p text in printable ASCII, safe for a terminal: other characters as the hexadecimal number of
-/// their bytes.
+/// @p text as printable ASCII, safe for a terminal. Every other byte and the backslash are written
+/// as "\x" and two hexadecimal digits.
 QByteArray printable(const QString &text);

@@ -3,5 +3,5 @@
 /// The font of all pages.
 inline constexpr char fontFamily[] = "WeblySleek UI";
 
-/// Take its place where it is not installed: as narrow as it is, so that the texts fit, first.
+/// Used if it is not installed. The first substitute is as narrow, so the texts still fit.
 inline constexpr const char *fontSubstitutes[] = {"Open Sans", "DejaVu Sans"};

@@ -4,15 +4,16 @@
 
 #include <QtGlobal>
 
-/// Decides from polls of the touch controller when a finger has been held for more than two
-/// seconds. Knows no clock and no tool.
+/// Detects from polls of the touch controller that a finger is held down for more than two seconds.
+/// The caller polls the tool and reads the clock.
 class PressTimer
 {
 public:
-    /// Takes one poll: what the button did at @p now, in milliseconds since the epoch.
-    /// Result: true if the button was seen down at two polls more than 2000 ms apart with no "up"
-    /// between them; timing starts anew then. Unknown changes nothing.
-    /// The difference is taken in 32 bits: a clock that jumps back makes the finger wait.
+    /// Processes one poll: the @p state of the button at @p now (milliseconds since the epoch).
+    /// Result: true if the button was down at two polls more than 2000 ms apart without an Up
+    /// between them; timing then starts again. Unknown changes nothing.
+    /// The difference is truncated to 32 bits. If the clock jumps back, the finger has to be held
+    /// longer.
     bool poll(TouchState state, qint64 now);
 
 private:

@@ -19,8 +19,8 @@ struct Variable
 
 constexpr Variable ownVariables[] = {
     {"QT_ENABLE_HIGHDPI_SCALING", "0"},
-    {"QT_NO_GLIB", "1"},                       // its loop writes to a file for each posted event
-    {"DBUS_SESSION_BUS_ADDRESS", "disabled:"}, // otherwise a screen reader is looked for
+    {"QT_NO_GLIB", "1"}, // GLib's loop writes to a descriptor for every posted event
+    {"DBUS_SESSION_BUS_ADDRESS", "disabled:"}, // otherwise Qt looks for a screen reader
 };
 
 std::optional<QProcessEnvironment> given;

@@ -7,7 +7,7 @@ constexpr char16_t escapeBase = 0xDC00;
 constexpr char16_t firstEscape = escapeBase + 0x80;
 constexpr char16_t lastEscape = escapeBase + 0xFF;
 
-/// Length in bytes of the UTF-8 sequence that @p lead announces, 1 for a byte that starts none.
+/// Length in bytes of the UTF-8 sequence that starts with @p lead; 1 if @p lead starts none.
 qsizetype sequenceLength(uchar lead)
 {
     if (lead >= 0xF0) {
@@ -38,7 +38,7 @@ bool isEscape(QChar c)
 
 QString textFromBytes(QByteArrayView bytes)
 {
-    if (isAscii(bytes)) { // nearly all is, and needs no second look
+    if (isAscii(bytes)) { // the common case
         return QString::fromLatin1(bytes);
     }
     QString whole = QString::fromUtf8(bytes);
@@ -70,7 +70,7 @@ QByteArray bytesFromText(const QString &text)
     qsizetype start = 0;
     for (qsizetype at = 0; at < text.size(); ++at) {
         if (text.at(at).isHighSurrogate()) {
-            ++at; // the low half that follows belongs to a character
+            ++at; // skip its low surrogate
         } else if (isEscape(text.at(at))) {
             bytes += text.mid(start, at - start).toUtf8();
             bytes += static_cast<char>(text.at(at).unicode() - escapeBase);

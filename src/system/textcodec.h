@@ -4,14 +4,13 @@
 #include <QByteArrayView>
 #include <QStringList>
 
-/// Text of UTF-8 bytes, such that bytesFromText() gives the same bytes back whatever they are.
-/// A byte b that is no part of valid UTF-8 becomes the lone surrogate U+DC00 + b, which valid
-/// text never holds.
+/// Decodes UTF-8 without loss: bytesFromText() restores any bytes. A byte b that is not valid UTF-8
+/// becomes the lone surrogate U+DC00 + b, which valid text never contains.
 QString textFromBytes(QByteArrayView bytes);
 
-/// The bytes that textFromBytes() made @p text of; UTF-8 for any other text.
+/// Encodes @p text as UTF-8 and restores the bytes that textFromBytes() could not decode.
 QByteArray bytesFromText(const QString &text);
 
-/// The arguments of a program without its own name. Those that the application object gives have
-/// lost the bytes that are no text.
+/// The arguments of a program without its own name. QCoreApplication::arguments() would lose bytes
+/// that are not valid UTF-8.
 QStringList argumentTexts(int count, const char *const *arguments);

@@ -10,7 +10,7 @@
 namespace {
 constexpr mode_t allModeBits = 07777;
 
-/// QSaveFile takes over no owner, and a mode with what root may do on top.
+/// QSaveFile does not keep the owner, and it adds the rights that root has to the file's mode.
 bool takeOverOwnerAndMode(const QSaveFile &file, const QString &path)
 {
     struct stat old;
@@ -22,8 +22,8 @@ bool takeOverOwnerAndMode(const QSaveFile &file, const QString &path)
 bool replaceInOneStep(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);
-    // Flushed here, because commit() takes no notice of a disk that is full by then, and would put
-    // the part that was written in the old file's place.
+    // Flushed here because commit() ignores a full disk: it would replace the old file with the
+    // part that could be written.
     return file.open(QIODevice::WriteOnly) && takeOverOwnerAndMode(file, path)
         && file.write(content) == content.size() && file.flush() && file.commit();
 }
@@ -33,8 +33,8 @@ bool writeAt(QFile &file, qint64 position, const QByteArray &bytes)
     return file.seek(position) && file.write(bytes) == bytes.size();
 }
 
-/// What goes beyond the old end is written first: only that needs room, so on a full disk the old
-/// text is still whole when it fails, and is left as it was.
+/// Writes the part beyond the old end first, because only that part needs room on the disk. If it
+/// fails on a full disk, the old content is still intact.
 bool writeInPlace(const QString &path, const QByteArray &content)
 {
     QFile file(path);

@@ -22,8 +22,8 @@ bool isPlainFile(int descriptor)
     return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Where there are no links either, an empty file of our own keeps the name until the whole one
-/// takes its place.
+/// For file systems without hard links: an empty file of ours reserves the name until the complete
+/// file replaces it.
 bool renameOverOwnFile(const QByteArray &from, const QByteArray &to)
 {
     const int place
@@ -39,7 +39,7 @@ bool renameOverOwnFile(const QByteArray &from, const QByteArray &to)
     return renamed;
 }
 
-/// For file systems that cannot refuse to replace a file while they rename one.
+/// For file systems that do not support RENAME_NOREPLACE.
 bool moveToNew(const QByteArray &from, const QByteArray &to)
 {
     if (link(from.constData(), to.constData()) == 0) {
@@ -49,7 +49,7 @@ bool moveToNew(const QByteArray &from, const QByteArray &to)
     return renameOverOwnFile(from, to);
 }
 
-/// Gives @p from the name @p to unless there is something of that name.
+/// Renames @p from to @p to unless @p to exists.
 bool renameToNew(const QByteArray &from, const QByteArray &to)
 {
     return renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0
@@ -59,7 +59,7 @@ bool renameToNew(const QByteArray &from, const QByteArray &to)
 
 bool openPlainFile(QFile &file, const QString &path)
 {
-    // The toolkit's own way by name would change bytes that are not UTF-8.
+    // Opened by descriptor: QFile would change the bytes of a name that is not UTF-8.
     const int descriptor
         = open(bytesFromText(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0) {
@@ -88,7 +88,7 @@ bool copyRest(QFile &from, QFile &to)
 bool copyToNewFile(const QString &from, const QString &to)
 {
     QFile source;
-    // In the folder of the copy, so that the whole copy appears there in one step.
+    // In the target folder, so that one rename makes the complete copy appear.
     QTemporaryFile copy(to.left(to.lastIndexOf('/') + 1) + ".talmero-XXXXXX");
     const bool copied = openPlainFile(source, from) && copy.open() && copyRest(source, copy)
         && source.error() == QFileDevice::NoError && copy.setPermissions(source.permissions())

@@ -18,7 +18,7 @@ int FolderListing::type(const dirent &entry) const
     if (entry.d_type != DT_UNKNOWN) {
         return entry.d_type;
     }
-    // Some file systems leave it to the reader to ask.
+    // Some file systems do not store the type in the folder.
     struct stat status;
     if (fstatat(dirfd(m_folder.get()), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return DT_UNKNOWN;

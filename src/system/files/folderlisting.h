@@ -6,23 +6,23 @@
 
 #include <dirent.h>
 
-/// The entries of a folder, in the order in which the file system gives them; the toolkit's own
-/// listing sorts them. Names are bytes.
+/// Lists the entries of a folder in the order of the file system. Names are bytes: QDir would
+/// change those that are not UTF-8.
 class FolderListing
 {
 public:
     /// A folder that cannot be listed has no entries.
     explicit FolderListing(const QByteArray &path);
 
-    /// The next entry, "." and ".." among them, valid until the next call; null behind the last
-    /// and where the listing fails.
+    /// The next entry, including "." and "..". It is valid until the next call. Null after the
+    /// last entry and if the listing fails.
     const dirent *next();
 
-    /// What @p entry, given by next(), is, as one of the DT_ numbers; a symbolic link is not
-    /// followed. DT_UNKNOWN if the entry is gone.
+    /// The DT_ constant of @p entry, which next() returned. Symbolic links are not followed.
+    /// DT_UNKNOWN if the entry no longer exists.
     int type(const dirent &entry) const;
 
-    /// The open folder, for as long as this lives; -1 if it cannot be listed.
+    /// File descriptor of the folder, owned by this object; -1 if the folder cannot be listed.
     int descriptor() const;
 
 private:

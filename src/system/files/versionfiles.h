@@ -14,11 +14,11 @@ QString getCurrentRuntimOEM();
 /// Version number of this settings program; empty if there is none.
 QString getCurrentBIOSVersion();
 
-/// Names of the panel's model: the model name (one empty text if there is none), then its short
-/// code if it has one. Compare whole entries, with case.
+/// Names of the panel's model: the model name, then its short code if it has one. The name is empty
+/// if there is no model file. Compare whole entries, case-sensitively.
 QStringList getCurrentRuntimeModel();
 
-// The setters write the value without a line end; a file that cannot be opened stays as it is.
+// The setters write the value without a line end. They do nothing if the file cannot be opened.
 
 void setCurrentRuntimeVersion(int version);
 void setCurrentBIOSVersion(int version);
@@ -31,8 +31,8 @@ QString firstLineOfFile(const QString &path);
 /// First line of @p text without its line end.
 QString firstLineOf(const QByteArray &text);
 
-/// Makes @p text the whole content of the file at @p path. Does nothing if it cannot be opened.
+/// Replaces the content of the file at @p path with @p text. Does nothing if it cannot be opened.
 void writeTextFile(const QString &path, const QString &text);
 
-/// @p model, and behind it its short code if it has one.
+/// @p model, followed by its short code if it has one.
 QStringList modelNames(const QString &model);

@@ -15,7 +15,7 @@ QString portStanza(int number, const PortSetup &port)
     case PortMode::Dhcp:
         return QString("auto eth%1\niface eth%2 inet dhcp\n\n").arg(name, name);
     case PortMode::Static:
-        // Filled in one pass, so that a "%1" that somebody typed stays what it is.
+        // One arg() call, so that a "%1" in a typed address is not replaced.
         return QString("auto eth%1\niface eth%2 inet static\naddress %3\nnetmask %4\n\n")
             .arg(name, name, port.address, port.mask);
     }
@@ -25,7 +25,7 @@ QString portStanza(int number, const PortSetup &port)
 
 QString interfacesFileText(const PortSetups &ports)
 {
-    QString text = "auto lo \niface lo inet loopback\n\n"; // with the blank, as it has always been
+    QString text = "auto lo \niface lo inet loopback\n\n"; // "lo " has always had this blank
     for (int number = 0; number < int(ports.size()); ++number) {
         text += portStanza(number, ports[size_t(number)]);
     }
@@ -37,7 +37,7 @@ QString interfaceNamingRules(QStringList hardwareAddresses)
     hardwareAddresses.sort();
     QString rules;
     for (qsizetype index = 0; index < hardwareAddresses.size(); ++index) {
-        // Both at once: an address may hold anything, a place holder too.
+        // One arg() call, because an address may itself contain "%2".
         rules += QString(ruleTemplate).arg(hardwareAddresses.at(index), QString::number(index));
         rules += QLatin1String(ruleEnd);
     }

@@ -7,7 +7,7 @@ constexpr QLatin1String addressLabel("inet addr:");
 constexpr QLatin1String broadcastLabel("Bcast:");
 constexpr QLatin1String maskLabel("Mask:");
 constexpr QLatin1String hardwareLabel("HWaddr");
-constexpr qsizetype longestHardwareAddress = 30; // what is longer is no address
+constexpr qsizetype longestHardwareAddress = 30; // longer texts are not addresses
 
 QString withoutBlanksAtEnd(QString text)
 {
@@ -38,7 +38,7 @@ QString findMask(const QString &output)
     }
     const qsizetype start = label + maskLabel.size();
     const qsizetype end = output.indexOf(lineEnd, start);
-    // Counted from the label, not from the mask, on purpose: the page has always shown it so.
+    // The length is counted from the label: this adds the six characters that the header mentions.
     return end < 0 ? QString() : output.mid(start, end - label + 1);
 }
 } // namespace

@@ -26,7 +26,7 @@ QString connectedOutputName(const QString &xrandrOutput)
         if (line.isEmpty()) {
             break;
         }
-        if (line.contains(QLatin1String(" connected "))) { // blanks: not "disconnected"
+        if (line.contains(QLatin1String(" connected "))) { // the blanks exclude "disconnected"
             name = line.left(line.indexOf(' '));
         }
     }
@@ -51,6 +51,6 @@ TouchState firstButtonState(const QString &deviceState)
 QString diskUsageTotal(const QString &duOutput)
 {
     const QStringList lines = duOutput.split('\n');
-    // the output ends with a line end, so the last part is behind it
+    // The last part is the empty text after the final line feed.
     return lines.size() < 2 ? QString() : lines.at(lines.size() - 2).section('\t', 0, 0);
 }

@@ -2,31 +2,31 @@
 
 #include <QString>
 
-// What the short outputs of tools say. That of ifconfig is in ifconfigoutput.h.
+// Parsers for the output of tools, except ifconfig (see ifconfigoutput.h).
 
-/// Name of the connected display in the text that "xrandr -q" prints: the text before the first
-/// blank of the last line with " connected " in it. Reading stops at the first empty line.
+/// Name of the connected display in the output of "xrandr -q": the text before the first blank of
+/// the last line that contains " connected ". Reading stops at the first empty line.
 /// Empty if no display is connected.
 QString connectedOutputName(const QString &xrandrOutput);
 
-/// Part of the names of all touch controllers that panels have.
+/// The names of all touch controllers in panels contain this.
 inline constexpr QLatin1String touchControllerName("PenMount");
 
-/// What the touch controller's first button does, as "xinput query-state" says.
+/// State of the touch controller's first button according to "xinput query-state".
 enum class TouchState {
-    Unknown, ///< the tool did not say
+    Unknown, ///< the tool did not report it
     Up,
     Down
 };
 
-/// Name of the touch controller in what "xinput --list --name-only" prints: the first line with
-/// "PenMount" in it, whole and untrimmed. Empty if there is none.
+/// Name of the touch controller in the output of "xinput --list --name-only": the first line that
+/// contains "PenMount", whole and untrimmed. Empty if there is none.
 QString touchDeviceName(const QString &deviceList);
 
-/// State of the first button in what "xinput query-state DEVICE" prints: "up" in the first line
-/// with "button[1]=" means up, any other text there down.
+/// State of the first button in the output of "xinput query-state DEVICE", taken from the first
+/// line that contains "button[1]=": Up if its value is "up", Down for any other value.
 TouchState firstButtonState(const QString &deviceState);
 
-/// The total in what "du -h FOLDER" prints: lines of a size, a tab and a path, the last of them
-/// for the folder itself. Result: its size, for example "12M"; empty if there is no whole line.
+/// The total in the output of "du -h FOLDER". Each line is a size, a tab and a path; the last line
+/// is for the folder itself. Result: its size, for example "12M"; empty without a complete line.
 QString diskUsageTotal(const QString &duOutput);

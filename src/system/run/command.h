@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// A tool and the arguments that it gets. No shell is involved, so nothing has to be quoted.
+/// A tool and its arguments. No shell is involved, so nothing has to be quoted.
 struct Command
 {
     QString tool = {}; ///< path, or a name that is looked up on PATH

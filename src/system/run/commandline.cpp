@@ -33,7 +33,7 @@ Command deviceStateCommand(const QString &device)
 
 Command screenSavingCommand(const QString &minutes)
 {
-    const qint64 seconds = qint64(minutes.toInt()) * 60; // no number: 0
+    const qint64 seconds = qint64(minutes.toInt()) * 60; // 0 if not a number
     if (seconds == 0) {
         return toolCommand(Tool::Xset, {"-dpms", "s", "noexpose"});
     }

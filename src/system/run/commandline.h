@@ -4,53 +4,53 @@
 
 #include <QDateTime>
 
-// The commands of the tools that the program runs. ToolLimits says how long each may take.
+// The commands that the program runs. ToolLimits has their time limits.
 
-/// The pause before the first window, which lets the panel's session settle. Made by a tool, so
-/// that an integrator can shorten it by putting another one first on PATH.
+/// The pause before the first window, in which the panel's session settles. It is a tool so that an
+/// integrator can shorten it: another "sleep" first on PATH replaces it.
 Command startPauseCommand();
 
-/// Lists the display outputs; connectedOutputName() reads what it prints.
+/// Lists the display outputs; connectedOutputName() parses its output.
 Command outputQueryCommand();
 
-/// Lists the input devices; touchDeviceName() reads what it prints.
+/// Lists the input devices; touchDeviceName() parses its output.
 Command deviceListCommand();
 
-/// Prints the state of an input device; firstButtonState() reads it.
+/// Prints the state of an input device; firstButtonState() parses its output.
 Command deviceStateCommand(const QString &device);
 
-/// Sets the delay after which the screen goes dark, from the stored number of minutes. Anything
-/// but a number other than 0 switches that off.
+/// Sets the delay after which the screen goes dark to the stored @p minutes. 0 or a text that is
+/// not a number switches the delay off.
 Command screenSavingCommand(const QString &minutes);
 
-/// Turns the display @p output as stored: "horizontal" or nothing is upright, any other text is
-/// turned left.
+/// Rotates the display @p output to the stored @p orientation. "horizontal" and the empty text mean
+/// upright; any other text means rotated left.
 Command orientationCommand(const QString &output, const QString &orientation);
 
-/// Sets the brightness of the display @p output to the stored text, which reaches the tool as it
-/// is; full light if it is empty.
+/// Sets the brightness of the display @p output to the stored text. Its value is not checked. An
+/// empty text means full light.
 Command brightnessCommand(const QString &output, const QString &brightness);
 
-/// Sets the system's clock to @p time, whose seconds are dropped.
+/// Sets the system clock to @p time without its seconds.
 Command clockCommand(const QDateTime &time);
 
-/// Copies the system's time to the hardware clock.
+/// Copies the system time to the hardware clock.
 Command hardwareClockCommand();
 
 /// Touch calibration. Runs until the user ends it.
 Command calibrationCommand();
 
-/// Prints a port's address; parseInterfaceAddress() reads it.
+/// Prints a port's address; parseInterfaceAddress() parses its output.
 Command addressQueryCommand(const QString &interface);
 
-/// Sets a port's address at once. The netmask is deliberately left to the kernel until the next
-/// boot.
+/// Sets a port's address at once. The kernel picks the netmask; the stored one takes effect at the
+/// next boot.
 Command setAddressCommand(const QString &interface, const QString &address);
 
 /// Obtains a lease for a port.
 Command obtainLeaseCommand(const QString &interface);
 
-/// Gives back the lease of "eth0", deliberately of no other port.
+/// Releases the lease of "eth0", whichever port is saved. On purpose: panels in use rely on it.
 Command releaseLeaseCommand();
 
 /// Starts the HMI runtime; runs until the runtime ends.
@@ -59,15 +59,15 @@ Command runtimeCommand();
 /// Unpacks the gzip-compressed tar archive at @p path into the folder in which it is run.
 Command unpackCommand(const QString &path);
 
-/// Removes what the last application left compiled.
+/// Removes the compiled files of the old application.
 Command removeOldApplicationCommand();
 
-/// Run before a firmware package is unpacked. The folder is deliberately not that of the
-/// application, "/home/dest", which outlives a new firmware.
+/// Runs before a firmware package is unpacked. The folder is misspelt on purpose: the application
+/// in "/home/dest" has to survive a new firmware.
 Command removeOldFirmwareCommand();
 
-/// Writes everything to the disk.
+/// Flushes all cached data to the disk.
 Command syncCommand();
 
-/// Prints the size of the installed application; diskUsageTotal() reads it.
+/// Prints the size of the installed application; diskUsageTotal() parses its output.
 Command applicationSizeCommand();

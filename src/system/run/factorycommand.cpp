@@ -45,5 +45,5 @@ Command presetToneCommand(const QString &buttonText)
     constexpr QLatin1String prefix("Beep f:");
     static const QRegularExpression separator("[: ]");
     const QStringList parts = buttonText.mid(prefix.size()).split(separator);
-    return toneCommand(parts.value(0), parts.value(2)); // between them stands the "t"
+    return toneCommand(parts.value(0), parts.value(2)); // part 1 is the "t"
 }

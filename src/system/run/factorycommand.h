@@ -2,29 +2,28 @@
 
 #include "system/run/command.h"
 
-// The commands of the tools that only the factory window runs.
+// The commands that only the factory window runs.
 
 /// The pause before the calibration that opens the factory window.
 Command calibrationPauseCommand();
 
-/// The pause in which the rest of a serial echo may arrive.
+/// The pause in which the rest of a serial echo can arrive.
 Command echoPauseCommand();
 
-/// Takes the session's start script out of the way, for units that are sold without a session
-/// of their own.
+/// Renames the session's start script, for units that are sold without a session.
 Command sessionAsideCommand();
 
 /// Removes the file at @p path.
 Command removeFileCommand(const QString &path);
 
-/// Lists all network interfaces that are up; hardwareAddresses() reads what it prints.
+/// Lists all network interfaces that are up; hardwareAddresses() parses its output.
 Command interfaceListCommand();
 
-/// The buzzer's own standard tone; returns when it has ended.
+/// The buzzer's standard tone. The tool ends when the tone does.
 Command beepCommand();
 
 /// A tone of @p frequency (Hz) for @p duration (ms), both as decimal text.
 Command toneCommand(const QString &frequency, const QString &duration);
 
-/// The tone that a button with a text like "Beep f:2900 t:1000" promises.
+/// The tone named by a button's text, such as "Beep f:2900 t:1000".
 Command presetToneCommand(const QString &buttonText);

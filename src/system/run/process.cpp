@@ -7,12 +7,11 @@
 #include <unistd.h>
 
 namespace {
-constexpr int lookInterval = 10; // ms between two looks at a tool that runs
+constexpr int lookInterval = 10; // ms between two checks of a running tool
 constexpr int politeTime = 500;  // ms between SIGTERM and SIGKILL
-constexpr int killTime = 1000;   // ms until a killed tool is gone, unless it waits for a disk
+constexpr int killTime = 1000;   // ms; enough for a killed tool to end, unless it waits for a disk
 
-/// A tool that reads its input finds the end of it, and does not wait for a keyboard that no
-/// panel has.
+/// Standard input is empty, so that no tool waits for a keyboard. Panels have none.
 void setUp(QProcess &process, const Command &command)
 {
     process.setStandardInputFile(QProcess::nullDevice());
@@ -25,14 +24,14 @@ bool isRunning(const QProcess &process)
     return process.state() != QProcess::NotRunning;
 }
 
-/// Ends a tool that still runs. Without this the destructor of QProcess would kill it at once
+/// Ends a tool that is still running. Otherwise the destructor of QProcess would kill it at once
 /// and print a warning.
 void endTool(QProcess &process)
 {
     if (!isRunning(process)) {
         return;
     }
-    process.closeReadChannel(QProcess::StandardOutput); // otherwise QProcess keeps all of it
+    process.closeReadChannel(QProcess::StandardOutput); // otherwise QProcess buffers it
     process.terminate();
     if (!process.waitForFinished(politeTime)) {
         process.kill();
@@ -53,15 +52,15 @@ void keepFirst(QByteArray &kept, const QByteArray &more)
     kept += more.first(qMin(more.size(), mostKept - kept.size()));
 }
 
-/// Reads a tool's standard error ourselves: QProcess keeps reading, and growing, for as long as
-/// the tool writes.
+/// A pipe of our own for a tool's standard error. QProcess would keep reading, and growing, for as
+/// long as the tool writes.
 class ErrorPipe
 {
 public:
     ErrorPipe()
     {
         if (pipe2(m_ends, O_CLOEXEC | O_NONBLOCK) == 0) {
-            fcntl(m_ends[1], F_SETPIPE_SZ, atOnce); // a smaller one does too
+            fcntl(m_ends[1], F_SETPIPE_SZ, atOnce); // may fail: a smaller pipe works too
         }
     }
     ~ErrorPipe()
@@ -72,7 +71,7 @@ public:
     }
     Q_DISABLE_COPY(ErrorPipe)
 
-    /// Where to write into it; no path if the system has no more pipes.
+    /// Path of the write end; empty if no pipe could be created.
     QString path() const
     {
         return m_ends[1] < 0 ? QString() : QString("/proc/self/fd/%1").arg(m_ends[1]);
@@ -90,7 +89,7 @@ private:
     int m_ends[2] = {-1, -1};
 };
 
-/// Time in ms until the next look at a tool, or until @p deadline.
+/// Time in ms until the next check of a tool, at most until @p deadline.
 int nextWait(const QDeadlineTimer &deadline)
 {
     return deadline.isForever()
@@ -98,16 +97,16 @@ int nextWait(const QDeadlineTimer &deadline)
         : static_cast<int>(qMin<qint64>(lookInterval, deadline.remainingTime()));
 }
 
-/// Collects what the tool writes until it ends, the time is over or the caller asks for its end.
-/// Result: false if the caller did.
+/// Collects the tool's output until the tool ends, its time limit passes or the caller stops it.
+/// Result: false if the caller stopped it.
 bool collect(QProcess &process, const ErrorPipe &errors, const RunOptions &options,
              ToolResult &result)
 {
     const QDeadlineTimer deadline(options.limit.count());
     do {
-        // Waiting for the end instead would let QProcess keep all that a tool writes until then.
+        // Not waitForFinished(): it would buffer everything that the tool writes until its end.
         process.waitForReadyRead(nextWait(deadline));
-        if (process.isReadable()) { // not after a failed start, nor with output in a file
+        if (process.isReadable()) { // false after a failed start or with output to a file
             keepFirst(result.output, process.readAllStandardOutput());
         }
         keepFirst(result.errors, errors.read());

@@ -2,17 +2,17 @@
 
 #include <chrono>
 
-/// Waits until the tool ends, however long that takes.
+/// No time limit: waits until the tool ends.
 inline constexpr std::chrono::milliseconds noLimit{-1};
 
-/// How long the archive of a package may take to unpack.
+/// How long unpacking a package may take.
 inline constexpr std::chrono::milliseconds unpackLimit{30000};
 
-/// How long the windows wait for their tools. The defaults are what a panel gets; a test hands
-/// shorter ones to a window, so that it need not wait for real.
+/// How long the windows wait for their tools. Panels use the defaults; tests pass shorter limits,
+/// so that they do not wait for real seconds.
 struct ToolLimits
 {
-    /// The tools of display, touch screen and clock, and those of the factory window. A panel
+    /// The tools for display, touch screen and clock, and those of the factory window. The panel
     /// must start even if one of them hangs.
     std::chrono::milliseconds tool{30000};
     /// The address of a port, for the Ethernet page.

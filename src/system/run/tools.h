@@ -4,8 +4,8 @@
 
 #include <iterator>
 
-/// Every tool that the program runs. toolCommand() builds its commands and takes no other, so
-/// whoever asks what a panel must have (talmero-doctor does) needs no list of its own.
+/// Every tool that the program runs. toolCommand() accepts no other, so this list is complete;
+/// talmero-doctor uses it to check a panel.
 enum class Tool {
     Beep,
     Date,
@@ -25,7 +25,7 @@ enum class Tool {
     Xset,
 };
 
-/// Their names in this order: looked up on PATH, but for that of the shell.
+/// Names in the order of Tool. All except the shell are looked up on PATH.
 inline constexpr const char *toolNames[]
     = {"beep",    "date",  "dhclient", "du",  "hwclock", "ifconfig", "mv",     "rm",
        "/bin/sh", "sleep", "sync",     "tar", "xCal",    "xinput",   "xrandr", "xset"};

@@ -2,16 +2,16 @@
 
 #include <QtGlobal>
 
-// What the miscellaneous page offers, and so the values that it finds again in the settings.
+// The choices on the miscellaneous page. It recognises only these values in the settings.
 
-/// A delay of the screen saver.
+/// A screen saver delay.
 struct DelayItem
 {
     const char *text;
     int minutes;
 };
 
-/// "Close" switches screen saving off; it has always been called so.
+/// "Close" switches screen saving off. It has always had this name.
 inline constexpr DelayItem delayItems[] = {
     {QT_TRANSLATE_NOOP("BiosInterface", "Close"), 0},
     {QT_TRANSLATE_NOOP("BiosInterface", "5 Mins"), 5},
@@ -21,7 +21,7 @@ inline constexpr DelayItem delayItems[] = {
     {QT_TRANSLATE_NOOP("BiosInterface", "60 Mins"), 60},
 };
 
-/// A brightness, as the display tool takes it.
+/// A brightness: its text on the page and its factor for xrandr.
 struct BrightnessItem
 {
     const char *text;
@@ -42,6 +42,6 @@ inline constexpr BrightnessItem brightnessItems[] = {
     {QT_TRANSLATE_NOOP("BiosInterface", "0%"), "0"},
 };
 
-/// What rescue mode stores as the brightness, on purpose: the character with code 1 and not the
-/// digit. The display tool refuses it at the next start and leaves the light full.
+/// Brightness that rescue mode stores: on purpose the character with code 1, not the digit. xrandr
+/// rejects it at the next start, which leaves the display at full light.
 inline constexpr char16_t rescueBrightness = 1;

@@ -11,7 +11,7 @@ constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 
 std::optional<SettingsEntry> parseSettingsLine(QByteArrayView line)
 {
-    // Simplified as bytes: the white space of Unicode includes bytes that are half a UTF-8 letter.
+    // Simplified as bytes, so that only ASCII white space counts.
     const QByteArray simple = line.toByteArray().simplified();
     const qsizetype equals = simple.indexOf('=');
     if (equals <= 0 || simple.startsWith('#')) {
@@ -57,7 +57,7 @@ QByteArray formatSettings(const SettingsMap &settings)
         text += bytesFromText(entry.value());
         text += '\n';
     }
-    // A key that begins as the mark does is not to be taken for it.
+    // If the first key starts with the mark's bytes, the reader would skip them: add a real mark.
     return text.startsWith(byteOrderMark) ? text.prepend(byteOrderMark) : text;
 }
 

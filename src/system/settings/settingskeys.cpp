@@ -17,7 +17,7 @@ std::optional<QSize> parseScreenSize(const QString &text)
     if (parts.size() != 2) {
         return std::nullopt;
     }
-    const QSize size(parts.at(0).toInt(), parts.at(1).toInt()); // not a number: 0
+    const QSize size(parts.at(0).toInt(), parts.at(1).toInt()); // 0 if not a number
     if (size.width() < 1 || size.height() < 1) {
         return std::nullopt;
     }

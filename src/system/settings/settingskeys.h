@@ -5,8 +5,7 @@
 
 #include <optional>
 
-/// Every key of the settings file that the program knows, spelt once, but for those of the LAN
-/// ports, which ethernetKeys() gives.
+/// Every key of the settings file that the program uses. ethernetKeys() has those of the LAN ports.
 namespace SettingsKeys {
 inline constexpr char mouse[] = "app.mouse";
 inline constexpr char buzzer[] = "app.buzzer";
@@ -16,14 +15,14 @@ inline constexpr char brightness[] = "bios.brightness";
 inline constexpr char debugLevel[] = "bios.debug";
 inline constexpr char screenSize[] = "bios.screen.size";
 
-/// Below which folder packages are looked for.
+/// The folder below which packages are searched for.
 inline constexpr char transferFolder[] = "bios.filetransfer.folder";
 
-/// Below which folder fonts are looked for.
+/// The folder below which fonts are searched for.
 inline constexpr char fontFolder[] = "bios.fontsetting.folder";
 } // namespace SettingsKeys
 
-/// Settings keys and interface name of a LAN port.
+/// Interface name and settings keys of a LAN port.
 struct EthernetKeys
 {
     QString interface;
@@ -31,12 +30,12 @@ struct EthernetKeys
     QString mask;
 };
 
-/// Those of the port @p lan: 0 is the first one, any other number the second.
+/// Keys of the port @p lan: 0 is the first port, any other number the second.
 const EthernetKeys &ethernetKeys(int lan);
 
-/// Value of the address key of a port on DHCP.
+/// Value of the address key for a port that uses DHCP.
 inline constexpr char dhcpValue[] = "dhcp";
 
-/// Size in pixels from a text such as "800x600" or "800X600": two decimal numbers, each at
-/// least 1. Nothing for any other text.
+/// Parses a size in pixels such as "800x600" or "800X600": two decimal numbers, each at least 1.
+/// Result: nothing for any other text.
 std::optional<QSize> parseScreenSize(const QString &text);
