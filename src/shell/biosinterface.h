@@ -48,10 +48,10 @@ struct Command;
 /// Each page has a builder (init...), a loader (load...) and a saver (save...), implemented in
 /// the page's own file.
 ///
-/// Some members are part of the interface, but the program does not call them. They stand in one
-/// group where the order allows. The slots and virtual functions among them, which keep their
-/// place: installPackages(), saveCalibrationSettings() and saveTimeSettings(). Class Calibration
-/// in pages/calibration.h is unused too.
+/// The program does not call some members that are part of the interface. They are grouped below,
+/// except three slots, because the order of slots is fixed: installPackages(),
+/// saveCalibrationSettings() and saveTimeSettings(). The program does not use class Calibration
+/// (pages/calibration.h) either.
 class BiosInterface : public QWidget
 {
     Q_OBJECT

@@ -136,7 +136,7 @@ void BiosInterface::fitShownPage()
 {
     QWidget *page = m_pages->currentWidget();
     if (page->layout() == nullptr || m_pages->currentIndex() <= MainSettingsPage) {
-        return; // these pages fit every screen
+        return; // these pages need no fitting
     }
     auto &fit = m_fits[m_pages->currentIndex()];
     if (!fit) {

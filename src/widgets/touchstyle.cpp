@@ -15,8 +15,7 @@ namespace {
 constexpr int indicatorSize = 25; // px; odd: the gloss needs a dot of even size
 constexpr int fieldHeight = 40;   // px; the factory's test page has no room for more
 constexpr int listFrame = 1;      // px around the list of a combo box
-constexpr int arrowPlaceWidth
-    = Metrics::fingerHeight;                // px; width of a combo box's arrow and of a spin button
+constexpr int arrowPlaceWidth = Metrics::fingerHeight; // px; combo box arrow, spin button
 constexpr int usualArrowPlaceWidth = 20;    // px; included in Qt's own size of a combo box
 constexpr QSize smallestButton(120, 48);    // px
 constexpr int scrollBarWidth = 28;          // px
