@@ -3,11 +3,13 @@
 #include <QPoint>
 #include <QRect>
 
-/// Where the keypad's top left corner goes, in pixels of the desktop, for a @p field of the same
-/// desktop: two pixels under the field, or directly above it if the keypad, @p height pixels
-/// high, would end below the bottom of @p available.
+// All coordinates are desktop pixels.
+
+/// Returns the keypad's top left corner for the line edit at @p field. The keypad goes two pixels
+/// below the line edit. It goes directly above if, with its @p height in pixels, it would extend
+/// below @p available.
 QPoint keypadPosition(const QRect &field, int height, const QRect &available);
 
-/// How many pixels @p field must move down for the whole keypad to have room above it. 0 if the
-/// keypad's place is on the screen anyway, or if a screen is too low for keypad and field.
+/// Returns how many pixels @p field must move down to make room for the keypad above it. Returns 0
+/// if the keypad fits without a move, or if @p available is too low for both.
 int keypadShift(const QRect &field, int height, const QRect &available);

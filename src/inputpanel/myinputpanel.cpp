@@ -2,8 +2,8 @@
 
 #include <QApplication>
 
-/// The collection is linked in from a static library, which does not register it by itself. The
-/// macro wants a function outside any namespace.
+/// Registers the pictures explicitly, because they are in a static library. The macro must be used
+/// outside any namespace.
 static void registerPictures()
 {
     Q_INIT_RESOURCE(myinputpanel);

@@ -6,20 +6,20 @@
 #include <QSignalMapper>
 #include <QWidget>
 
-/// The keypad's window: ten digits, a dot, a backspace key and "Close". It stays on top of the
-/// program's window and leaves the keyboard focus to it.
+/// The keypad's window with ten digits, a dot, a backspace key and a "Close" button. It stays on
+/// top of the program's window and does not keep the keyboard focus.
 class MyInputPanel : public QWidget
 {
     Q_OBJECT
 public:
-    /// A hidden keypad without a parent.
+    /// Creates a hidden top-level window.
     MyInputPanel();
 
 signals:
-    /// A key was tapped. The backspace key gives '#'.
+    /// A key was tapped. The backspace key sends '#'.
     void characterGenerated(QChar character);
 
-    /// The keypad was hidden, by a call or by its button.
+    /// The keypad was hidden, by a call or by its "Close" button.
     void hidden();
 
 protected:
@@ -32,6 +32,6 @@ private slots:
 
 private:
     Ui_MyInputPanelForm form;
-    QPointer<QWidget> lastFocusedWidget; ///< the last one outside the keypad
+    QPointer<QWidget> lastFocusedWidget; ///< the last focus widget outside the keypad
     QSignalMapper signalMapper;
 };

@@ -101,16 +101,17 @@ QWidget *MyInputPanelContext::panel() const
 
 void MyInputPanelContext::showPanel()
 {
-    inputPanel->winId(); // makes the window that the next lines need
+    inputPanel->winId(); // creates the QWindow for the next lines
     QWindow *window = inputPanel->windowHandle();
-    // A window manager may lift a window that fills the screen over one that asks to stay on top,
-    // but not over one that belongs to it.
+    // A window manager may raise a full-screen window above one that stays on top, but not above
+    // the full-screen window's own transient windows.
     window->setTransientParent(targetLineEdit->window()->windowHandle());
-    // Otherwise each key would take the focus and give it back, and the settings window would turn
-    // the screen anew each time. Who gives it the focus all the same gets it back at once.
+    // Otherwise each tap moves the focus to the keypad and back, and the settings window rotates
+    // the screen each time it is activated. MyInputPanel::event() handles window managers that
+    // ignore this flag.
     window->setFlag(Qt::WindowDoesNotAcceptFocus);
     inputPanel->show();
-    inputPanel->raise(); // where no window manager keeps it on top
+    inputPanel->raise(); // needed if no window manager keeps it on top
 }
 
 void MyInputPanelContext::sendCharacter(QChar character)
@@ -129,13 +130,14 @@ void MyInputPanelContext::sendCharacter(QChar character)
     QKeyEvent press(QEvent::KeyPress, character.unicode(), Qt::NoModifier, QString(character));
     QCoreApplication::sendEvent(target, &press);
     if (target != nullptr) {
-        // A second press without text, deliberately, where a release would be expected.
+        // A second press without text instead of a release, on purpose: line edits ignore it, and
+        // this sequence is part of the interface.
         QKeyEvent second(QEvent::KeyPress, character.unicode(), Qt::NoModifier, QString());
         QCoreApplication::sendEvent(target, &second);
     }
 }
 
-/// Wherever the cursor is: a finger that corrects a typing mistake means the end of the text.
+/// Deletes at the end of the text, wherever the cursor is: users correct what they typed last.
 void MyInputPanelContext::deleteLastCharacter()
 {
     if (targetLineEdit != nullptr && !targetLineEdit->text().isEmpty()) {

@@ -11,13 +11,13 @@ class QEvent;
 class QLineEdit;
 class QWidget;
 
-/// The input method of the settings window: shows the keypad by the line edit that asks for it
-/// and turns its keys into key events. installInputContext() makes it the application's.
+/// The input method of the settings window. It shows the keypad next to the line edit that
+/// requests it and turns taps on its keys into key events. Install it with installInputContext().
 class MyInputPanelContext : public QObject
 {
     Q_OBJECT
 public:
-    /// Makes a hidden keypad.
+    /// Creates the keypad, hidden.
     MyInputPanelContext();
     ~MyInputPanelContext() override;
 
@@ -26,27 +26,26 @@ public:
     void reset();
     bool isComposing() const;
 
-    /// Shows the keypad on QEvent::RequestSoftwareInputPanel if a line edit has the focus, hides
-    /// it on QEvent::CloseSoftwareInputPanel.
-    /// Result: whether the event was of use; false for any other event.
+    /// Shows the keypad on QEvent::RequestSoftwareInputPanel if a line edit has the focus. Hides
+    /// the keypad on QEvent::CloseSoftwareInputPanel. Returns whether it did either.
     bool filterEvent(const QEvent *event);
 
-    /// Moves the keypad under the focus widget, or above it where it would leave the screen at
-    /// the bottom. It is never shifted sideways. Does nothing if nothing has the focus.
+    /// Moves the keypad below the focus widget, or above it if there is no room below. Never moves
+    /// it sideways to make it fit. Does nothing without a focus widget.
     void updatePosition();
 
-    /// Whether the whole keypad would be on the screen if @p field asked for it.
+    /// Returns whether the whole keypad would be on the screen if @p field requested it.
     bool panelFitsAt(const QWidget *field) const;
 
-    /// How many pixels @p field must move down for the keypad to be whole above it; 0 if it need
-    /// not, or if that would not help.
+    /// Returns how many pixels @p field must move down to make room for the keypad above it.
+    /// Returns 0 if the keypad fits already, or if the screen is too low for both.
     int shiftFor(const QWidget *field) const;
 
-    /// The keypad's window.
+    /// Returns the keypad's window.
     QWidget *panel() const;
 
 signals:
-    /// The keypad is about to be placed at @p field and shown.
+    /// The keypad is about to be shown next to @p field.
     void aboutToShow(QWidget *field);
 
     /// The keypad was hidden.
@@ -61,5 +60,5 @@ private:
     void deleteLastCharacter();
 
     std::unique_ptr<MyInputPanel> inputPanel;
-    QPointer<QLineEdit> targetLineEdit; ///< the line edit that last asked for the keypad
+    QPointer<QLineEdit> targetLineEdit; ///< the last one to request the keypad
 };

@@ -15,7 +15,7 @@ constexpr char pluginKey[] = "talmeropanel";
 
 QPointer<MyInputPanelContext> installed;
 
-/// Hands the toolkit's wishes to the installed context. Does nothing while there is none.
+/// Forwards Qt's requests to the installed context, if there is one.
 class PanelPlatformInputContext : public QPlatformInputContext
 {
 public:
@@ -25,8 +25,7 @@ public:
 
     void hideInputPanel() override
     {
-        // The toolkit asks for this whenever a line edit loses the focus, also to the keypad
-        // itself at each key.
+        // Qt calls this whenever a line edit loses the focus, even if the keypad gets it.
         if (installed != nullptr && QApplication::activeWindow() != installed->panel()) {
             pass(QEvent::CloseSoftwareInputPanel);
         }

@@ -2,9 +2,10 @@
 
 class MyInputPanelContext;
 
-/// Makes the toolkit ask for the platform input context of this program, whatever the environment
-/// names. Call it before the application object exists.
+/// Makes Qt use this program's platform input context, regardless of the environment. Must be
+/// called before the application object is created.
 void selectInputContextPlugin();
 
-/// Makes @p context the application's input method; with nullptr there is none, as at the start.
+/// Makes @p context the application's input method. Pass nullptr to remove it. The caller keeps
+/// ownership.
 void installInputContext(MyInputPanelContext *context);

@@ -5,15 +5,15 @@
 
 #include <array>
 
-/// Frame of a full-screen calibration dialog of the program's own. Nothing creates it: panels are
-/// calibrated by the tool that the calibration page runs.
+/// Skeleton of a full-screen calibration dialog. It is part of the interface, but the program
+/// does not use it: the calibration page runs an external tool instead.
 class Calibration : public QDialog
 {
     Q_OBJECT
 public:
     Calibration();
 
-    /// Covers the desktop, takes the focus, becomes modal and starts at the first point.
+    /// Covers the desktop, takes the focus, makes the dialog modal and returns to the first point.
     void init();
 
     /// Does nothing.

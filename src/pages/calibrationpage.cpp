@@ -21,5 +21,5 @@ bool BiosInterface::loadCalibrationSettings()
 
 bool BiosInterface::saveCalibrationSettings()
 {
-    return true; // the tool stores what it finds
+    return true; // the calibration tool stores its own result
 }

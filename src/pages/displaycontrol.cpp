@@ -23,7 +23,7 @@ void BiosInterface::setBackLighting()
                m_limits.tool);
 }
 
-/// To what the time editor shows at this moment.
+/// Sets the clock to the time that the editor shows, not to the time of the last edit.
 void BiosInterface::setSystemTime()
 {
     runAndWait(clockCommand(m_misc.time->dateTime()), m_limits.tool);

@@ -1,5 +1,5 @@
-// The pages that carry a title bar and nothing else, and the slots of the time page, which has not
-// even that.
+// The pages that have only a title bar, and the slots of the time page, which has no widgets at
+// all.
 
 #include "shell/biosinterface.h"
 

@@ -17,12 +17,12 @@
 namespace {
 constexpr int editMinimumHeight = 20; // px
 constexpr int captionSpacing = 6;     // px
-constexpr int editSpacing = 4;        // px; with it both ports fit a screen 600 pixels high
+constexpr int editSpacing = 4;        // px; small enough for both ports on a screen 600 pixels high
 constexpr QColor disabledTextColor(80, 80, 80);
 constexpr char defaultMask[] = "255.255.255.0";
 
-/// What differs between the two ports. That both edits of the first have one name, and that it
-/// starts with no mode chosen, is meant so.
+/// The differences between the two ports. The address and mask of Lan 1 share an object name on
+/// purpose: it is part of the interface. Lan 1 starts without a mode; loading the page sets one.
 struct PortLook
 {
     const char *caption;
@@ -46,7 +46,7 @@ LineEditWithKeyPad *createEdit(const char *name, QWidget *page)
     edit->setObjectName(QLatin1String(name));
     edit->setMinimumHeight(editMinimumHeight);
     edit->setEnabled(false);
-    // A port on DHCP shows its address in disabled edits: it must be readable at arm's length.
+    // With DHCP the disabled line edits show the address. It must be readable at arm's length.
     QPalette palette = edit->palette();
     palette.setColor(QPalette::Disabled, QPalette::Text, disabledTextColor);
     edit->setPalette(palette);
@@ -65,7 +65,7 @@ RadioButton *createMode(const QString &text, const char *name, QButtonGroup *mod
 void BiosInterface::initEthernetPage()
 {
     QVBoxLayout *content = createContent(Metrics::wideMargin);
-    content->setSpacing(0); // the rows that a finger chooses touch each other
+    content->setSpacing(0); // no gaps between the rows: a tap always hits one
     createEthernetPort(0, content);
     createEthernetPort(1, content);
     setPageLayout(createTitleBar(tr("Ethernet"), true, true), content,
@@ -144,13 +144,13 @@ void BiosInterface::loadEthernetPort(int lan)
     }
 }
 
-/// A port on DHCP shows what it has got, which no file says.
+/// Shows the address that the port got from DHCP. The settings do not contain it.
 void BiosInterface::showLiveAddress(int lan)
 {
     const EthernetKeys &keys = ethernetKeys(lan);
     const ToolResult result
         = runTool(addressQueryCommand(keys.interface), {.limit = m_limits.address});
-    // Nothing was found in a text that never came.
+    // The output of a tool that was cut off may be incomplete.
     InterfaceAddress live
         = parseInterfaceAddress(result.hasFinished() ? byteText(result.output) : QString());
     if (live.mask.isEmpty()) {

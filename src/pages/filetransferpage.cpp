@@ -17,7 +17,7 @@
 
 namespace {
 constexpr int warningFontSize = 24;              // px, readable at arm's length
-constexpr char tableName[] = "show_files_table"; // of both pages that have one
+constexpr char tableName[] = "show_files_table"; // the font page uses it too
 constexpr char applicationName[] = "application_radioButton";
 constexpr char firmwareName[] = "firmware_radioButton";
 
@@ -39,7 +39,7 @@ void BiosInterface::initFileTransferPage()
     m_transfer.application->setChecked(true);
     auto *firmware = new RadioButton(tr("Firmware"), page);
     firmware->setObjectName(firmwareName);
-    // Alone: choosing the other one takes the choice off this one.
+    // One connection is enough: choosing Firmware toggles Application as well.
     connect(m_transfer.application, &RadioButton::toggled, this,
             &BiosInterface::loadFiletransferSettings);
 
@@ -69,8 +69,8 @@ bool BiosInterface::loadFiletransferSettings()
     const QString folder = searchFolder(m_settings.value(SettingsKeys::transferFolder));
     const auto type
         = m_transfer.application->isChecked() ? PackageType::Application : PackageType::Firmware;
-    // A file whose whole name is the extension comes first. Such a name is a hidden one, and Qt
-    // lists none of those.
+    // A file named only like the extension would come first. Its name starts with a dot, and
+    // entryList() skips hidden files.
     QStringList files = QDir(folder).entryList({packageExtension(type)},
                                                QDir::Files | QDir::NoSymLinks, QDir::Unsorted);
     files += findPackagesBelow(folder, type);
@@ -81,8 +81,8 @@ bool BiosInterface::loadFiletransferSettings()
 bool BiosInterface::saveFiletransferSettings()
 {
     const QTableWidgetItem *chosen = m_transfer.files ? m_transfer.files->currentItem() : nullptr;
-    // The current row is one that was tapped only if it is selected: when the table gets the focus
-    // in another way, Qt makes the first row current, which nobody sees.
+    // Qt makes the first row current when the table gets the focus without a tap, and shows no
+    // sign of it. Only a tapped row is selected.
     if (chosen == nullptr || !chosen->isSelected()) {
         return true;
     }

@@ -15,7 +15,7 @@ namespace {
 void installFont(const QString &path)
 {
     const QString name = path.mid(path.lastIndexOf('/') + 1);
-    copyToNewFile(path, Paths::fontFolder + name); // a font of that name stays as it is
+    copyToNewFile(path, Paths::fontFolder + name); // keeps an existing font of that name
 }
 } // namespace
 

@@ -16,7 +16,7 @@ namespace {
 constexpr int gridSpacing = 40;    // px
 constexpr int tickInterval = 1000; // ms
 
-/// A row of two radio buttons of which one is checked, the first one at the start.
+/// Adds a row of two exclusive radio buttons and checks the first.
 void addChoiceRow(QGridLayout *grid, int row, RadioButton *first, RadioButton *second)
 {
     auto *group = new QButtonGroup(first->parent());
@@ -27,8 +27,8 @@ void addChoiceRow(QGridLayout *grid, int row, RadioButton *first, RadioButton *s
     grid->addWidget(second, row, 2);
 }
 
-/// Selects the first item behind the first one whose data is @p data. Leaves the selection as it
-/// is if there is none; the first item is deliberately not looked at.
+/// Selects the item with the data @p data, or keeps the selection if there is none. Skips the
+/// first item, which is the default: its value keeps the selection too.
 void selectStored(QComboBox *box, const QVariant &data)
 {
     for (int index = 1; index < box->count(); ++index) {
@@ -64,7 +64,7 @@ void BiosInterface::createMiscRows(QGridLayout *grid)
         auto *caption = new QLabel(captions[row], page);
         setWidgetWithStyle(caption);
         caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        caption->setWordWrap(true); // upright there is no room for the long ones in a line
+        caption->setWordWrap(true); // the long captions do not fit in one line in portrait
         grid->addWidget(caption, row, 0);
     }
     m_misc.mouseEnable = new RadioButton(tr("Enable"), page);
@@ -96,7 +96,8 @@ bool BiosInterface::loadMiscSettings()
     const bool mouse = !m_settings.value(SettingsKeys::mouse).isEmpty();
     (mouse ? m_misc.mouseEnable : m_misc.mouseDisable)->setChecked(true);
     if (!m_settings.value(SettingsKeys::buzzer).isEmpty()) {
-        m_misc.buzzerEnable->setCheckable(true); // not checked: the pair stays as it is, on purpose
+        // Not setChecked(), on purpose: panels keep the current choice here.
+        m_misc.buzzerEnable->setCheckable(true);
     } else {
         m_misc.buzzerDisable->setChecked(true);
     }
@@ -143,7 +144,7 @@ bool BiosInterface::saveMiscSettings()
     return true;
 }
 
-/// A setting that is off is stored as an absent key.
+/// Stores "1" if @p on is set. Removes the key otherwise.
 void BiosInterface::storeFlag(const QString &key, bool on)
 {
     storeOrRemove(key, on ? QString("1") : QString());

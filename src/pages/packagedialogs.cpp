@@ -1,5 +1,5 @@
-// The dialogs that pick what is installed over the settings program itself, and the search for
-// files by what is in them.
+// The dialogs that choose a package to install over the settings program, and the search for
+// files by their contents.
 
 #include "shell/biosinterface.h"
 
@@ -24,7 +24,7 @@ void BiosInterface::updateBIOSDialog(const QString &filename)
             }
         }
     }
-    installBIOSPackage(path); // after "Cancel" too: no file has the empty name
+    installBIOSPackage(path); // after "Cancel" the path is empty, so nothing is installed
 }
 
 bool BiosInterface::installPackages()

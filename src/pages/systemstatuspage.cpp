@@ -17,11 +17,11 @@ constexpr int rowSpacing = 40; // px
 constexpr char valueNamePrefix[] = "show ";
 constexpr char captionSpacer[] = "          :     ";
 
-/// The OEM whose panels are sold as a series.
+/// Panels of this OEM show the series before the model.
 constexpr char seriesOem[] = "TALMEROQZP";
 constexpr char seriesPrefix[] = "TALMERO EK Series:";
 
-constexpr char capacity[] = "/16384M"; // of the application's storage, the same in all panels
+constexpr char capacity[] = "/16384M"; // size of the application storage, the same on all panels
 
 QString modelText()
 {
@@ -36,17 +36,18 @@ QString firmwareText()
     return version.isEmpty() ? getCurrentRuntimeVersion() : version;
 }
 
-/// A row of the page, the text of its value at start, if it has one then.
+/// A row of the page. A row without a value function starts empty.
 struct StatusRow
 {
     const char *caption;
     QString (*value)();
 };
 
+// Two rows share a caption on purpose: "show BIOS Version" is the object name of both values.
 // clang-format off
 constexpr StatusRow statusRows[] = {
     {QT_TRANSLATE_NOOP("BiosInterface", "Application Size"),  nullptr},
-    {QT_TRANSLATE_NOOP("BiosInterface", "BIOS Version"),      modelText}, // so captioned for good
+    {QT_TRANSLATE_NOOP("BiosInterface", "BIOS Version"),      modelText},
     {QT_TRANSLATE_NOOP("BiosInterface", "Firmware Version"),  firmwareText},
     {QT_TRANSLATE_NOOP("BiosInterface", "Manufacturer"),
      [] { return BiosInterface::tr("TALMERO Industrial Panels"); }},
@@ -65,9 +66,9 @@ QPair<QLabel *, QLabel *> BiosInterface::createSystemStatusLabel(const QString &
     captionLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto *value = new QLabel(page);
     value->setObjectName(valueNamePrefix + caption);
-    value->setWordWrap(true); // files may say more than a line holds
+    value->setWordWrap(true); // a file's text may be longer than a line
     for (QLabel *label : {captionLabel, value}) {
-        label->setTextFormat(Qt::PlainText); // what a file or a tool says may look like markup
+        label->setTextFormat(Qt::PlainText); // the text of a file or tool may look like markup
         setWidgetWithStyle(label);
     }
     return {captionLabel, value};
@@ -88,7 +89,7 @@ void BiosInterface::initSystemStatusPage()
     loadSystemStatusSettings();
 }
 
-/// Result: the labels of the values, one for each row.
+/// Adds all rows to @p grid. Returns their value labels in row order.
 QList<QLabel *> BiosInterface::createStatusRows(QGridLayout *grid)
 {
     QList<QLabel *> values;
@@ -147,6 +148,6 @@ QString BiosInterface::hardwareAddress(const QString &interface)
 QString BiosInterface::applicationSize()
 {
     const auto [output, errors] = doProcess(applicationSizeCommand(), noLimit);
-    // Any error text, and be it that one folder cannot be read, leaves the size out.
+    // With any error text the sum may be incomplete: a single unreadable folder causes one.
     return errors.isEmpty() ? diskUsageTotal(output) + capacity : QString(capacity);
 }

@@ -25,7 +25,7 @@ constexpr int rescuePollInterval = 200; // ms
 
 constexpr int fontPixelSize = 28;
 constexpr int smallFontPixelSize = 20;
-/// Models with a screen too small for the usual font.
+/// Models whose screen is too small for the usual font.
 constexpr const char *smallFontModels[] = {"K07", "K21"};
 
 int fontPixelSizeFor(const QStringList &model)
@@ -38,7 +38,8 @@ int fontPixelSizeFor(const QStringList &model)
     return fontPixelSize;
 }
 
-/// Takes the room that the window has: a page must not make the window larger than the screen.
+/// Page stack without size hints. Otherwise a large page would make the window larger than the
+/// screen.
 class PageStack : public QStackedWidget
 {
 public:
@@ -77,7 +78,7 @@ int BiosInterface::getDebugLevel() const
     return m_debugLevel;
 }
 
-/// What has to be known and applied before the window is built.
+/// Reads and applies everything that the window needs before it is built.
 void BiosInterface::preAction()
 {
     readDebugLevel();
@@ -85,7 +86,7 @@ void BiosInterface::preAction()
     findDisplayOutput();
     setScreenSaving();
     setBackLighting();
-    watchScreens(); // before the orientation, which changes the size of the screen
+    watchScreens(); // first: setScreenOrientation() changes the screen size
     setScreenOrientation();
 }
 
@@ -200,7 +201,7 @@ void BiosInterface::buildPages()
     initFontSettingPage();
 }
 
-/// What the page stack leaves free while makeRoomForKeypad() has moved it.
+/// Paints the strip that makeRoomForKeypad() uncovers when it moves the page stack.
 void BiosInterface::paintEvent(QPaintEvent *event)
 {
     QPainter(this).fillRect(event->rect(), Qt::black);

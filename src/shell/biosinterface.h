@@ -43,10 +43,15 @@ class StackWidgetPage;
 class StartingApplicationAniationButton;
 struct Command;
 
-/// The settings window: reads and applies the stored settings, counts down, starts the HMI
+/// The settings window. It reads and applies the stored settings, counts down, starts the HMI
 /// runtime and holds all settings pages. It owns the settings, the page stack and every page.
-/// Each page is a trio of members, a builder (init...), a loader (load...) and a saver
-/// (save...), implemented in the file of the page.
+/// Each page has a builder (init...), a loader (load...) and a saver (save...), implemented in
+/// the page's own file.
+///
+/// The program does not call some members that are part of the interface. They are grouped below,
+/// except three slots, because the order of slots is fixed: installPackages(),
+/// saveCalibrationSettings() and saveTimeSettings(). The program does not use class Calibration
+/// (pages/calibration.h) either.
 class BiosInterface : public QWidget
 {
     Q_OBJECT
@@ -58,99 +63,100 @@ public:
         ComPortPage,
         EthernetPage,
         FileTransferPage,
-        BacklightPage, ///< stays empty: its builder is not called
+        BacklightPage, ///< empty: the builder is not called
         MiscPage,
         CalibrationPage,
-        VolumePage, ///< stays empty: its builder is not called
+        VolumePage, ///< empty: the builder is not called
         SystemStatusPage,
         HomeKeyPage,
         FontPage,
-        TimeSettingPage, ///< stays empty
-        SparePage1,      ///< stays empty
-        SparePage2,      ///< stays empty
+        TimeSettingPage, ///< empty
+        SparePage1,      ///< empty
+        SparePage2,      ///< empty
         PageCount
     };
 
     /// Reads the settings, applies the display settings and builds all pages. Blocks while the
-    /// tools run that this takes. A tool or file that is missing is passed over. @p limits says
-    /// how long tools are waited for.
+    /// tools run, each for no longer than @p limits allows. Skips missing tools and files.
     explicit BiosInterface(QWidget *parent = nullptr, const ToolLimits &limits = {});
     ~BiosInterface() override;
 
-    /// Debug level from the settings, 0 if not set. Above 0 adds the "Home Key" button.
-    int getDebugLevel() const;
-
-    /// Runs a tool, waits for it for at most @p timeout milliseconds (-1: without limit) and logs
-    /// the run. With empty @p arguments @p program is a whole command line, split at blanks with
-    /// double quotes for grouping.
-    /// Result: the text on standard output, then the text on standard error or "not finished"
-    /// if the tool could not be started or did not end in time. Both texts are 8-bit characters
-    /// up to the first zero byte. The exit code is not looked at.
+    /// Runs a tool, waits up to @p timeout milliseconds for it to end (-1: no limit) and logs the
+    /// run. If @p arguments is empty, @p program is a whole command line: blanks separate the
+    /// arguments, double quotes group them.
+    /// Returns the text of standard output and the text of standard error. The second text is
+    /// "not finished" if the tool could not be started or did not end in time. Each byte becomes
+    /// one character; a text ends at its first zero byte. The exit code is ignored.
     QPair<QString, QString> doProcess(const QString &program, const QStringList &arguments,
                                       int timeout);
 
-    /// Writes the program's environment to the debug channel; the argument is not used. Nothing
-    /// calls it: it is there for diagnosis, under a name that is misspelt for good.
-    void echoEnviromentProcess(const QString &unused);
-
-    /// Adds the entries of the settings file to the settings. A missing or unreadable file adds
-    /// none.
+    /// Adds the entries of the settings file to the settings. Does nothing if the file is missing
+    /// or unreadable.
     void readINI();
 
-    /// Writes all settings over the settings file. A failure is a debug line; the settings keep
-    /// their values.
+    /// Replaces the settings file with the current settings. Writes a debug line on failure.
     void writeINI();
 
-    /// Gives a caption of a page its look: white text in a font 24 pixels high.
+    /// Gives @p widget the look of a caption: white text in a font of 24 pixels.
     static void setWidgetWithStyle(QWidget *widget);
 
-    /// Gives back the DHCP lease of "eth0", whichever port is being set. Waits without limit.
-    /// Result: as doProcess().
+    /// Releases the DHCP lease of "eth0", even while the other port is being set. Waits without a
+    /// time limit. Returns the same as doProcess().
     QPair<QString, QString> releaseCurrenEthernetProcess();
 
-    /// Stores a fixed address for a port (0: "eth0", otherwise "eth1") and sets it at once. Texts
-    /// are taken as typed. Waits without limit. Result: as doProcess().
+    /// Stores a static address for port @p lan (0: "eth0", otherwise "eth1") and sets it at once.
+    /// Does not check the texts. Waits without a time limit. Returns the same as doProcess().
     QPair<QString, QString> manualSetIPProcess(const QString &ip, const QString &mask, int lan);
 
-    /// Stores DHCP for a port (0: "eth0", otherwise "eth1") and obtains a lease within 10 s.
-    /// Result: as doProcess(), with the second text of the release in front of the second.
+    /// Releases the lease of "eth0", stores DHCP for port @p lan (0: "eth0", otherwise "eth1") and
+    /// waits up to 10 s for a lease. Returns the same as doProcess(); the second text starts with
+    /// that of the release.
     QPair<QString, QString> autoDetectIPProcess(int lan);
 
-    /// Looks for @p text, with case, in the lines of the files @p names of @p directory. A dialog
-    /// shows how far it is and can end it. Files that cannot be read are passed over.
-    /// Result: the names of the files that hold it, in their order, as far as the search went.
-    QStringList findFiles(const QDir &directory, const QStringList &names, const QString &text);
-
-    /// Does nothing. Kept for the interface's sake.
-    void scanDrives(QString &drives);
-
-    /// Makes the two labels of a row of the status page: the caption, then the value, still empty
-    /// and named "show " and the caption.
+    /// Creates the two labels of a row on the status page: the caption and the value. The value
+    /// is empty; its object name is "show " followed by the caption.
     QPair<QLabel *, QLabel *> createSystemStatusLabel(const QString &caption);
 
-    /// Writes the interfaces file for the modes that the Ethernet page shows and these texts. If
-    /// that fails the old file stays.
+    // Part of the interface; the program calls none of these.
+
+    /// Returns the debug level from the settings, 0 if not set.
+    int getDebugLevel() const;
+
+    /// Writes the program's environment as a debug line. Ignores its argument.
+    void echoEnviromentProcess(const QString &unused);
+
+    /// Returns those of the files @p names in @p directory that contain @p text within a line,
+    /// case-sensitively and in the order of @p names. Skips unreadable files. Shows a progress
+    /// dialog; if the user cancels it, returns the files found so far.
+    QStringList findFiles(const QDir &directory, const QStringList &names, const QString &text);
+
+    /// Does nothing.
+    void scanDrives(QString &drives);
+
+    /// Writes the interfaces file with these texts and the modes chosen on the Ethernet page.
+    /// Keeps the old file on failure.
     void writeEthInterface(const QString &ip0, const QString &ip1, const QString &mask0,
                            const QString &mask1);
 
-    // The order of the slots is part of the interface: the meta-object numbers them by it.
+    // The order of the slots is part of the interface: their meta-object indices depend on it.
 public slots:
     /// Shows the main settings page.
     void goToSettingsPage();
 
-    /// Starts the HMI runtime and blocks until it ends; the main settings page is shown then.
+    /// Starts the HMI runtime, blocks until it ends, then shows the main settings page.
     void runApplication();
 
-    /// Opens the page whose index is in the sender's object name ("label:index").
+    /// Opens the page with the index in the sender's object name ("label:index").
     void runSettingsUI();
 
-    /// Leaves a page: saves it if the sender's object name contains "ok".
+    /// Returns to the main settings page. Saves the current page first if the sender's object
+    /// name contains "ok".
     void titleBarButtonPressed();
 
-    /// Calls the loader of the page, if it has one. A failure is a debug line.
+    /// Calls the page's loader, if it has one. Writes a debug line if the loader fails.
     void loadSettings(int pageIndex);
 
-    // Each fills the widgets of its page from the settings. Result: whether that worked.
+    // The loaders. Each fills the widgets of its page and returns whether that worked.
     virtual bool loadEthernetSettings();
     virtual bool loadFiletransferSettings();
     virtual bool loadMiscSettings();
@@ -159,11 +165,11 @@ public slots:
     virtual bool loadFontSettings();
     virtual bool loadTimeSettings();
 
-    /// Calls the saver of the page, if it has one. A failure is a debug line.
+    /// Calls the page's saver, if it has one. Writes a debug line if the saver fails.
     void saveSettings(int pageIndex);
 
-    // Each stores what its page shows and applies it, which blocks while the tools run. Result:
-    // whether that worked; a tool that fails is not noticed.
+    // The savers. Each stores and applies the values of its page and returns whether that worked.
+    // They block while their tools run and ignore a tool's failure.
     virtual bool saveEthernetSettings();
     virtual bool saveFiletransferSettings();
     virtual bool saveMiscSettings();
@@ -171,25 +177,26 @@ public slots:
     virtual bool saveFontSettings();
     virtual bool saveTimeSettings();
 
-    /// Installs the BIOS image package @p filename; without a name the user picks one. Blocks
-    /// meanwhile. Whether it was installed is not shown.
+    /// Installs the BIOS image package @p filename. If the name is empty, the user picks a file.
+    /// Blocks until done. Reports neither success nor failure.
     void updateBIOSDialog(const QString &filename = QString());
 
     /// Lets the user pick an add-on package and installs it as updateBIOSDialog() does. No button
-    /// leads here: it is for callers through the meta-object. Result: always false.
+    /// is connected to this slot. Always returns false.
     bool installPackages();
 
-    /// Moves the time that the miscellaneous page shows on by a second.
+    /// Adds one second to the time on the miscellaneous page.
     void slotTimerEdit();
 
-    /// Resizes the window to the screen with the index @p screen; another index does nothing.
+    /// Resizes the window to the screen with index @p screen. Ignores an invalid index.
     void slotresize(int screen);
 
-    /// Turns the display as stored. Blocks for at most 30 s.
+    /// Rotates the display to the stored orientation. Blocks for at most 30 s.
     void setScreenOrientation();
 
-    /// One poll of the touch controller: looks for it while it is not known, and starts rescue
-    /// mode once a finger was held for two seconds. Blocks for at most 30 s for each of its tools.
+    /// Polls the touch controller. Searches for the controller until it is found. Starts rescue
+    /// mode after a finger was held on the screen for two seconds. Blocks for at most 30 s per
+    /// tool.
     void slotRescueTimesup();
 
 protected:
@@ -238,7 +245,7 @@ private:
         QPointer<RadioButton> application;
         QPointer<QTableWidget> files;
     };
-    /// The labels of the status page whose texts change.
+    /// The labels on the status page whose texts change.
     struct StatusLabels
     {
         QPointer<QLabel> applicationSize;
@@ -276,15 +283,17 @@ private:
     void initCOMPortPage();
     void initEthernetPage();
     void initFileTransferPage();
-    void initBacklightPage();
     void initMiscPage();
     void initCalibrationPage();
-    void initVolumePage();
     void initSystemStatusPage();
     void initHomeKeyPage();
     void initFontSettingPage();
-    void initTimeSettingPage();
     void initEmptyPage(Page page, const QString &title);
+
+    // Part of the interface, never called: builders of pages that stay empty.
+    void initBacklightPage();
+    void initVolumePage();
+    void initTimeSettingPage();
 
     QHBoxLayout *createTitleBar(const QString &title, bool withOk, bool withCancel);
     SettingsButton *createTitleBarButton(const QString &text, const QString &name);
@@ -330,8 +339,8 @@ private:
     int m_screenWidth = -1;  ///< px, -1: not configured
     int m_screenHeight = -1; ///< px, -1: not configured
     int m_debugLevel = 0;
-    QTimer m_clockTick;      ///< runs while the miscellaneous page shows the time
-    QString m_displayOutput; ///< name for xrandr, empty if none is connected
+    QTimer m_clockTick;      ///< runs while the miscellaneous page is open
+    QString m_displayOutput; ///< xrandr's name of the display, empty if none is connected
     QTimer *m_rescuePoll = nullptr;
     QString m_touchDevice{"null"}; ///< "null": not found yet
     PressTimer m_pressTimer;
@@ -344,9 +353,9 @@ private:
     StatusLabels m_status;
     FontWidgets m_fonts;
 
-    ShiftingLayout *m_windowLayout = nullptr; ///< holds the page stack alone
+    ShiftingLayout *m_windowLayout = nullptr; ///< holds only the page stack
     QStackedWidget *m_pages = nullptr;
-    std::array<std::optional<PageFit>, PageCount> m_fits; ///< of the pages that were open
+    std::array<std::optional<PageFit>, PageCount> m_fits; ///< empty for pages never opened
     StartingApplicationAniationButton *m_countDown = nullptr;
     SettingsButton *m_runApplication = nullptr;
     SettingsButton *m_comPort = nullptr;

@@ -9,7 +9,7 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int countDownMargin = 19; // px of the page's background around the button
+constexpr int countDownMargin = 19; // px around the button
 }
 
 void BiosInterface::initCountDownPage()
@@ -29,7 +29,7 @@ void BiosInterface::runApplication()
 {
     m_pages->setCurrentIndex(MainSettingsPage);
     runAndWait(runtimeCommand(), givenEnvironment());
-    repaint(); // nothing was painted while the runtime ran: show the page at once
+    repaint(); // show the page at once: the window was not painted while the runtime ran
 }
 
 void BiosInterface::goToSettingsPage()

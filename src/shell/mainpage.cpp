@@ -16,7 +16,7 @@ constexpr int spacerSize = 20;      // px
 constexpr int gridSpacing = 11;     // px
 constexpr int headingFontSize = 28; // px
 
-/// The page's one heading, larger than those of the settings pages.
+/// Creates the heading, which is larger than those of the settings pages.
 QLabel *createMainHeading(const QString &text, QWidget *parent)
 {
     QLabel *heading = createHeading(text, parent);
@@ -36,7 +36,7 @@ QFrame *createLine(QWidget *parent)
 }
 } // namespace
 
-// In the order of the members, which is the order in which they are deleted.
+// Same order as the members: deletePageButtons() deletes the buttons in this order.
 const BiosInterface::PageButton BiosInterface::s_pageButtons[] = {
     {&BiosInterface::m_comPort, QT_TR_NOOP("COM Port"), ComPortPage},
     {&BiosInterface::m_ethernet, QT_TR_NOOP("Ethernet"), EthernetPage},
@@ -79,7 +79,7 @@ void BiosInterface::createPageButtons()
         connect(button, &SettingsButton::buttonClicked, this, &BiosInterface::runSettingsUI);
         this->*entry.button = button;
     }
-    // No current panel has what these three would set: they exist, and no layout shows them.
+    // No current panel has this hardware. The buttons exist, but no layout shows them.
     m_comPort->setEnabled(false);
     m_backlight->setEnabled(false);
     m_volume->setEnabled(false);

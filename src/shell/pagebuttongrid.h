@@ -2,8 +2,8 @@
 
 #include <QGridLayout>
 
-/// Grid of page buttons that keeps their texts alike: where one text needs a smaller font to fit
-/// its button, all of them get it. Holds SettingsButtons only.
+/// Grid of SettingsButtons that gives all of them the same font size: the largest in which every
+/// text fits its button. It must not hold other widgets.
 class PageButtonGrid : public QGridLayout
 {
     Q_OBJECT

@@ -24,13 +24,13 @@ void BiosInterface::slotRescueTimesup()
     }
     const QString state = readOutput(deviceStateCommand(m_touchDevice), m_limits.tool);
     if (m_pressTimer.poll(firstButtonState(state), QDateTime::currentMSecsSinceEpoch())) {
-        m_rescuePoll->stop(); // for good: rescue comes once in a run of the program
+        m_rescuePoll->stop(); // rescue mode starts only once per run of the program
         rescueMode();
     }
 }
 
-/// Looks for the touch controller while it is not known.
-/// Result: false if the tool hangs; asking it a second time in this poll would hang as well.
+/// Searches for the touch controller unless it is already known.
+/// Returns false if the tool hangs: the next query of this poll would hang as well.
 bool BiosInterface::findTouchDevice()
 {
     if (!m_touchDevice.contains(unknownDevice)) {
@@ -44,7 +44,7 @@ bool BiosInterface::findTouchDevice()
     return list.hasFinished();
 }
 
-/// The way back for a panel whose backlight is black or whose touch is off.
+/// Makes a panel usable again whose backlight is off or whose touch screen is out of calibration.
 void BiosInterface::rescueMode()
 {
     const Command fullBrightness = brightnessCommand(m_displayOutput, "1");

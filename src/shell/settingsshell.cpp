@@ -22,7 +22,8 @@ constexpr int titleBarButtonFontSize = 18; // px
 constexpr int titleFontSize = 20;          // px
 constexpr int touchPollInterval = 50;      // ms
 
-/// A button that no layout holds would show at the window's corner.
+/// Adds the button to the layout or hides it. A visible button without a layout would appear in
+/// the window's corner.
 void placeOrHide(QLayout *layout, QWidget *button, bool placed)
 {
     if (placed) {
@@ -48,7 +49,7 @@ const BiosInterface::PageActions BiosInterface::s_pageActions[] = {
 void BiosInterface::runSettingsUI()
 {
     if (sender() == nullptr) {
-        return; // called by its name, not by a button
+        return; // not called by a button
     }
     const int page = pageIndexFromName(sender()->objectName());
     m_pages->setCurrentIndex(page);
@@ -82,7 +83,7 @@ void BiosInterface::runPageAction(int pageIndex, bool (BiosInterface::*PageActio
 {
     for (const PageActions &actions : s_pageActions) {
         if (actions.page == pageIndex && actions.*action && !(this->*(actions.*action))()) {
-            // "Load" after saving too: both paths share one message.
+            // Saving uses the same text: "Load" is the wording for both.
             qDebug() << QString("Load settings at page %1 error.").arg(pageIndex);
         }
     }
@@ -114,7 +115,7 @@ SettingsButton *BiosInterface::createTitleBarButton(const QString &text, const Q
     return button;
 }
 
-/// What goes below a title bar, with @p margin pixels around it.
+/// Creates the layout below the title bar, with a margin of @p margin pixels.
 QVBoxLayout *BiosInterface::createContent(int margin)
 {
     auto *content = new QVBoxLayout;
@@ -130,12 +131,12 @@ void BiosInterface::setPageLayout(QLayout *titleBar, QLayout *content, QWidget *
     layout->addLayout(content);
 }
 
-/// Only the page that is shown has its present size, so no other one is fitted.
+/// Fits only the current page, because QStackedWidget resizes no other.
 void BiosInterface::fitShownPage()
 {
     QWidget *page = m_pages->currentWidget();
     if (page->layout() == nullptr || m_pages->currentIndex() <= MainSettingsPage) {
-        return; // nothing there needs more room than a screen has
+        return; // these pages need no fitting
     }
     auto &fit = m_fits[m_pages->currentIndex()];
     if (!fit) {
@@ -151,19 +152,18 @@ bool BiosInterface::keypadFitsAtEachEdit(const QWidget *page) const
                        [this](const QLineEdit *edit) { return m_inputContext->panelFitsAt(edit); });
 }
 
-/// On a screen 480 pixels high the keypad has room neither below nor above the first port's edits:
-/// its upper keys would be off the screen. The page moves down meanwhile.
+/// Moves the page down if the keypad fits neither below nor above @p field. On a screen 480 pixels
+/// high, the first port's line edits need this: the keypad's upper keys would be off the screen.
 void BiosInterface::makeRoomForKeypad(const QWidget *field)
 {
-    m_windowLayout->setShift(0); // another edit may have asked before
+    m_windowLayout->setShift(0); // the keypad may still be open for another line edit
     m_windowLayout->setShift(m_inputContext->shiftFor(field));
 }
 
 void BiosInterface::takeRoomBack()
 {
     if (QGuiApplication::mouseButtons() != Qt::NoButton) {
-        // The finger that took the focus from the edit is still down: what it touches must not
-        // move away below it.
+        // Wait until the finger is lifted. The widget that it touches must not move away.
         QTimer::singleShot(touchPollInterval, this, &BiosInterface::takeRoomBack);
     } else if (!m_inputContext->panel()->isVisible()) {
         m_windowLayout->setShift(0);

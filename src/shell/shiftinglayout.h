@@ -2,15 +2,15 @@
 
 #include <QVBoxLayout>
 
-/// Vertical layout that can put its contents somewhat lower than its place, without making them
-/// smaller: what is at the bottom leaves the window meanwhile.
+/// Vertical layout that can move its contents down without resizing them. The lower part of the
+/// contents is then outside the window.
 class ShiftingLayout : public QVBoxLayout
 {
     Q_OBJECT
 public:
     using QVBoxLayout::QVBoxLayout;
 
-    /// Moves the contents @p shift pixels down from their usual place; 0 brings them back.
+    /// Moves the contents @p shift pixels below their usual place; 0 moves them back.
     void setShift(int shift);
 
     void setGeometry(const QRect &rect) override;

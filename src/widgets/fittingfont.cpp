@@ -17,7 +17,7 @@ QFont fittingFont(const QFont &font, const QString &text, int width)
         return font;
     }
     QFont fitting = font;
-    // The advance grows nearly in proportion to the size, so the search starts one above that.
+    // The width is nearly proportional to the font size: start one pixel above the estimate.
     int size = QFontInfo(font).pixelSize() * width / advance + 2;
     do {
         --size;

@@ -4,6 +4,6 @@
 
 class QString;
 
-/// @p font, whose size is in pixels, in the largest size up to its own in which one line of
-/// @p text is at most @p width pixels wide. Never under 8 pixels.
+/// Returns @p font, shrunk if needed until @p text in one line is at most @p width pixels wide.
+/// The size of @p font must be set in pixels. Does not shrink below 8 pixels.
 QFont fittingFont(const QFont &font, const QString &text, int width);

@@ -4,5 +4,5 @@ class QLabel;
 class QString;
 class QWidget;
 
-/// A heading on a page of @p parent: orange, slanted, at most 50 pixels high.
+/// Creates a heading as a child of @p parent: orange, italic, at most 50 pixels high.
 QLabel *createHeading(const QString &text, QWidget *parent);

@@ -15,10 +15,10 @@
 #include <algorithm>
 
 namespace {
-constexpr int smallestSpacing = 12; // px; keeps neighbours apart
+constexpr int smallestSpacing = 12; // px; still separates the rows
 constexpr int readableFont = 16;    // px; readable at arm's length
-constexpr int fieldFrame = 4;       // px above and below the text of a list box or time editor
-constexpr QSize editFrame(6, 3);    // px beside and above the text of a line edit
+constexpr int fieldFrame = 4;       // px above and below the text of a combo box or time editor
+constexpr QSize editFrame(6, 3);    // px on each side of the text of a line edit
 constexpr char widestAddress[] = "255.255.255.255";
 
 bool isField(const QWidget *widget)
@@ -38,7 +38,7 @@ bool isRow(const QWidget *widget)
         || qobject_cast<const RadioButton *>(widget) != nullptr;
 }
 
-/// Height in pixels below which the text or the indicator of a row would be cut.
+/// Returns the smallest height in pixels that does not cut the text or indicator of a row.
 int smallestRowHeight(const QWidget *row)
 {
     const int text = row->fontMetrics().height();
@@ -51,8 +51,8 @@ int smallestRowHeight(const QWidget *row)
     return std::max(text, row->style()->pixelMetric(QStyle::PM_ExclusiveIndicatorHeight));
 }
 
-/// Width in pixels of the longest word of a caption. The colon behind the last one belongs to it:
-/// it would stand alone in a line.
+/// Returns the width in pixels of the longest word of a caption. The final colon counts with the
+/// word before it, so that it never gets a line of its own.
 int longestWord(const QLabel *label)
 {
     int width = 0;
@@ -70,7 +70,7 @@ int neededWidth(const QWidget *widget)
         return longestWord(label);
     }
     if (qobject_cast<const QAbstractItemView *>(widget) != nullptr) {
-        return 0; // scrolls
+        return 0; // it scrolls
     }
     if (isEdit(widget)) {
         return widget->fontMetrics().horizontalAdvance(widestAddress) + 2 * editFrame.width();
@@ -99,7 +99,7 @@ void setFontSize(QWidget *widget, int pixelSize)
     widget->setFont(font);
 }
 
-/// Line edits are lower than other rows where there is room.
+/// Sets no minimum for line edits: their own height is less than that of other rows.
 void setRowHeight(QWidget *row, int height)
 {
     row->setMaximumHeight(height);
@@ -108,8 +108,8 @@ void setRowHeight(QWidget *row, int height)
     }
 }
 
-/// The largest value from @p most down to @p least for which @p fits says yes; it does for
-/// @p least, and for all below a value for which it does.
+/// Returns the largest value between @p least and @p most that fits. Assumes that @p least fits,
+/// and that if a value fits all smaller values do.
 template <typename Fits> int largest(int most, int least, Fits fits)
 {
     while (most > least) {
@@ -129,7 +129,7 @@ PageFit::PageFit(QWidget *page)
 {
     int smallest = page->font().pixelSize();
     for (QWidget *widget : page->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
-        if (qobject_cast<SettingsButton *>(widget) == nullptr) { // the title bar's
+        if (qobject_cast<SettingsButton *>(widget) == nullptr) { // skips the title bar
             m_texts += {widget, widget->font().pixelSize()};
             smallest = std::min(smallest, m_texts.constLast().pixelSize);
         }
@@ -148,17 +148,17 @@ void PageFit::fit(const std::function<bool()> &wanted)
 {
     m_texts.removeIf([](const Text &text) { return text.widget.isNull(); });
     if (fitsWidth(m_full) && fitsHeight(m_full) && wanted()) {
-        return; // spares most screens the search
+        return; // most screens need no search
     }
     std::optional<Look> look;
     for (int font = m_full.font; !look && font >= m_smallestFont; --font) {
         look = findLook(font, wanted);
     }
-    // A word that is wider than the page can only be cut.
+    // If nothing fits, a word is wider than the page and will be cut.
     apply(look.value_or(Look{m_smallestFont, 0, smallestSpacing, smallestSpacing}));
 }
 
-/// The roomiest look in this font; none if the contents do not fit in it.
+/// Returns the most spacious look with this font size, or nothing if the contents do not fit.
 std::optional<PageFit::Look> PageFit::findLook(int font, const std::function<bool()> &wanted)
 {
     Look look{font, 0, smallestSpacing, smallestSpacing};
@@ -226,7 +226,7 @@ bool PageFit::fitsHeight(const Look &look)
     const int needed = layout->hasHeightForWidth()
         ? layout->totalMinimumHeightForWidth(m_page->width())
         : layout->totalMinimumSize().height();
-    // The layout knows the edits' minimum alone, which is less than their text needs.
+    // The layout uses the minimum height of line edits, which is less than their text needs.
     return needed <= m_page->height()
         && std::all_of(m_texts.cbegin(), m_texts.cend(), [](const Text &text) {
                return text.widget->height() >= neededHeight(text.widget);

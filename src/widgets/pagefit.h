@@ -9,26 +9,25 @@
 class QGridLayout;
 class QWidget;
 
-/// Makes the contents of a page fit the page. On a page with enough room everything has the size
-/// that it was built with, and whatever a finger hits is at least 44 pixels high. On a smaller one
-/// these give way, by no more than needed and in this order: the height of the rows, the spacing
-/// of the grids, the fonts. All fonts of the page shrink in proportion, to no less than 16 pixels.
-/// The title bar keeps its fonts.
+/// Makes the contents of a page fit the page. On a large page every widget keeps its original
+/// size, and rows are at least 44 pixels high. On a smaller page PageFit shrinks the row heights
+/// first, then the spacing of the grids, then the fonts, each by no more than needed. All fonts of
+/// the page shrink in proportion, to no less than 16 pixels. The title bar keeps its fonts.
 class PageFit
 {
 public:
-    /// @p page has its layout and all its contents, in the fonts of a page with enough room.
+    /// Records the original sizes. @p page must already have its layout and all its widgets.
     explicit PageFit(QWidget *page);
 
-    /// Lays the page out anew in its present size. Of the row heights that fit, the largest one
-    /// for which @p wanted says yes is taken, or the largest of all if there is none.
+    /// Fits the contents to the page's current size. Chooses the largest row height that fits and
+    /// for which @p wanted returns true. Chooses the largest that fits if there is none.
     void fit(const std::function<bool()> &wanted);
 
 private:
-    /// What can give way, in pixels.
+    /// The sizes that can shrink, in pixels.
     struct Look
     {
-        int font = 0; ///< of the page; captions and edits shrink with it
+        int font = 0; ///< of the page; the other fonts shrink in proportion
         int rowHeight = 0;
         int columnSpacing = 0;
         int rowSpacing = 0;

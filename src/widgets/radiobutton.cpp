@@ -55,7 +55,7 @@ void RadioButton::drawDot(QPainter &painter, const QRect &indicator)
     painter.setBrush(Qt::green);
     painter.drawEllipse(dot);
     if (indicatorGradient == QRadialGradient()) {
-        getIndicatorRadialGradient(dot); // kept for good, whatever size the button gets later
+        getIndicatorRadialGradient(dot); // computed once, even if the button is resized later
     }
     painter.setBrush(indicatorGradient);
     painter.drawEllipse(dot);

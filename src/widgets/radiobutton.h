@@ -3,8 +3,8 @@
 #include <QRadialGradient>
 #include <QRadioButton>
 
-/// Radio button that paints itself: white text and box when checked, gray ones when not, and a
-/// green dot with a gloss in the box of the checked one.
+/// Radio button that paints itself. Text and box are white when checked and gray when not. The
+/// checked button has a glossy green dot in its box.
 class RadioButton : public QRadioButton
 {
     Q_OBJECT
@@ -12,8 +12,8 @@ public:
     explicit RadioButton(QWidget *parent = nullptr);
     explicit RadioButton(const QString &text, QWidget *parent = nullptr);
 
-    /// Computes the gloss for a dot that fills @p rect. Its centre is measured from (0, 0) and not
-    /// from the rectangle's corner.
+    /// Computes the gloss for a dot the size of @p rect. Its centre is relative to the painter's
+    /// origin, not to the corner of @p rect.
     void getIndicatorRadialGradient(const QRect &rect);
 
 protected:
@@ -22,5 +22,5 @@ protected:
 private:
     void drawDot(QPainter &painter, const QRect &indicator);
 
-    QRadialGradient indicatorGradient; ///< computed at the first paint of the checked state
+    QRadialGradient indicatorGradient; ///< computed when first painted checked
 };

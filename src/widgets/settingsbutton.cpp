@@ -8,7 +8,7 @@
 namespace {
 constexpr qreal cornerRadiusX = 20;
 constexpr qreal cornerRadiusY = 15;
-constexpr int textMargin = 4; // px at either side that the text keeps clear of
+constexpr int textMargin = 4; // px free on each side of the text
 } // namespace
 
 SettingsButton::SettingsButton(const QString &text, const int &pixelSize, const bool &rounded,
@@ -140,7 +140,7 @@ void SettingsButton::drawText(QPainter &painter, const QRect &rect)
     painter.restore();
 }
 
-/// The home key exists on no current panel: its button works but always looks disabled.
+/// No current panel has a home key: its button works but always looks disabled.
 bool SettingsButton::isDrawnDisabled() const
 {
     return !isEnabled() || m_text == tr("Home Key");

@@ -5,39 +5,39 @@
 #include <QString>
 #include <QWidget>
 
-/// Push button that paints itself: black under a gloss with its text in the centre, plain black
-/// while a finger is on it. Text that would not fit is drawn smaller, never cut.
+/// Push button that paints itself: glossy black with centred text, plain black while pressed.
+/// Text too wide for the button is drawn smaller, down to 8 pixels.
 class SettingsButton : public QWidget, public SpecialEffectsDrawingInterface
 {
     Q_OBJECT
 public:
-    /// @p rounded paints the black base with round corners. @p pixelSize is deliberately not
-    /// applied: the button keeps the font that it inherits.
+    /// @p rounded paints the black base with rounded corners. @p pixelSize has no effect, on
+    /// purpose: callers rely on the inherited font.
     SettingsButton(const QString &text, const int &pixelSize, const bool &rounded,
                    QWidget *parent = nullptr);
     SettingsButton(const QString &text, const bool &rounded, QWidget *parent = nullptr);
-    /// @p pixelSize is the height of the font in pixels.
+    /// @p pixelSize is the font size in pixels.
     SettingsButton(const QString &text, const int &pixelSize, QWidget *parent = nullptr);
     explicit SettingsButton(const QString &text, QWidget *parent = nullptr);
     explicit SettingsButton(QWidget *parent = nullptr);
 
-    /// Changes the text and repaints; does nothing if it is the same already.
+    /// Sets the text and repaints if it changed.
     void setText(const QString &text);
 
-    /// Gives the font a height of @p pixelSize pixels; repaints only if it had another.
+    /// Sets the font size to @p pixelSize pixels and repaints if it changed.
     void setFontPixelSize(const int &pixelSize);
 
-    /// Height in pixels in which the text fits the button's width: that of @p font, or less.
+    /// Returns the largest size in pixels, up to that of @p font, in which the text fits the width.
     int fittingPixelSize(const QFont &font) const;
 
-    /// A button with pressing disabled never looks pressed and never emits buttonClicked().
+    /// If @p enabled is false, mouse presses do not change the look or emit buttonClicked().
     void setPressEnabled(bool enabled);
 
-    /// Changes the pressed look and repaints; does nothing if it is the same already.
+    /// Sets the pressed look and repaints if it changed.
     void setPressed(bool pressed);
 
 signals:
-    /// A finger was lifted from the button, wherever it had moved to meanwhile.
+    /// The button was released, even if the finger had left the button's area by then.
     void buttonClicked();
 
 protected:

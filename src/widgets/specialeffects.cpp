@@ -19,7 +19,7 @@ void fillLinear(QPainter &painter, const QRect &area, QPoint start, QPoint end,
     painter.fillRect(area, gradient);
 }
 
-/// A shadow strip at the left of @p rect, @p width pixels wide.
+/// Fills a strip at the left of @p rect, @p width pixels wide.
 void fillLeftStrip(QPainter &painter, const QRect &rect, int width, const QGradientStops &stops)
 {
     const int middle = (rect.top() + 2 + rect.bottom() - 2) / 2;
@@ -29,7 +29,7 @@ void fillLeftStrip(QPainter &painter, const QRect &rect, int width, const QGradi
                QPoint(rect.left() + 3, middle), QPoint(inner, middle), stops);
 }
 
-/// A shadow strip at the right of @p rect, @p width pixels wide.
+/// Fills a strip at the right of @p rect, @p width pixels wide.
 void fillRightStrip(QPainter &painter, const QRect &rect, int width, const QGradientStops &stops)
 {
     const int middle = (rect.top() + 2 + rect.bottom() - 2) / 2;
@@ -51,7 +51,7 @@ void SpecialEffectsDrawingInterface::drawShadow(QPainter &painter, const QRect &
 void SpecialEffectsDrawingInterface::drawBarShadow(QPainter &painter, const QRect &rect)
 {
     constexpr int width = 20;
-    // The two sides differ on purpose: a band at the left, an edge at the right.
+    // The sides differ on purpose: this is the look of existing panels.
     fillLeftStrip(painter, rect, width, {{0, transparent}, {0.5, dark30}, {1, transparent}});
     fillRightStrip(painter, rect, width, {{0, dark30}, {1, transparent}});
 }

@@ -3,28 +3,30 @@
 class QPainter;
 class QRect;
 
-/// The translucent layers of which every page and button of the program is made, painted over
-/// black. A widget derives from its toolkit class first and from this class second.
-/// All rectangles are in logical pixels of the painter. Small and empty rectangles are painted
-/// as the toolkit paints them: side strips overlap or turn over.
+/// Translucent layers painted over black. Every page and button consists of them. A widget derives
+/// from its Qt class first and from this class second.
+/// Rectangles are in logical pixels of the painter. In a very small or empty rectangle the side
+/// strips overlap or have a negative width; they go to Qt unchanged.
 class SpecialEffectsDrawingInterface
 {
 public:
-    /// Thin dark shadows along the left and right side, 10 pixels wide each.
+    /// Paints dark shadows along the left and right side, each 10 pixels wide.
     virtual void drawShadow(QPainter &painter, const QRect &rect);
 
-    /// Wider shadows, 20 pixels each: a soft band at the left, darkest at the edge at the right.
+    /// Paints wider shadows, each 20 pixels wide. The left one is darkest in its middle, the right
+    /// one at the edge.
     virtual void drawBarShadow(QPainter &painter, const QRect &rect);
 
-    /// Gloss over the upper half and a faint reflection along the bottom edge.
+    /// Paints a gloss over the upper half and a faint reflection along the bottom edge.
     virtual void drawLinearGradient(QPainter &painter, const QRect &rect);
 
-    /// Glow in the centre, measured from the painter's origin and not from @p rect.
+    /// Paints a glow. Its centre is (width / 2, height / 2) from the painter's origin, not from the
+    /// corner of @p rect.
     virtual void drawRadialGradient(QPainter &painter, const QRect &rect);
 
-    /// Bright edge along the top, six rows high.
+    /// Paints a bright edge along the top, six pixels high.
     virtual void drawHighlight(QPainter &painter, const QRect &rect);
 
 protected:
-    ~SpecialEffectsDrawingInterface() = default; // nobody owns a widget through its layers
+    ~SpecialEffectsDrawingInterface() = default; // no widget is deleted through this class
 };

@@ -42,7 +42,7 @@ void StartingApplicationAniationButton::setPressed(bool pressed)
     }
 }
 
-/// The latest timer ends; a second call finds none.
+/// Stops the latest timer. Another call does nothing.
 void StartingApplicationAniationButton::stopCounting()
 {
     killTimer(m_timerId);
@@ -52,8 +52,8 @@ void StartingApplicationAniationButton::stopCounting()
 void StartingApplicationAniationButton::showEvent(QShowEvent *event)
 {
     m_count = firstCount;
-    m_timerId = startTimer(tickInterval,
-                           Qt::PreciseTimer); // only the latest timer counts, earlier ones run idle
+    // timerEvent() ignores the timer of an earlier showEvent(), which may still run.
+    m_timerId = startTimer(tickInterval, Qt::PreciseTimer);
     QWidget::showEvent(event);
 }
 
@@ -103,7 +103,7 @@ void StartingApplicationAniationButton::paintEvent(QPaintEvent *)
 void StartingApplicationAniationButton::drawCircle(QPainter &painter, const QRect &)
 {
     if (m_count < 0 || m_count >= m_colors.size()) {
-        return; // no colour: a ring without one would be drawn in black
+        return; // no ring: an invalid colour would be drawn black
     }
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);

@@ -6,23 +6,24 @@
 #include <QList>
 #include <QWidget>
 
-/// The countdown: a button that fills its page, counts from 5 down to 0 once a second and shows
-/// the number in a ring whose colour changes with it. Its name is misspelt for good.
+/// The countdown button. It fills its page, counts from 5 down to 0, one step a second, and shows
+/// the number in a ring whose colour changes with each step. The misspelt class name is part of
+/// the interface.
 class StartingApplicationAniationButton : public QWidget, public SpecialEffectsDrawingInterface
 {
     Q_OBJECT
 public:
     explicit StartingApplicationAniationButton(QWidget *parent = nullptr);
 
-    /// Changes the pressed look and repaints; does nothing if it is the same already.
+    /// Sets the pressed look and repaints if it changed.
     void setPressed(bool pressed);
 
 signals:
-    /// The count ran out: six seconds after the button was shown, for 0 stays visible for a whole
-    /// second as well.
+    /// The countdown ended: six seconds after the button was shown, because 0 stays visible for a
+    /// whole second too.
     void countDownToZero();
 
-    /// A finger was lifted from the button, wherever it had moved to meanwhile.
+    /// The button was released, even if the finger had left the button's area by then.
     void buttonClicked();
 
 protected:
@@ -41,5 +42,5 @@ private:
     int m_timerId = 0;
     int m_count = 5;
     bool m_pressed = false;
-    QList<QColor> m_colors; ///< of the ring, by the count
+    QList<QColor> m_colors; ///< of the ring, indexed by the count
 };

@@ -12,19 +12,18 @@
 #include <algorithm>
 
 namespace {
-constexpr int indicatorSize = 25; // px; leaves an even size to the dot, as its gloss wants it
-constexpr int fieldHeight = 40;   // px; more has no room on the factory's test page
+constexpr int indicatorSize = 25; // px; odd: the gloss needs a dot of even size
+constexpr int fieldHeight = 40;   // px; the factory's test page has no room for more
 constexpr int listFrame = 1;      // px around the list of a combo box
-constexpr int arrowPlaceWidth
-    = Metrics::fingerHeight; // px; at the right end of a list box, and of each spin button
-constexpr int usualArrowPlaceWidth = 20;    // px that the toolkit's own size of a list box counts
+constexpr int arrowPlaceWidth = Metrics::fingerHeight; // px; combo box arrow, spin button
+constexpr int usualArrowPlaceWidth = 20;    // px; included in Qt's own size of a combo box
 constexpr QSize smallestButton(120, 48);    // px
 constexpr int scrollBarWidth = 28;          // px
 constexpr QMargins dialogFrame(3, 3, 3, 3); // px
 constexpr int arrowSize = 10;               // px from the centre to the corners
-constexpr QColor chosenColor(28, 100, 175); // dark enough for white text on it
+constexpr QColor chosenColor(28, 100, 175); // dark enough for white text
 
-/// The two buttons of a spin box lie side by side, each as high as the box.
+/// Places the two buttons of a spin box side by side, each as high as the box.
 QRect spinBoxRect(const QRect &box, QStyle::SubControl subControl)
 {
     switch (subControl) {
@@ -52,7 +51,7 @@ QRect listBoxRect(const QRect &box, QStyle::SubControl subControl, const QRect &
     }
 }
 
-/// A list that is higher than the screen would hide its last rows; they are lower instead.
+/// Returns a row height for a finger, or less if the whole list would not fit the screen.
 int listRowHeight(const QComboBox &box, int usual)
 {
     const int room = box.screen()->geometry().height() - 2 * listFrame;
@@ -60,7 +59,7 @@ int listRowHeight(const QComboBox &box, int usual)
     return std::min(std::max(usual, Metrics::fingerHeight), most);
 }
 
-/// A triangle around @p centre that points up or down.
+/// Draws a triangle around @p centre that points up or down.
 void drawArrow(QPainter *painter, QPoint centre, bool up, const QBrush &brush)
 {
     const int side = up ? 1 : -1;
@@ -97,7 +96,7 @@ void TouchStyle::polish(QWidget *widget)
 {
     QProxyStyle::polish(widget);
     if (qobject_cast<QDialog *>(widget) != nullptr) {
-        widget->setAttribute(Qt::WA_StyledBackground); // asks this style to paint it
+        widget->setAttribute(Qt::WA_StyledBackground); // makes Qt paint PE_Widget
     }
 }
 
@@ -122,7 +121,7 @@ void TouchStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
     } else if (const auto *list = qstyleoption_cast<const QStyleOptionComboBox *>(option);
                list != nullptr && control == CC_ComboBox) {
         QStyleOptionComboBox plain = *list;
-        plain.subControls &= ~SC_ComboBoxArrow; // too small to be seen at arm's length
+        plain.subControls &= ~SC_ComboBoxArrow; // Qt's arrow is too small at arm's length
         QProxyStyle::drawComplexControl(control, &plain, painter, widget);
         drawArrow(painter,
                   proxy()->subControlRect(control, option, SC_ComboBoxArrow, widget).center(),
@@ -189,10 +188,10 @@ int TouchStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
                           QStyleHintReturn *data) const
 {
     if (hint == SH_RequestSoftwareInputPanel) {
-        return RSIP_OnMouseClick; // otherwise only the second tap asks for the keypad
+        return RSIP_OnMouseClick; // otherwise only the second tap opens the keypad
     }
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons) {
-        return 0; // too small to be seen at arm's length
+        return 0; // the icons are too small at arm's length
     }
     return QProxyStyle::styleHint(hint, option, widget, data);
 }
@@ -218,7 +217,7 @@ QRect TouchStyle::subElementRect(SubElement element, const QStyleOption *option,
     case SE_RadioButtonClickRect:
         return option->rect;
     case SE_RadioButtonContents: {
-        // One line in the middle of the row: the text is painted at the top of this.
+        // RadioButton paints its text at the top: centre one line in the row.
         const int height = option->fontMetrics.height();
         return {usual.left(), option->rect.top() + (option->rect.height() - height) / 2,
                 usual.width(), height};

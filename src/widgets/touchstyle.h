@@ -4,10 +4,10 @@
 
 class QStyleOptionSpinBox;
 
-/// The toolkit's style, made for a finger: large indicators, buttons and list rows, whole rows
-/// that react, and one tap on a line edit that is enough to ask for the on-screen keypad. Dialogs
-/// have a frame, because a panel has no window manager that would give them one. Text that is
-/// chosen has enough contrast to be read at arm's length.
+/// Qt's style, adapted to a finger. Indicators, buttons and list rows are large. A radio button
+/// reacts to a tap anywhere in its row. One tap on a line edit opens the on-screen keypad.
+/// Dialogs have a frame, because a panel has no window manager to draw one. Selected text has
+/// enough contrast to be read at arm's length.
 class TouchStyle : public QProxyStyle
 {
     Q_OBJECT
