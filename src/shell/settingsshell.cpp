@@ -138,7 +138,7 @@ void BiosInterface::fitShownPage()
     if (page->layout() == nullptr || m_pages->currentIndex() <= MainSettingsPage) {
         return; // these pages need no fitting
     }
-    auto &fit = m_fits[m_pages->currentIndex()];
+    auto &fit = m_fits.at(size_t(m_pages->currentIndex()));
     if (!fit) {
         fit.emplace(page);
     }

@@ -174,7 +174,8 @@ std::optional<PageFit::Look> PageFit::findLook(int font, const std::function<boo
     }
     look.rowSpacing = largest(m_full.rowSpacing, smallestSpacing, [&](int spacing) {
         look.rowSpacing = spacing;
-        return fitsHeight(look);
+        // The width, too: a layout in a cell inherits the spacing of a grid where both are equal.
+        return fitsWidth(look) && fitsHeight(look);
     });
     look.rowHeight = findRowHeight(look, wanted);
     return look;

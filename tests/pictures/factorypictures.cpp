@@ -13,7 +13,7 @@
 #include <QTextEdit>
 
 namespace {
-constexpr const char *pixelColors[] = {"white", "black", "red", "blue", "green"};
+constexpr Qt::GlobalColor pixelColors[] = {Qt::white, Qt::black, Qt::red, Qt::blue, Qt::green};
 
 void takeList(PictureBook &book, QComboBox *box, const QString &name)
 {
@@ -23,15 +23,13 @@ void takeList(PictureBook &book, QComboBox *box, const QString &name)
 }
 
 /// Starts the test of a port and waits until it shows a verdict.
-void takeLinkTest(PictureBook &book, const FactoryWindow &factory, const QString &button,
-                  const QString &name)
+void runLinkTest(const FactoryWindow &factory, const QString &button)
 {
     factory.window()->findChild<QTextEdit *>("resultView")->clear();
     factory.click(button);
     if (!QTest::qWaitFor([&factory] { return factory.result().contains("Test "); })) {
         qFatal("no verdict of %s", qPrintable(button));
     }
-    book.take(name);
 }
 
 QPointer<KPixelTestWidget> pixelTest()
@@ -48,8 +46,8 @@ void takePixelTest(PictureBook &book, const FactoryWindow &factory)
 {
     factory.click("Pixel Test");
     const QPointer<KPixelTestWidget> test = pixelTest();
-    for (const char *color : pixelColors) {
-        book.take(QString("pixel-test-") + color);
+    for (const Qt::GlobalColor color : pixelColors) {
+        book.expectColor("the pixel test", color);
         QTest::mouseClick(test, Qt::LeftButton);
     }
 }
@@ -65,10 +63,12 @@ void takeFactoryPictures(PictureBook &book)
     takeList(book, choices.at(1), "factory-setup-type");
 
     factory.click("Test");
-    book.take("factory-test");
+    book.takeDetail("factory-test");
     takeList(book, factory.page(1)->findChild<QComboBox *>(), "factory-test-brightness");
-    takeLinkTest(book, factory, "COM1 RS232", "factory-test-ok");
+    runLinkTest(factory, "COM1 RS232");
+    book.take("factory-test-ok");
     shellBytes("'" PANEL_SIMULATOR "'/serial changed none none");
-    takeLinkTest(book, factory, "COM1 RS232", "factory-test-fail");
+    runLinkTest(factory, "COM1 RS232");
+    book.takeDetail("factory-test-fail");
     takePixelTest(book, factory);
 }

@@ -4,6 +4,7 @@
 #include "picturecompare.h"
 
 #include <QApplication>
+#include <QColor>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QImage>
@@ -69,9 +70,10 @@ QString placeText(const QRect &place)
 }
 } // namespace
 
-PictureBook::PictureBook(const QString &stored, const QString &changed)
+PictureBook::PictureBook(const QString &stored, const QString &changed, Extent extent)
     : m_stored(stored)
     , m_changed(changed)
+    , m_extent(extent)
 {
 }
 
@@ -96,6 +98,24 @@ void PictureBook::take(const QString &name)
     say(stored.isNull()
             ? "new: " + changedFile
             : changedFile + " differs from " + storedFile + " in " + placeText(changed));
+}
+
+void PictureBook::takeDetail(const QString &name)
+{
+    if (m_extent == Extent::Everything) {
+        take(name);
+    }
+}
+
+void PictureBook::expectColor(const QString &name, const QColor &color)
+{
+    const QImage shown = restingScreen().convertToFormat(QImage::Format_RGB32);
+    QImage expected(shown.size(), QImage::Format_RGB32);
+    expected.fill(color);
+    if (shown != expected) {
+        ++m_differences;
+        say(name + " is not all " + color.name());
+    }
 }
 
 int PictureBook::finish()

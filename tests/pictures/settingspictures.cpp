@@ -78,7 +78,7 @@ void SettingsPictures::takeAll()
     takeFonts();
     takeMiscellaneous();
     open("Calibration:7");
-    m_book.take("calibration");
+    m_book.takeDetail("calibration");
     takeStatus();
     takeFileTransfer(); // takes all off the stick
     takeLists();
@@ -141,7 +141,7 @@ void SettingsPictures::takeCountDown()
     m_book.take("countdown");
     auto *countDown = child<StartingApplicationAniationButton>();
     QTest::mousePress(countDown, Qt::LeftButton);
-    m_book.take("countdown-touched");
+    m_book.takeDetail("countdown-touched");
     QTest::mouseRelease(countDown, Qt::LeftButton);
 }
 
@@ -150,7 +150,7 @@ void SettingsPictures::takeMainPage()
     m_book.take("main-page");
     auto *button = child<SettingsButton>("Ethernet:3");
     QTest::mousePress(button, Qt::LeftButton);
-    m_book.take("main-page-touched");
+    m_book.takeDetail("main-page-touched");
     QTest::mouseRelease(button, Qt::LeftButton);
 }
 
@@ -182,7 +182,7 @@ void SettingsPictures::takeFileTransfer()
     m_book.take("file-transfer");
     choose("firmware_radioButton");
     sortedTable();
-    m_book.take("file-transfer-firmware");
+    m_book.takeDetail("file-transfer-firmware");
     takeWarning("firmware_radioButton", "usb0/firmware/runtime-other.fmw", "warning-oem");
     takeWarning("application_radioButton", "usb0/apps/line-1-next.kpc", "warning-version");
     takeWarning("application_radioButton", "usb0/apps/line-1-k25t.kpc", "warning-model");
@@ -193,7 +193,7 @@ void SettingsPictures::takeFileTransfer()
 void SettingsPictures::takeWarning(const char *kind, const QString &file, const QString &name)
 {
     const DialogDriver driver([this, &name](QDialog &dialog) {
-        m_book.take(name);
+        m_book.takeDetail(name);
         clickButton(dialog, "OK");
     });
     open("File Transfer:4");
@@ -213,7 +213,7 @@ void SettingsPictures::takeFonts()
 {
     open("Install Fonts:11");
     QTableWidget *table = sortedTable();
-    m_book.take("install-fonts");
+    m_book.takeDetail("install-fonts");
     tapRow(table, 0);
     tapRow(table, 2);
     m_book.take("install-fonts-chosen");
@@ -266,7 +266,7 @@ void SettingsPictures::takePicker(const std::function<void()> &open, const QStri
 void SettingsPictures::takeLists()
 {
     open("File Transfer:4");
-    m_book.take("file-transfer-empty");
+    m_book.takeDetail("file-transfer-empty");
     for (int file = 1; file <= manyFiles; ++file) {
         writeFile(QString("%1/line-%2.kpc").arg(stick).arg(file, 2, 10, QChar('0')).toLocal8Bit());
     }
@@ -283,9 +283,9 @@ void SettingsPictures::takeHomeKey()
     m_window->goToSettingsPage();
     m_book.take("main-page-debug");
     open("Home Key:10");
-    m_book.take("home-key");
+    m_book.takeDetail("home-key");
     open("Ethernet:3");
-    m_book.take("ethernet-disabled");
+    m_book.takeDetail("ethernet-disabled");
 }
 } // namespace
 

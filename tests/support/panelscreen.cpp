@@ -35,7 +35,7 @@ ShownList shownList(int rows)
     return {};
 }
 
-constexpr int transferRowHeight = 45;
+constexpr int transferRowHeight = 50;
 constexpr int firstTransferRow = 143;
 
 /// The bar of a chosen row is blue; nothing else on the pages is.

@@ -242,6 +242,7 @@ private slots:
     void fontsShrinkTogether();
     void fontsGrowAgain();
     void endlessWord();
+    void narrowAddresses();
     void pageMakesRoomForTheKeypad();
     void pageStaysWhileAFingerIsDown();
 
@@ -419,6 +420,14 @@ void TestEveryScreen::endlessWord()
     }
     QCOMPARE(panel.window()->size(), QSize(800, 600));
     writePanelFile("bios.version", "3");
+}
+
+/// The columns fit with their full spacing here, but not if that is the spacing of the rows, too.
+void TestEveryScreen::narrowAddresses()
+{
+    m_tools->setBody("ifconfig", "echo 'eth0  Link encap:Ethernet  HWaddr 02:00:00:00:00:01'");
+    const Panel panel({600, 800}, "RV-K25T");
+    QCOMPARE(faultOf(panel.open("System Status:9")), QString());
 }
 
 /// The page moves down if the keypad fits neither above nor below the edit, and back afterwards.
