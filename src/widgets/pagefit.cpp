@@ -56,8 +56,8 @@ int smallestRowHeight(const QWidget *row)
 int longestWord(const QLabel *label)
 {
     int width = 0;
-    QString text = label->text().simplified();
-    text.replace(QLatin1String(" :"), QString(QChar::Nbsp) + ':');
+    QString text = label->text();
+    text.replace(QLatin1String(" : "), QString(QChar::Nbsp) + ':' + QChar::Nbsp);
     for (const QString &word : text.split(' ')) {
         width = std::max(width, label->fontMetrics().horizontalAdvance(word));
     }

@@ -60,7 +60,11 @@ bool labelHoldsText(const QLabel *label)
 {
     const QRect place = label->contentsRect();
     const int flags = int(label->alignment()) | (label->wordWrap() ? Qt::TextWordWrap : 0);
-    return holds(place, label->fontMetrics().boundingRect(place, flags, label->text()).size());
+    const QRect text = label->fontMetrics().boundingRect(place, flags, label->text());
+    // The same with the colon tied to the word before it: no colon has a line of its own.
+    const QRect tied = label->fontMetrics().boundingRect(
+        place, flags, QString(label->text()).replace(" :", QString(QChar::Nbsp) + ':'));
+    return holds(place, text.size()) && tied.height() == text.height();
 }
 
 bool radioButtonHoldsText(const RadioButton *button)
