@@ -10,7 +10,7 @@
 namespace {
 constexpr int keys = 100'000;
 constexpr int pairs = 15;
-constexpr double target = 0.5; // times QSettings
+constexpr double target = 1.0; // times QSettings
 constexpr char ourFile[] = "/tmp/ours.ini";
 constexpr char peerFile[] = "/tmp/peer.ini";
 
