@@ -152,8 +152,8 @@ void TestDoctorSettings::everyKeyIsKnown_data()
 {
     QTest::addColumn<QString>("key");
     static const QRegularExpression key("\"([a-z0-9]+\\.[a-z0-9.]+)\"");
-    for (const char *list : {"settingskeys.h", "ethernetkeys.cpp"}) {
-        QFile file(QString(PANEL_SOURCE "/src/system/%1").arg(list));
+    for (const char *list : {"settingskeys.h", "settingskeys.cpp"}) {
+        QFile file(QString(PANEL_SOURCE "/src/system/settings/%1").arg(list));
         QVERIFY(file.open(QIODevice::ReadOnly));
         for (auto found = key.globalMatch(QString::fromUtf8(file.readAll())); found.hasNext();) {
             const QString name = found.next().captured(1);
