@@ -2,16 +2,17 @@
 # Checks format, include rules, documents, scripts, man pages and code.
 # Usage: scripts/check-code.sh BUILD_FOLDER [--thorough]
 # The folder must be configured, because clang-tidy reads its compile_commands.json. clang-tidy
-# checks the tests, and runs clang's static analyzer, only with --thorough: each doubles the time.
+# checks tests and benchmarks, and runs its static analyzer and its performance checks, only with
+# --thorough: that takes three times as long.
 # A clean file is not checked again until it or a header changes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=${1:?build folder}
-tested=':!tests'
-export extra_checks='-clang-analyzer-*'
+tidied_paths=('*.cpp' ':!tests' ':!bench')
+export extra_checks='-clang-analyzer-*,-performance-*'
 stamps=$build/clang-tidy
 if [ "${2:-}" = --thorough ]; then
-    tested='*.cpp'
+    tidied_paths=('*.cpp')
     extra_checks=
     stamps=$build/clang-tidy-thorough
 fi
@@ -29,7 +30,7 @@ sources() {
 
 mapfile -t code < <(sources '*.cpp' '*.h')
 mapfile -t units < <(sources '*.cpp')
-mapfile -t tidied < <(sources '*.cpp' "$tested")
+mapfile -t tidied < <(sources "${tidied_paths[@]}")
 mapfile -t headers < <(sources '*.h')
 mapfile -t scripts < <(sources '*.sh' .ci/run simulator compat | while read -r file; do
     if head -n 1 "$file" | grep -qE '^#!.*\b(ba)?sh\b' || [[ $file == *.sh ]]; then echo "$file"; fi
