@@ -21,11 +21,11 @@
 namespace {
 const QStringList tools{"ifconfig", "dhclient", "xrandr", "xset", "xinput",
                         "date",     "hwclock",  "du",     "xCal"};
-constexpr int slack = 500;      // ms that a call may take beyond its limit
-constexpr int politeTime = 500; // ms between SIGTERM and SIGKILL
-constexpr int patience = 12000; // ms; a longer wait counts as one without limit
-constexpr int tourLimit = 5000; // ms for all pages when no tool hangs
-constexpr int pollTime = 250;   // ms; longer than the interval of the rescue poll
+constexpr int slack = 500;        // ms that a call may take beyond its limit
+constexpr int politeTime = 500;   // ms between SIGTERM and SIGKILL
+constexpr int patience = 12000;   // ms; a longer wait counts as one without limit
+constexpr int tourLimit = 20'000; // ms; a hang takes longer, a busy machine does not
+constexpr int pollTime = 250;     // ms; longer than the interval of the rescue poll
 constexpr char stubborn[] = "trap '' TERM; while :; do /usr/bin/sleep 1; done";
 
 struct Fault
