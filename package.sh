@@ -38,7 +38,7 @@ build() {
     local log=$folder/log
     rm -rf "$folder"
     mkdir -p "$folder/talmero-bios"
-    list_sources | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
+    list_sources . | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
     [ -e "$folder/talmero-bios/debian/control" ] ||
         die "the files could not be copied to $folder: this must be a git checkout with enough free space"
     (cd "$folder/talmero-bios" &&
