@@ -10,14 +10,20 @@ constexpr qint64 mostReserve = 1024 * 1024; // KiB
 
 bool readAllowedLink(const QString &value, Configuration &configuration)
 {
+    if (!value.startsWith('/')) {
+        return false;
+    }
     configuration.allowedLinks += bytesFromText(value);
-    return value.startsWith('/');
+    return true;
 }
 
 bool readRemoval(const QString &value, Configuration &configuration)
 {
-    configuration.removesLinks = value != QLatin1String("report");
-    return value == QLatin1String("report") || value == QLatin1String("remove");
+    if (value != QLatin1String("report") && value != QLatin1String("remove")) {
+        return false;
+    }
+    configuration.removesLinks = value == QLatin1String("remove");
+    return true;
 }
 
 bool readReserve(const QString &value, Configuration &configuration)

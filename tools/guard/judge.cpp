@@ -17,10 +17,21 @@ bool isBlank(const QByteArray &text)
     return QByteArray(text).replace('\0', ' ').trimmed().isEmpty();
 }
 
-/// Whether @p text is exactly what the program writes for the settings in it.
+/// Whether the program can have written the settings @p text, up to its last line end: nothing but
+/// entries, in ascending order. It also stores empty values, which it does not read.
 bool isFormatted(const QByteArray &text)
 {
-    return formatSettings(settingsIn(text)) == text;
+    const QByteArray lines = text.endsWith('\n') ? text.chopped(1) : text;
+    QString previous;
+    for (const QByteArrayView line : settingsLines(lines)) {
+        const auto entry = parseSettingsLine(line);
+        if (!entry || entry->key <= previous
+            || bytesFromText(entry->key) + '=' + bytesFromText(entry->value) != line) {
+            return text.isEmpty();
+        }
+        previous = entry->key;
+    }
+    return true;
 }
 
 /// Whether the program was cut off in the last line of the settings @p text.
@@ -30,8 +41,10 @@ bool endsWithinLine(const QByteArray &text)
         return false;
     }
     const QByteArray last = text.mid(text.lastIndexOf('\n') + 1).trimmed();
-    const bool isWhole = last.isEmpty() || last.startsWith('#') || last.contains('=');
-    return !isWhole || isFormatted(text + '\n');
+    const auto entry = parseSettingsLine(last);
+    const bool isWhole
+        = last.isEmpty() || last.startsWith('#') || (entry && !entry->value.isEmpty());
+    return !isWhole || isFormatted(text);
 }
 
 QStringList portKeys()
@@ -88,7 +101,7 @@ bool isProgramsLine(const QByteArray &line)
         }
         return lines;
     }();
-    const QByteArray keyword = line.left(line.indexOf(' '));
+    const QByteArray keyword = line.split(' ').first();
     return whole.contains(line) || keyword == "address" || keyword == "netmask";
 }
 
