@@ -114,7 +114,7 @@ void TestGuardJudge::settings_data()
     };
     const QByteArray onlyEth0 = "app.mouse=1\nethernet.eth0=dhcp\n";
     row("no copy", "a=1\n", "", "", Fault::None);
-    row("no copy, empty", "", "", "", Fault::None);
+    row("no copy, empty", "", "", "", Fault::Empty);
     row("as the copy", "a=1\n", "a=1\n", "", Fault::None);
     row("the same settings in other lines", "b=2\na=1", "a=1\nb=2\n", "", Fault::None);
     row("only the last line end is missing", "a=1\nb=2", "a=1\nb=2\n", "", Fault::None);

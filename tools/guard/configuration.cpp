@@ -43,7 +43,7 @@ struct Key
     bool (*read)(const QString &value, Configuration &configuration);
 };
 
-constexpr Key keys[] = {
+constexpr Key knownKeys[] = {
     {"allow.link", readAllowedLink},
     {"links", readRemoval},
     {"reserve.kib", readReserve},
@@ -51,7 +51,7 @@ constexpr Key keys[] = {
 
 bool readEntry(const SettingsEntry &entry, Configuration &configuration)
 {
-    for (const Key &key : keys) {
+    for (const Key &key : knownKeys) {
         if (entry.key == QLatin1String(key.name)) {
             return key.read(entry.value, configuration);
         }

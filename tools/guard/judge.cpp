@@ -130,6 +130,9 @@ Fault faultOf(Kind kind, const QByteArray &text)
 Fault settingsFault(const QByteArray &text, const QByteArray &copy, const QByteArray &interfaces)
 {
     const Fault fault = faultOf(Kind::Settings, text);
+    if (copy.isEmpty()) {
+        return fault; // there is nothing to compare it with
+    }
     const SettingsMap settings = settingsIn(text);
     const SettingsMap copied = settingsIn(copy);
     if (settings == copied && !text.contains('\0')) {
