@@ -305,9 +305,12 @@ class Machine:
         self.lift_finger()
 
     def plug_stick(self, name, file, rate=None):
-        """Plugs in a stick. rate: bytes per second that it can read, for a slow one."""
-        disk = {"driver": "raw", "node-name": f"{name}-disk",
-                "file": {"driver": "file", "filename": str(file)}}
+        """Plugs in a stick, whose file stays as it is. rate: bytes per second that it can read, for
+        a slow one."""
+        overlay = self.folder / f"{name}.qcow2"
+        make_overlay(overlay, file)
+        disk = {"driver": "qcow2", "node-name": f"{name}-disk",
+                "file": {"driver": "file", "filename": str(overlay)}}
         if rate is not None:
             self.monitor("object-add", qom_type="throttle-group", id=f"{name}-rate",
                          limits={"bps-read": rate})

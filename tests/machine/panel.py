@@ -23,7 +23,8 @@ LAN = ({"disable": (100, 125), "dhcp": (100, 163), "manual": (100, 201), "addres
         "mask": (500, 283)},
        {"disable": (100, 378), "dhcp": (100, 415), "manual": (100, 454), "address": (500, 492),
         "mask": (500, 535)})
-KEYPAD = (151, 260)  # below the first address
+FIELD_HEIGHT = 40  # px
+KEYPAD_LEFT, KEYPAD_COLOR = 151, (239, 239, 239)  # it opens below a field of the first port
 KEYS = "123456789.0#"  # row by row; "#" is backspace
 
 # Miscellaneous page
@@ -42,8 +43,9 @@ CROSSES = ((100, 75), (700, 75), (100, 525), (700, 525))  # of the calibrator
 
 # Factory window
 FACTORY_TEST, FACTORY_SAVE, FACTORY_CLOSE = (752, 27), (752, 82), (752, 136)
-MODEL, MODEL_ROW = (530, 140), 44
-TYPE = (530, 300)
+MODEL, MODEL_ROWS = (530, 140), 5
+TYPE, TYPE_ROWS = (530, 300), 2
+FACTORY_LIST_ROW = 44  # px
 SECOND_PORT, THIRD_PORT, FIRST_ETHER = (442, 374), (616, 374), (355, 414)
 PIXEL_TEST = (430, 333)
 RESULT = (8, 475, 690, 115)  # area of the text
@@ -105,6 +107,22 @@ class Panel(Machine):
         self.tap(*COUNTDOWN)
         self.wait_for_main_page()
 
+    def open_factory_window(self):
+        """Waits for the calibrator that comes before this window, and touches its crosses."""
+        self.calibrate(START_LIMIT)
+        self.wait_until("factory window", screen.shows_factory_window)
+
+    def calibrate(self, limit=PAGE_LIMIT):
+        """Waits for the calibrator and touches its crosses."""
+        self.wait_until("calibrator", screen.shows_calibrator, limit)
+        time.sleep(2)  # it does not show when it begins to accept touches
+        for cross in CROSSES:
+            self.tap(*cross)
+            time.sleep(1)  # nor when it shows the next cross
+
+    def wait_for_stick(self, is_in=True):
+        self.shell.run(f"{'until' if is_in else 'while'} mountpoint -q /media/usb0; do sleep 0.2; done")
+
     def open_page(self, name):
         self.tap(*BUTTONS[name])
         self.wait_for_page(name)
@@ -121,22 +139,24 @@ class Panel(Machine):
         self.tap(box[0], max(top, 1) + row * height + height // 2)
         time.sleep(1)
 
-    def type_address(self, text):
-        """Types into the first address of the Ethernet page, in place of what is there."""
-        self.tap(*LAN[0]["address"])
-        time.sleep(1)
-        for key in "#" * 16 + text:
+    def type_into(self, field, text):
+        """Types into a field of the first port, in place of what is there."""
+        self.tap(*field)
+        left, top = KEYPAD_LEFT, field[1] + FIELD_HEIGHT // 2
+        is_shown = (lambda picture: picture.color(left + 5, top + 200) == KEYPAD_COLOR)
+        self.wait_until("keypad", is_shown)
+        for key in "#" * 20 + text:
             number = KEYS.index(key)
-            self.tap(KEYPAD[0] + 34 + number % 3 * 57, KEYPAD[1] + 34 + number // 3 * 57)
+            self.tap(left + 34 + number % 3 * 57, top + 34 + number // 3 * 57)
             time.sleep(0.1)
-        self.tap(KEYPAD[0] + 90, KEYPAD[1] + 262)  # close
-        time.sleep(1)
+        self.tap(left + 90, top + 262)
+        self.wait_until("page without keypad", lambda picture: not is_shown(picture))
 
     def choose_package(self, row):
         """Chooses a row of the list of packages or fonts, whose bar then is blue."""
         place = transfer_row(row)
         self.tap(*place)
-        self.wait_until("chosen row", lambda picture: is_blue(picture.color(place[0] + 50, place[1] + 10)))
+        self.wait_until("chosen row", lambda picture: screen.is_blue(picture.color(place[0] + 50, place[1] + 10)))
 
     def failed_units(self):
         return self.shell.run("systemctl --failed --plain --no-legend").split("\n")[:-1]
@@ -145,8 +165,3 @@ class Panel(Machine):
         """The text of a file of the panel; None if there is none."""
         status, text = self.shell.try_run(f"cat {path}")
         return text if status == 0 else None
-
-
-def is_blue(color):
-    """Whether a colour is that of the bar of a chosen row."""
-    return color[0] < 90 and color[2] > 170

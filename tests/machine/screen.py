@@ -1,7 +1,6 @@
 """Pictures of the panel's screen, and what they show.
 
-The pictures of the picture book serve as samples. A page is recognised by its title: what is
-bright there must be bright here, so shades do not matter.
+Pages are recognised by their parts, not by their texts, because the font depends on the image.
 """
 
 import functools
@@ -11,13 +10,16 @@ import zlib
 
 SAMPLES = pathlib.Path(__file__).resolve().parents[2] / "docs/pictures/800x600"
 BRIGHT = 128  # of 255; text is brighter, everything around it darker
-MAX_DIFFERENCE = 0.05  # part of the pixels of an area that may be on the other side of that
+MAX_DIFFERENCE = 0.01  # part of the pixels of an area that may be on the other side of that
 
 # Areas: x, y, width, height in pixels.
-TITLE = (330, 4, 140, 24)  # the text itself
 HEADING = (29, 310, 200, 50)  # "Settings" on the main page
-CANCEL = (20, 8, 60, 18)
+FIRST_PORT = (29, 65, 100, 40)  # "Lan 1" on the Ethernet page
+CANCEL, OK = (20, 8, 60, 18), (735, 8, 30, 18)
 RING = (340, 250, 25, 100)  # part of the countdown's ring, away from the number
+
+WHITE, HEADING_COLOR = (255, 255, 255), (192, 104, 31)
+CALIBRATOR_COLOR = (190, 190, 190)  # X's "gray"
 
 # The colour of the ring for each count.
 COUNT_COLORS = ((255, 0, 0), (255, 0, 255), (255, 255, 0), (0, 255, 0), (0, 0, 255), (255, 255, 255))
@@ -61,6 +63,9 @@ class Picture:
     def color(self, x, y):
         start = (y * self.width + x) * 3
         return tuple(self.pixels[start:start + 3])
+
+    def is_bright(self, x, y):
+        return self.color(x, y)[1] >= BRIGHT
 
     def row(self, area, y):
         """The bytes of row y of an area."""
@@ -130,19 +135,53 @@ def sample(name):
 
 def shown_count(picture):
     """The count that the ring stands for; None if the countdown is not shown."""
-    # The frame of the countdown is grey on black, and so is nothing that a start shows.
-    if picture.width != 800 or picture.difference(sample("countdown"), (0, 0, 800, 200)) > 0.01:
+    # The upper part of the countdown has no text: it is grey at the edge, black within.
+    if not picture.looks_like("countdown", (0, 0, 800, 200)):
         return None
-    for count, color in enumerate(COUNT_COLORS):
-        if picture.holds(RING, color):
-            return count
-    return None
+    return next((count for count, color in enumerate(COUNT_COLORS) if picture.holds(RING, color)), None)
 
 
 def shows_main_page(picture):
-    return picture.looks_like("main-page", HEADING) and picture.looks_like("main-page", TITLE)
+    return (picture.width == 800 and picture.holds(HEADING, HEADING_COLOR)
+            and not picture.holds(CANCEL, WHITE))
+
+
+def is_blue(color):
+    """Whether a colour is that of the bar of a chosen row."""
+    return color[0] < 90 and color[2] > 170
+
+
+def _shows_list(picture, x, y):
+    return picture.is_bright(x, y) or is_blue(picture.color(x, y))
+
+
+# What only this page has, by the name of its picture in the picture book.
+_PARTS = {
+    "ethernet": lambda picture: (
+        picture.holds(FIRST_PORT, HEADING_COLOR) and picture.is_bright(750, 240)),
+    "miscellaneous": lambda picture: all(
+        picture.is_bright(560, y) == expected
+        for y, expected in ((290, False), (318, True), (375, False), (403, True))),
+    "system-status": lambda picture: picture.is_bright(620, 518) and not picture.is_bright(590, 518),
+    "file-transfer": lambda picture: _shows_list(picture, 740, 130) and not _shows_list(picture, 740, 92),
+    "install-fonts": lambda picture: _shows_list(picture, 740, 92) and _shows_list(picture, 740, 560),
+    "calibration": lambda _: True,
+}
 
 
 def shows_page(picture, name):
-    """Whether the page of this sample is shown, whatever it holds."""
-    return picture.looks_like(name, TITLE) and picture.looks_like(name, CANCEL)
+    """Whether this settings page is shown, whatever it holds."""
+    return (picture.width == 800 and picture.holds(CANCEL, WHITE) and picture.holds(OK, WHITE)
+            and _PARTS[name](picture))
+
+
+def shows_factory_window(picture):
+    """Whether the first page of the factory window is shown: three fields on light grey."""
+    return picture.width == 800 and all(
+        picture.mean((590, y - 4, 8, 8)) > 241 and picture.color(590, y + 60) == (239, 239, 239)
+        for y in (140, 300, 458))
+
+
+def shows_calibrator(picture):
+    """Whether the calibrator is shown, a grey screen with crosses and a clock."""
+    return picture.width == 800 and picture.color(5, 5) == picture.color(794, 594) == CALIBRATOR_COLOR
