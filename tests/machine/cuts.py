@@ -23,7 +23,7 @@ import screen
 import sticks
 from machine import MachineError, make_overlay
 from panel import Panel
-from states import IMAGE, WORK, State, changed, started
+from states import WORK, State, changed, main_page, started
 
 NAMING_RULES = "/etc/udev/rules.d/70-persistent-net.rules"
 SETTINGS = ("/opt/talmero/bios/bios.ini", "/etc/network/interfaces", "/opt/talmero/bios/model",
@@ -135,7 +135,7 @@ class Preparation:
     def states(self):
         """Makes the states that are missing or older than the image. Result: all by save."""
         settled = State(f"{self.prefix}-settled")
-        if not settled.is_current(IMAGE):
+        if not settled.is_current(main_page().disk):
             self._settle(settled)
         for save in SAVES:
             state = self.state(save)
@@ -145,13 +145,9 @@ class Preparation:
 
     def _settle(self, state):
         """A panel that has been in use: with settings and an application."""
-        with changed(state, IMAGE) as panel:
-            panel.wait_for_shell()
+        with changed(state, main_page()) as panel:
             if not self.guarded:
-                panel.shell.run("dpkg --purge talmero-bios-guard && sync")
-                panel.reset()
-                panel.wait_for_shell()
-            panel.open_main_page()
+                panel.shell.run("dpkg --purge talmero-bios-guard")
             make_sticks(self.sticks, panel.file("/opt/talmero/bios/model").strip(),
                         panel.file("/opt/talmero/bios/fwver").strip())
             panel.open_page("ethernet")

@@ -23,17 +23,15 @@ LAN = ({"disable": (100, 125), "dhcp": (100, 163), "manual": (100, 201), "addres
         "mask": (500, 283)},
        {"disable": (100, 378), "dhcp": (100, 415), "manual": (100, 454), "address": (500, 492),
         "mask": (500, 535)})
-FIELD_HEIGHT = 40  # px
-KEYPAD_LEFT, KEYPAD_COLOR = 151, (239, 239, 239)  # it opens below a field of the first port
 KEYS = "123456789.0#"  # row by row; "#" is backspace
 
 # Miscellaneous page
 MOUSE = {"enable": (420, 79), "disable": (670, 79)}
 ORIENTATION = {"landscape": (420, 163), "portrait": (670, 163)}
 BUZZER = {"enable": (420, 247), "disable": (670, 247)}
-SCREEN_SAVING, SCREEN_SAVING_ROWS = (560, 333), 6
-BRIGHTNESS, BRIGHTNESS_ROWS = (560, 418), 11
-TIME_UP = (761, 506)
+SCREEN_SAVING, SCREEN_SAVING_ROWS = (560, 340), 6
+BRIGHTNESS, BRIGHTNESS_ROWS = (560, 425), 11
+TIME_UP = (761, 515)
 LIST_ROW = 46  # px
 
 APPLICATION, FIRMWARE = (120, 92), (490, 92)
@@ -120,6 +118,12 @@ class Panel(Machine):
             self.tap(*cross)
             time.sleep(1)  # nor when it shows the next cross
 
+    def close_warning(self):
+        """Closes a warning, whose only button is at its lower right."""
+        left, top, width, height = screen.dialog(self.picture())
+        self.tap(left + width - 60, top + height - 35)
+        self.wait_until("page without warning", lambda picture: screen.dialog(picture) is None)
+
     def wait_for_stick(self, is_in=True):
         self.shell.run(f"{'until' if is_in else 'while'} mountpoint -q /media/usb0; do sleep 0.2; done")
 
@@ -142,15 +146,13 @@ class Panel(Machine):
     def type_into(self, field, text):
         """Types into a field of the first port, in place of what is there."""
         self.tap(*field)
-        left, top = KEYPAD_LEFT, field[1] + FIELD_HEIGHT // 2
-        is_shown = (lambda picture: picture.color(left + 5, top + 200) == KEYPAD_COLOR)
-        self.wait_until("keypad", is_shown)
+        left, top = screen.keypad_below(self.wait_until(
+            "keypad", lambda picture: screen.keypad_below(picture, field)), field)
         for key in "#" * 20 + text:
             number = KEYS.index(key)
             self.tap(left + 34 + number % 3 * 57, top + 34 + number // 3 * 57)
-            time.sleep(0.1)
         self.tap(left + 90, top + 262)
-        self.wait_until("page without keypad", lambda picture: not is_shown(picture))
+        self.wait_until("page without keypad", lambda picture: not screen.keypad_below(picture, field))
 
     def choose_package(self, row):
         """Chooses a row of the list of packages or fonts, whose bar then is blue."""

@@ -19,6 +19,7 @@ CANCEL, OK = (20, 8, 60, 18), (735, 8, 30, 18)
 RING = (340, 250, 25, 100)  # part of the countdown's ring, away from the number
 
 WHITE, HEADING_COLOR = (255, 255, 255), (192, 104, 31)
+KEYPAD_COLOR = (239, 239, 239)
 CALIBRATOR_COLOR = (190, 190, 190)  # X's "gray"
 
 # The colour of the ring for each count.
@@ -161,7 +162,7 @@ _PARTS = {
         picture.holds(FIRST_PORT, HEADING_COLOR) and picture.is_bright(750, 240)),
     "miscellaneous": lambda picture: all(
         picture.is_bright(560, y) == expected
-        for y, expected in ((290, False), (318, True), (375, False), (403, True))),
+        for y, expected in ((290, False), (335, True), (380, False), (425, True))),
     "system-status": lambda picture: picture.is_bright(620, 518) and not picture.is_bright(590, 518),
     "file-transfer": lambda picture: _shows_list(picture, 740, 130) and not _shows_list(picture, 740, 92),
     "install-fonts": lambda picture: _shows_list(picture, 740, 92) and _shows_list(picture, 740, 560),
@@ -173,6 +174,34 @@ def shows_page(picture, name):
     """Whether this settings page is shown, whatever it holds."""
     return (picture.width == 800 and picture.holds(CANCEL, WHITE) and picture.holds(OK, WHITE)
             and _PARTS[name](picture))
+
+
+def dialog(picture):
+    """The area of the dialog on the screen, by its frame in the colour of headings; None if there
+    is none."""
+    wanted = bytes(HEADING_COLOR) * 100  # longer than a stroke of any letter
+    for y in range(picture.height):
+        row = picture.row((0, 0, picture.width, picture.height), y)
+        left = row.find(wanted)
+        if left >= 0 and left % 3 == 0:
+            left //= 3
+            width = next((x for x in range(left, picture.width) if picture.color(x, y) != HEADING_COLOR),
+                         picture.width) - left
+            height = next((below for below in range(y, picture.height)
+                           if picture.color(left, below) != HEADING_COLOR), picture.height) - y
+            return left, y, width, height
+    return None
+
+
+def keypad_below(picture, field):
+    """Left and top of the keypad below a field at that place; None if it is not shown."""
+    y = field[1] + 27  # above its keys
+    left = picture.row((0, 0, picture.width, picture.height), y).find(bytes(KEYPAD_COLOR) * 150)
+    if left < 0:
+        return None
+    while picture.color(left // 3 + 80, y - 1) == KEYPAD_COLOR:
+        y -= 1
+    return left // 3, y
 
 
 def shows_factory_window(picture):
