@@ -35,6 +35,9 @@ panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-
     x11-xserver-utils xdotool xinput xinput-calibrator imagemagick
     openbox x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)
 
+# What the virtual machine of run.sh needs.
+# shellcheck disable=SC2034
+machine_packages=(qemu-system-x86 qemu-system-gui ovmf mtools novnc websockify)
 # What image.sh needs, and what the image consists of besides our own packages.
 # shellcheck disable=SC2034
 image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-amd64-bin grub-common git)
