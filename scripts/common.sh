@@ -42,7 +42,7 @@ machine_packages=(qemu-system-x86 qemu-system-gui ovmf mtools novnc websockify)
 # shellcheck disable=SC2034
 image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-amd64-bin grub-common git)
 # shellcheck disable=SC2034
-system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev dbus xserver-xorg-core
+system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
     xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core)
 
 # Prints one line on standard error and exits.
