@@ -17,7 +17,7 @@ endfunction()
 # panel_reuse_headers(NAME LIBRARY...): lets a test program that links these libraries use the
 # precompiled headers. They require the same Qt modules, so other programs do without them.
 function(panel_reuse_headers name)
-    if("${ARGN}" MATCHES "^panel_(core|doctorsupport|hostile)$|^mkpackage$|^doctor$")
+    if("${ARGN}" MATCHES "^panel_(core|doctorsupport|hostile)$|^mkpackage$|^doctor$|^guard$")
         target_precompile_headers(${name} REUSE_FROM panel_testsupport)
     elseif("${ARGN}" MATCHES "panel_(ui|widgetsupport|vanishingstick)$")
         target_precompile_headers(${name} REUSE_FROM panel_widgetsupport)
