@@ -197,7 +197,8 @@ def keypad_below(picture, field):
     """Left and top of the keypad below a field at that place; None if it is not shown."""
     y = field[1] + 27  # above its keys
     left = picture.row((0, 0, picture.width, picture.height), y).find(bytes(KEYPAD_COLOR) * 150)
-    if left < 0:
+    # a disabled field has the same colour, but is wider
+    if left < 0 or picture.color(left // 3 + 200, y) == KEYPAD_COLOR:
         return None
     while picture.color(left // 3 + 80, y - 1) == KEYPAD_COLOR:
         y -= 1
