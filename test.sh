@@ -11,8 +11,8 @@ usage() {
 Usage: ./test.sh [OPTION]
 
 Installs missing Debian packages, builds, checks the format and the code, fuzzes
-the parsers, and runs all tests twice: with the address and undefined-behaviour
-sanitizers, and as released. Needs root or sudo.
+the parsers, and runs all tests twice: as released, and with the address and
+undefined-behaviour sanitizers. Needs root or sudo.
 
   --quick   Skips the code checks, the fuzzing and the run with sanitizers.
   --help    Shows this text.
@@ -33,6 +33,13 @@ run_tests() { # PRESET
     ctest --preset "$1" --parallel "$places"
 }
 
+beside_the_tests() {
+    renice -n 19 "$BASHPID" >/dev/null # no test may be late for it
+    scripts/check-code.sh build &&
+        tests/robustness/fuzz/run.sh --seconds 20 --jobs "$((2 * $(nproc)))" &&
+        build_preset sanitize
+}
+
 need_panel
 if [ "$quick" = yes ]; then
     [ -e build ] || need_space 400
@@ -47,10 +54,24 @@ install_packages "${needed[@]}"
 # Most tests take two places. A test spends half its time waiting, so more run than there are cores.
 places=$((4 * $(nproc)))
 build_preset release
-if [ "$quick" = no ]; then
-    scripts/check-code.sh build
-    tests/robustness/fuzz/run.sh --seconds 20 --jobs "$((2 * $(nproc)))"
-    build_preset sanitize
-    run_tests sanitize
+if [ "$quick" = yes ]; then
+    run_tests release
+    exit
 fi
+
+# The tests leave a processor idle half of the time, so the rest runs beside them.
+log=build/beside-the-tests.log
+echo "Running the tests; the checks, the fuzzing and the build with sanitizers run beside them, see $log"
+set -m # in a process group of its own, which can be ended as a whole
+beside_the_tests >"$log" 2>&1 </dev/null &
+set +m
+beside=$!
+trap 'kill -- -$beside 2>/dev/null || true' EXIT
 run_tests release
+echo "Waiting for the checks, the fuzzing and the build with sanitizers"
+failed=no
+wait "$beside" || failed=yes
+trap - EXIT
+cat "$log"
+[ "$failed" = no ] || die "the checks, the fuzzing or the build with sanitizers failed: see above"
+run_tests sanitize

@@ -1,23 +1,27 @@
 # panel_add_test(NAME DISPLAY LIBRARY...): builds NAME.cpp and runs it on that display as a test with
 # the label ${panel_test_label}. Each gets its own simulated panel, so it may write to real paths.
 function(panel_add_test name display)
-    add_executable(${name} ${name}.cpp)
+    panel_add_test_program(${name} ${ARGN})
+    panel_register_test(${name} ${display})
+endfunction()
+
+# panel_add_test_program(NAME LIBRARY...): builds NAME.cpp, which includes NAME.moc.
+function(panel_add_test_program name)
+    qt_generate_moc(${name}.cpp ${CMAKE_CURRENT_BINARY_DIR}/${name}.moc)
+    add_executable(${name} ${name}.cpp ${CMAKE_CURRENT_BINARY_DIR}/${name}.moc)
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
     target_link_libraries(${name} PRIVATE ${ARGN} panel_testsupport panel_options)
     panel_reuse_headers(${name} ${ARGN})
-    panel_register_test(${name} ${display})
 endfunction()
 
 # panel_reuse_headers(NAME LIBRARY...): lets a test program that links these libraries use the
 # precompiled headers. They require the same Qt modules, so other programs do without them.
 function(panel_reuse_headers name)
-    if("${ARGN}" MATCHES "^panel_(core|doctorsupport|hostile)$|^mkpackage$|^doctor$")
+    if("${ARGN}" MATCHES "^panel_(core|doctorsupport|hostile)$|^mkpackage$|^doctor$|^guard$")
         target_precompile_headers(${name} REUSE_FROM panel_testsupport)
     elseif("${ARGN}" MATCHES "panel_(ui|widgetsupport|vanishingstick)$")
         target_precompile_headers(${name} REUSE_FROM panel_widgetsupport)
     endif()
-    # Loading the headers takes half a second, and this file is empty for a program of one file.
-    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/mocs_compilation.cpp
-        PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
 # panel_register_test(NAME DISPLAY ARGUMENT...): runs the program NAME on that display as a test.

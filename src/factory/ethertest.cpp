@@ -9,7 +9,6 @@
 #include <QTextEdit>
 
 namespace {
-constexpr int longestChunk = 1024;  // bytes shown at a time
 constexpr int connectLimit = 30000; // ms
 } // namespace
 

@@ -13,8 +13,7 @@
 #include <QTextEdit>
 
 namespace {
-constexpr int longestChunk = 1024; // bytes shown at a time
-constexpr int writeLimit = 10000;  // ms
+constexpr int writeLimit = 10000; // ms
 
 /// Whether there is more to read, including bytes that the kernel still holds. readyRead() is not
 /// emitted for them.

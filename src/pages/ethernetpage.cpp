@@ -4,6 +4,7 @@
 #include "system/run/commandline.h"
 #include "system/run/process.h"
 #include "system/settings/settingskeys.h"
+#include "system/settings/storedports.h"
 #include "widgets/heading.h"
 #include "widgets/lineeditwithkeypad.h"
 #include "widgets/metrics.h"
@@ -19,7 +20,6 @@ constexpr int editMinimumHeight = 20; // px
 constexpr int captionSpacing = 6;     // px
 constexpr int editSpacing = 4;        // px; small enough for both ports on a screen 600 pixels high
 constexpr QColor disabledTextColor(80, 80, 80);
-constexpr char defaultMask[] = "255.255.255.0";
 
 /// The differences between the two ports. The address and mask of Lan 1 share an object name on
 /// purpose: it is part of the interface. Lan 1 starts without a mode; loading the page sets one.
@@ -125,22 +125,23 @@ bool BiosInterface::loadEthernetSettings()
 void BiosInterface::loadEthernetPort(int lan)
 {
     const EthernetPort &port = m_ports.at(size_t(lan));
-    const QString value = m_settings.value(ethernetKeys(lan).address);
-    const QString mask = m_settings.value(ethernetKeys(lan).mask);
-    if (value.isEmpty()) {
+    const PortSetup stored = storedPort(m_settings, lan);
+    setEthernetEditsEnabled(lan, stored.mode == PortMode::Static);
+    switch (stored.mode) {
+    case PortMode::Disabled:
         port.disable->setChecked(true);
-        setEthernetEditsEnabled(lan, false);
         port.address->clear();
         port.mask->clear();
-    } else if (value == QLatin1String(dhcpValue)) {
+        break;
+    case PortMode::Dhcp:
         port.dhcp->setChecked(true);
-        setEthernetEditsEnabled(lan, false);
         showLiveAddress(lan);
-    } else {
+        break;
+    case PortMode::Static:
         port.manual->setChecked(true);
-        setEthernetEditsEnabled(lan, true);
-        port.address->setText(value);
-        port.mask->setText(mask.isEmpty() ? defaultMask : mask);
+        port.address->setText(stored.address);
+        port.mask->setText(stored.mask);
+        break;
     }
 }
 

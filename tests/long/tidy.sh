@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Checks all code with clang-tidy, including the tests, and with the static analyzer of clang.
+# Checks each file of all code alone with clang-tidy, including the tests, and with clang's static
+# analyzer. Compiles each file alone before: a missing include shows only then.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -12,5 +13,5 @@ case "${1:-}" in
 esac
 install_packages "${build_packages[@]}" "${check_packages[@]}" "${test_packages[@]}" \
     "${bench_packages[@]}"
-build_preset release
-scripts/check-code.sh build --thorough
+build_preset debug
+scripts/check-code.sh build-debug --thorough

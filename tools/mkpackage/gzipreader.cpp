@@ -1,5 +1,7 @@
 #include "gzipreader.h"
 
+#include "zerobytes.h"
+
 #include <QIODevice>
 
 #include <algorithm>
@@ -13,13 +15,6 @@ constexpr char firstByte = '\x1f';     // of each stream
 Bytef *bytesOf(QByteArray &array)
 {
     return reinterpret_cast<Bytef *>(array.data()); // zlib wants unsigned bytes
-}
-
-/// Compares each byte with the next one, which runs at the speed of memory: archives that are made
-/// to fill a disk consist of zeros.
-bool isZero(QByteArrayView piece)
-{
-    return piece.isEmpty() || (piece.front() == '\0' && piece.sliced(1) == piece.chopped(1));
 }
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "headerwalk.h"
 
 #include "paxrecords.h"
+#include "zerobytes.h"
 
 #include <algorithm>
 
@@ -70,11 +71,6 @@ qint64 octalNumber(QByteArrayView field)
         number = c >= '0' && c <= '7' ? number * 8 + (c - '0') : number;
     }
     return number;
-}
-
-bool isZero(QByteArrayView block)
-{
-    return std::all_of(block.begin(), block.end(), [](char c) { return c == '\0'; });
 }
 } // namespace
 

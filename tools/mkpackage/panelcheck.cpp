@@ -7,16 +7,12 @@
 #include "system/debugtext.h"
 #include "system/files/versionfiles.h"
 #include "system/textcodec.h"
+#include "zerobytes.h"
 
 #include <algorithm>
 
 namespace MkPackage {
 namespace {
-bool isZero(const QByteArray &bytes)
-{
-    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c == 0; });
-}
-
 QString shown(const QString &text)
 {
     return QString::fromLatin1(printable(text));
