@@ -6,8 +6,8 @@ export project_root
 
 # Debian packages by purpose.
 # shellcheck disable=SC2034
-build_packages=(g++ ninja-build cmake qt6-base-dev qt6-base-private-dev qt6-serialport-dev libgl-dev
-    libarchive-dev zlib1g-dev libfuse3-dev)
+build_packages=(g++ ninja-build cmake mold qt6-base-dev qt6-base-private-dev qt6-serialport-dev
+    libgl-dev libarchive-dev zlib1g-dev libfuse3-dev)
 # shellcheck disable=SC2034
 package_packages=(dpkg-dev debhelper git)
 # shellcheck disable=SC2034
