@@ -61,7 +61,7 @@ run_cuts() {
     python3 tests/machine/cuts.py --seeds "$1" "${cut_options[@]}"
 }
 
-install_packages "${machine_packages[@]}"
+install_packages "${machine_test_packages[@]}"
 if [ -z "$image" ]; then
     ./image.sh --test --model RV-K21T --oem TALMERO --runtime-version 12
     image=dist/talmero-panel-test.img
