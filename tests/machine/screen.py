@@ -163,7 +163,7 @@ _PARTS = {
     "miscellaneous": lambda picture: all(
         picture.is_bright(560, y) == expected
         for y, expected in ((290, False), (335, True), (380, False), (425, True))),
-    "system-status": lambda picture: picture.is_bright(620, 518) and not picture.is_bright(590, 518),
+    "system-status": lambda picture: picture.is_bright(775, 515) and not picture.is_bright(560, 335),
     "file-transfer": lambda picture: _shows_list(picture, 740, 130) and not _shows_list(picture, 740, 92),
     "install-fonts": lambda picture: _shows_list(picture, 740, 92) and _shows_list(picture, 740, 560),
     "calibration": lambda _: True,
