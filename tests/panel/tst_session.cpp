@@ -44,7 +44,7 @@ void TestSession::initTestCase()
     shellBytes(QString("mkdir -p %1/bin; cp '%2' %1/bin/talmero-settings;"
                        "sed 's|@prefix@|%1|' '%3/session/start-session.in' >%4; chmod +x %4")
                    .arg(prefix, SETTINGS, PANEL_SOURCE, startSession));
-    writeFile("/root/.xinitrc", "xset q >/run/asked\n");
+    writeFile("/root/.xinitrc", "sleep 0.3; xset q >/run/asked\n"); // the bell is set meanwhile
 }
 
 void TestSession::pointerAndBellFollowTheSettings_data()
