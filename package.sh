@@ -32,27 +32,13 @@ umask 022 # the packed files have the same modes whoever builds them
 work=build-package
 output=dist
 
-# The files of the checkout, with uncommitted changes and without build results.
-list_sources() {
-    # git refuses a checkout of another user otherwise
-    git -c safe.directory='*' ls-files -z --cached --others --exclude-standard 2>/dev/null |
-        while IFS= read -r -d '' file; do
-            [ ! -e "$file" ] || printf '%s\0' "$file"
-        done
-}
-
-# The time stamp of all packed files: the last commit's, or the changelog's without git.
-source_date() {
-    git -c safe.directory='*' log -1 --format=%ct 2>/dev/null || dpkg-parsechangelog --show-field Timestamp
-}
-
 # build NAME: leaves the packages in build-package/NAME
 build() {
     local folder=$work/$1
     local log=$folder/log
     rm -rf "$folder"
     mkdir -p "$folder/talmero-bios"
-    list_sources | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
+    list_sources . | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
     [ -e "$folder/talmero-bios/debian/control" ] ||
         die "the files could not be copied to $folder: this must be a git checkout with enough free space"
     (cd "$folder/talmero-bios" &&
@@ -81,7 +67,8 @@ if [ "$check" = yes ]; then
     [ -z "$different" ] || die "the two builds differ: ${different//$'\n'/ }"
     echo "Both builds gave the same bytes"
 fi
-rm -rf "$output"
-mkdir "$output"
+# dist/ may hold an image, too.
+mkdir -p "$output"
+rm -f "$output"/*.{deb,dsc,tar.xz,buildinfo,changes}
 cp "$work"/first/*.{deb,dsc,tar.xz,buildinfo,changes} "$output"
 (cd "$output" && ls -sh -- *.deb)

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds talmero-bios and runs it on a simulated panel.
+# Builds talmero-bios and runs it on a simulated panel, or on a virtual machine.
 [ -n "${BASH_VERSION-}" ] || exec bash "$0" "$@" # started as "sh run.sh"
 set -u
 
@@ -7,6 +7,8 @@ set -u
 source "$(dirname -- "${BASH_SOURCE[0]}")/scripts/common.sh"
 
 factory=()
+machine=no
+uefi=()
 size=800x600
 screenshot=
 after=
@@ -23,6 +25,11 @@ the checkout changes.
 
   --factory           Starts with the factory marker on the panel's USB stick.
   --size WxH          Size of the panel in pixels (default: 800x600).
+  --machine           Boots the disk image of ./image.sh in a virtual machine, with the
+                      stick plugged in, a DHCP server behind Lan 1 and nobody behind
+                      Lan 2. Builds the image first if there is none; the machine itself
+                      needs no root. What the panel writes to its disk is discarded.
+  --uefi              With --machine: boots by UEFI, not by BIOS.
   --screenshot FILE   Runs the program without a display, saves a screenshot of
                       the panel as PNG and exits.
   --after SECONDS     Time between the program's window appearing and the
@@ -43,6 +50,8 @@ while (($#)); do
         exit 0
         ;;
     --factory) factory=(--factory) ;;
+    --machine) machine=yes ;;
+    --uefi) uefi=(--uefi) ;;
     --size | --screenshot | --after)
         [[ -n ${2-} ]] || usage_error "$1 needs a value"
         case $1 in
@@ -62,6 +71,9 @@ done
 [[ -z $after || -n $screenshot ]] || usage_error "--after goes with --screenshot"
 [[ -z $after || $after =~ ^([0-9]+\.?[0-9]*|\.[0-9]+)$ ]] ||
     usage_error "--after takes a number of seconds, not $after"
+
+[[ $machine == no || -z $screenshot ]] || usage_error "--machine does not go with --screenshot"
+[[ $machine == yes || ${#uefi[@]} -eq 0 ]] || usage_error "--uefi goes with --machine"
 
 # Checked before the build, which takes minutes.
 if [[ -n $screenshot ]]; then
@@ -88,6 +100,30 @@ build() {
     return "$build_status"
 }
 
+# An image for the machine: the stand-in runtime is the maker's own file.
+build_image() {
+    local overlay=$project_root/build/overlay
+    rm -rf "$overlay"
+    mkdir -p "$overlay/opt/talmero/hmi" "$overlay/opt/talmero/bios"
+    cp "$project_root/simulator/files/opt/talmero/bios/runapp.sh" "$overlay/opt/talmero/bios"
+    cp "$project_root/build/bin/standin-runtime" "$overlay/opt/talmero/hmi/runtime"
+    "$project_root/image.sh" --model RV-K21T --oem TALMERO --runtime-version 12 --overlay "$overlay"
+}
+
+run_machine() {
+    local image=$project_root/dist/talmero-panel.img options=("${factory[@]}" "${uefi[@]}") display=web
+    if display_is_usable; then
+        display=window
+    fi
+    [[ -x $project_root/build/bin/standin-runtime ]] || need_space 100
+    install_packages "${build_packages[@]}" "${machine_packages[@]}" || exit
+    build || exit
+    [[ -e $image ]] || build_image || exit
+    exec "$project_root/simulator/machine" --display "$display" --size "$size" "${options[@]}" \
+        "$image" "$project_root/build/simulator/stick"
+}
+
+[[ $machine == no ]] || run_machine
 need_panel
 # shellcheck disable=SC2154 # the lists and the folder come from common.sh
 [[ -x $project_root/build/bin/talmero-bios ]] || need_space 100

@@ -35,6 +35,16 @@ panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-
     x11-xserver-utils xdotool xinput xinput-calibrator imagemagick
     openbox x11vnc novnc websockify fonts-dejavu-core fonts-open-sans)
 
+# What the virtual machine of run.sh needs.
+# shellcheck disable=SC2034
+machine_packages=(qemu-system-x86 qemu-system-gui ovmf mtools novnc websockify)
+# What image.sh needs, and what the image consists of besides our own packages.
+# shellcheck disable=SC2034
+image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-amd64-bin grub-common git)
+# shellcheck disable=SC2034
+system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
+    xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core)
+
 # Prints one line on standard error and exits.
 die() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
@@ -160,4 +170,19 @@ build_preset() {
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1+--target "$@"} |
         sed --unbuffered '/^ninja: no work to do/d'
     [ "${PIPESTATUS[0]}" -eq 0 ] || die "the build of the preset $preset failed"
+}
+
+# list_sources [PATHSPEC...]: the files of the checkout, with uncommitted changes and without build
+# results, each followed by a zero byte.
+list_sources() {
+    # git refuses a checkout of another user otherwise
+    git -c safe.directory='*' ls-files -z --cached --others --exclude-standard "$@" 2>/dev/null |
+        while IFS= read -r -d '' file; do
+            [ ! -e "$file" ] || printf '%s\0' "$file"
+        done
+}
+
+# The time stamp of everything that is packed: the last commit's, or the changelog's without git.
+source_date() {
+    git -c safe.directory='*' log -1 --format=%ct 2>/dev/null || dpkg-parsechangelog --show-field Timestamp
 }

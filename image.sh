@@ -1,0 +1,83 @@
+#!/usr/bin/env bash
+# Builds the disk image of a panel.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+# shellcheck source=scripts/common.sh
+. scripts/common.sh
+
+usage() {
+    cat <<'TEXT'
+Usage: ./image.sh [OPTION]...
+
+Builds dist/talmero-panel.img: the whole disk of a panel, with Debian 12 and the packages
+of ./package.sh, which is run first unless dist/ is up to date. Write it to the panel's
+disk, or try it with ./run.sh --machine. It boots by BIOS and by UEFI. Needs root or sudo,
+apt's mirror and 4 GB of free space.
+
+  --model NAME            The panel's model, such as RV-K21T.
+  --oem NAME              The OEM name that firmware packages must carry.
+  --runtime-version N     The version of the HMI runtime that --overlay brings.
+  --overlay FOLDER        Copies the files in FOLDER to the same places on the panel, such
+                          as FOLDER/opt/talmero/bios/runapp.sh. They belong to root there.
+  --size MB               Size of the disk (default: 1000). /home takes what the system
+                          leaves.
+  --test                  For tests: a root shell without a password and the kernel's
+                          console on the first serial port; a tablet counts as the panel's
+                          touch controller.
+  --help                  Shows this text.
+TEXT
+}
+
+usage_error() {
+    printf 'image.sh: %s; see ./image.sh --help\n' "$1" >&2
+    exit 2
+}
+
+model='' oem='' runtime_version='' overlay='' size=1000 kind=plain
+while [ $# -gt 0 ]; do
+    case $1 in
+    --help) usage && exit 0 ;;
+    --test) kind='test' && shift && continue ;;
+    --model | --oem | --runtime-version | --overlay | --size) ;;
+    *) usage_error "unknown option $1" ;;
+    esac
+    [ -n "${2-}" ] || usage_error "$1 needs a value"
+    case $1 in
+    --model) model=$2 ;;
+    --oem) oem=$2 ;;
+    --runtime-version) runtime_version=$2 ;;
+    --overlay) overlay=$2 ;;
+    --size) size=$2 ;;
+    esac
+    shift 2
+done
+for name in "$model" "$oem"; do
+    [[ $name != *[[:cntrl:]]* ]] || usage_error "a model or OEM name is one line of text"
+done
+[[ $runtime_version =~ ^[0-9]{0,9}$ ]] || usage_error "the runtime's version is a number, not $runtime_version"
+[[ $size =~ ^[1-9][0-9]{2,6}$ ]] || usage_error "the size is a number of MB from 100 to 9999999, not $size"
+if [ -n "$overlay" ]; then
+    { [ -d "$overlay" ] && [ -r "$overlay" ] && [ -x "$overlay" ]; } ||
+        usage_error "$overlay is not a folder that can be read"
+    overlay=$(realpath -- "$overlay")
+fi
+
+# Whether the packages in dist/ are newer than every file that they are made of.
+packages_are_new() {
+    local package newer
+    package=$(find dist -name 'talmero-bios_*.deb' -print -quit 2>/dev/null)
+    [ -n "$package" ] || return 1
+    # shellcheck disable=SC2185 # the paths come from git
+    newer=$(list_sources ':!image.sh' ':!image' ':!tests' ':!bench' |
+        find -files0-from - -prune -newer "$package" -print -quit)
+    [ -z "$newer" ]
+}
+
+need_root
+need_space 4000
+install_packages "${image_packages[@]}"
+packages_are_new || ./package.sh
+
+as_root env SOURCE_DATE_EPOCH="$(source_date)" image/build \
+    "$kind" "$size" "$overlay" "$model" "$oem" "$runtime_version" "$(id -u):$(id -g)"
+ls -sh dist/talmero-panel.img
