@@ -83,7 +83,7 @@ void removeLinks(const Configuration &configuration)
 
 Configuration readConfiguration()
 {
-    const Configuration configuration
+    Configuration configuration
         = parseConfiguration(contentOf(configurationFile).value_or(QByteArray()));
     for (const QString &problem : configuration.problems) {
         say(problem);
