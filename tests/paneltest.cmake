@@ -41,11 +41,13 @@ function(panel_register_test name display)
         COMMAND ${CMAKE_SOURCE_DIR}/simulator/panel --build ${CMAKE_BINARY_DIR}
                 --display ${display} ${share} -- $<TARGET_FILE:${name}> ${ARGN})
     set_tests_properties(${name} PROPERTIES LABELS ${panel_test_label} TIMEOUT 240 PROCESSORS 2
+        COST "${panel_test_cost_${panel_test_label}}"
         ENVIRONMENT "${environment}")
 endfunction()
 
 # panel_add_script_test(NAME SECONDS COMMAND...): runs a script, which starts any panels itself.
 function(panel_add_script_test name limit)
     add_test(NAME ${name} COMMAND ${ARGN})
-    set_tests_properties(${name} PROPERTIES LABELS ${panel_test_label} TIMEOUT ${limit} PROCESSORS 2)
+    set_tests_properties(${name} PROPERTIES LABELS ${panel_test_label} TIMEOUT ${limit} PROCESSORS 2
+        COST "${panel_test_cost_${panel_test_label}}")
 endfunction()

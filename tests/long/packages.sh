@@ -57,6 +57,7 @@ make_root() {
     debootstrap --variant=minbase bookworm "$root" "$(mirror)" >"$work/debootstrap.log" ||
         die "debootstrap failed, see $work/debootstrap.log"
     cp dist/talmero-bios_*.deb dist/talmero-bios-tools_*.deb dist/talmero-bios-compat_*.deb \
+        dist/talmero-bios-guard_*.deb \
         "$root/var/tmp"
     echo "Installing the packages in it"
     # shellcheck disable=SC2016 # the inner shell expands it
@@ -82,7 +83,8 @@ check_tools() {
 
 check_units() {
     local unit
-    for unit in talmero-session.service talmero-stick@sda1.service; do
+    for unit in talmero-session.service talmero-stick@sda1.service \
+        talmero-guard.service talmero-guard-restore.service talmero-guard-dpkg.service; do
         chroot "$root" systemd-analyze verify --man=no "$unit" || die "systemd refuses $unit"
     done
     echo "systemd accepts the units"

@@ -41,6 +41,11 @@ installs_below() { # PREFIX
         [ -x "$work/image$1/bin/talmero-bios" ] &&
         [ -e "$work/image$1/share/man/man5/bios.ini.5" ] &&
         [ -x "$work/image$1/lib/talmero-bios/compat/bin/ifconfig" ] &&
+        [ -x "$work/image$1/bin/talmero-guard" ] &&
+        grep -q "^settings=$1/bin/talmero-settings$" "$work/image$1/lib/talmero-bios/start-session" &&
+        [ -x "$work/image$1/lib/talmero-bios/start-session" ] &&
+        grep -q "=$1/bin/talmero-guard watch" \
+            "$work/image$1/lib/systemd/system/talmero-guard.service" &&
         grep -q "=$1/lib/talmero-bios/compat/stick mount" \
             "$work/image$1/lib/systemd/system/talmero-stick@.service" &&
         grep -q "^PATH=$1/lib/talmero-bios/compat/bin:$1/bin:" \

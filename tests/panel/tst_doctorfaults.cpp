@@ -15,8 +15,9 @@ namespace {
 constexpr int hangingLimit = 6000; // ms for a run that ends each tool after 0.7 s
 
 /// The tools that the doctor may run. It must never run others, such as xCal or hwclock.
-const QStringList askedTools{"xrandr",   "xinput", "xset",    "ifconfig", "du",     "date",
-                             "dhclient", "sleep",  "ifquery", "tar",      "fc-list"};
+const QStringList askedTools{"xrandr",  "xinput", "xset",     "ifconfig",
+                             "du",      "date",   "dhclient", "sleep",
+                             "ifquery", "tar",    "fc-list",  "talmero-guard"};
 } // namespace
 
 class TestDoctorFaults : public QObject
@@ -141,6 +142,9 @@ void TestDoctorFaults::changesNothing()
         = askedTools + QStringList{"beep", "hwclock", "mv", "rm", "sync", "xCal", "ifup", "ifdown"};
     const FakeTools tools(all);
     const QTemporaryDir folder;
+    writeFile("/usr/bin/talmero-guard",
+              "#!/bin/sh\necho watch=yes\n"); // not in the simulated panel
+    shellBytes("chmod +x /usr/bin/talmero-guard");
     for (const QString &tool : all) {
         tools.setBody(tool,
                       QString("printf '%s\\n' \"%1 $*\" >>'%2'; exec /usr/bin/env "
@@ -161,9 +165,9 @@ void TestDoctorFaults::changesNothing()
         asked,
         (QByteArrayList{"date +%s", "dhclient --version", "du -h /home/dest/", "fc-list : family",
                         "ifconfig ", "ifconfig eth0", "ifconfig eth1", "ifquery --list",
-                        "sleep 0.2", "tar --version", "xinput --list --name-only",
-                        "xinput query-state PenMount USB Touchscreen", "xrandr --verbose",
-                        "xrandr -q", "xset q"}));
+                        "sleep 0.2", "talmero-guard status", "tar --version",
+                        "xinput --list --name-only", "xinput query-state PenMount USB Touchscreen",
+                        "xrandr --verbose", "xrandr -q", "xset q"}));
     QCOMPARE(shellBytes(files), before);
 }
 

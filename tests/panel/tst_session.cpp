@@ -41,10 +41,11 @@ private slots:
 void TestSession::initTestCase()
 {
     requirePanel();
-    shellBytes(QString("mkdir -p %1/bin; cp '%2' %1/bin/talmero-settings;"
+    shellBytes(QString("mkdir -p %1/bin %1/lib/talmero-bios; cp '%2' %1/bin/talmero-settings;"
+                       "ln -s /bin/true %1/lib/talmero-bios/wait-for-devices;"
                        "sed 's|@prefix@|%1|' '%3/session/start-session.in' >%4; chmod +x %4")
                    .arg(prefix, SETTINGS, PANEL_SOURCE, startSession));
-    writeFile("/root/.xinitrc", "xset q >/run/asked\n");
+    writeFile("/root/.xinitrc", "sleep 0.3; xset q >/run/asked\n"); // the bell is set meanwhile
 }
 
 void TestSession::pointerAndBellFollowTheSettings_data()

@@ -71,6 +71,7 @@ void answerAll(Facts &facts)
     answer(facts, Question::Fonts, "Helvetica\nWeblySleek UI\n");
     answer(facts, Question::ScriptSyntax, "");
     answer(facts, Question::ShortPause, "");
+    answer(facts, Question::GuardStatus, "watch=yes\n");
 }
 } // namespace
 
@@ -82,6 +83,7 @@ Facts healthyFacts()
     facts.limit = 5000;
     facts.tools.fill("/usr/bin/tool");
     facts.gzip = "/usr/bin/gzip";
+    facts.guard = "/usr/bin/talmero-guard";
     facts.ifquery = "/usr/sbin/ifquery";
     facts.fontList = "/usr/bin/fc-list";
     facts.sample = "sample";

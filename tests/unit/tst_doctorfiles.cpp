@@ -1,5 +1,6 @@
 #include "healthypanel.h"
 
+#include "checks.h"
 #include "gather.h"
 
 #include <QDir>
@@ -84,6 +85,11 @@ const QList<BrokenThing> &brokenThings()
         {"model with a blank", [](Facts &f) { putFile(f, Paths::modelFile, "RV-K25T \n"); },
          {"warning version files: /opt/talmero/bios/model says \"RV-K25T\", with blanks at the start or the end"}},
         {"model from Windows", [](Facts &f) { putFile(f, Paths::modelFile, "RV-K25T\r\n"); }, {}},
+        {"no guard", [](Facts &f) { f.guard.clear(); f.answers[size_t(Question::GuardStatus)].reset(); }, {}},
+        {"guard that does not watch", [](Facts &f) { answer(f, Question::GuardStatus, "copy.oem=2026-11-22T05:00:00Z\nwatch=no\n"); },
+         {"error guard: installed, but it does not watch"}},
+        {"guard that fails", [](Facts &f) { answer(f, Question::GuardStatus, "", "no", 1); },
+         {"error guard: \"tool -x\" fails with status 1: no"}},
         {"read-only model", [](Facts &f) { at(f, Paths::modelFile).isWritable = false; },
          {"error version files: /opt/talmero/bios/model cannot be written"}},
     };
@@ -98,6 +104,7 @@ class TestDoctorFiles : public QObject
 private slots:
     void brokenThing_data() { addBrokenThings(brokenThings()); }
     void brokenThing();
+    void guardTellsItsLastAct();
     void looksAtPaths();
     void findsStrayLinks();
     void opensSerialPorts();
@@ -107,6 +114,15 @@ void TestDoctorFiles::brokenThing()
 {
     QFETCH(qsizetype, index);
     QCOMPARE(judgeBrokenThing(brokenThings().at(index)), QString());
+}
+
+void TestDoctorFiles::guardTellsItsLastAct()
+{
+    Facts facts = healthyFacts();
+    QCOMPARE(checkGuard(facts).first().text, "watches; it has repaired nothing so far");
+    answer(facts, Question::GuardStatus, "act=put it back\ntime=2026-11-22T05:00:00Z\nwatch=yes\n");
+    QCOMPARE(checkGuard(facts).first().text,
+             "watches; it last acted at 2026-11-22T05:00:00Z: put it back");
 }
 
 void TestDoctorFiles::looksAtPaths()

@@ -150,6 +150,7 @@ const QList<Askers> &allAskers()
         {Question::Fonts,           {"fonts"}},
         {Question::ScriptSyntax,    {"runtime script"}},
         {Question::ShortPause,      {"pause"}},
+        {Question::GuardStatus,     {"guard"}},
     };
     // clang-format on
     return askers;

@@ -34,6 +34,7 @@ const QList<Check> &allChecks()
         {"version files",   checkVersionFiles},
         {"settings file",   checkSettingsFile},
         {"settings",        checkSettings},
+        {"guard",           checkGuard},
     };
     // clang-format on
     return checks;

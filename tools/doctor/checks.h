@@ -54,6 +54,9 @@ Findings checkScript(const Facts &facts);
 Findings checkStick(const Facts &facts);
 Findings checkSerialPorts(const Facts &facts);
 
+// guardcheck.cpp
+Findings checkGuard(const Facts &facts);
+
 // settingschecks.cpp
 Findings checkSettingsFile(const Facts &facts);
 Findings checkSettings(const Facts &facts);

@@ -32,8 +32,9 @@ enum class Question {
     Fonts,
     ScriptSyntax,
     ShortPause,
+    GuardStatus,
 };
-inline constexpr size_t questionCount = size_t(Question::ShortPause) + 1;
+inline constexpr size_t questionCount = size_t(Question::GuardStatus) + 1;
 
 /// A question and its answer.
 struct Answered
@@ -83,6 +84,7 @@ struct StrayLinks
 };
 
 // Tools that the program itself does not run, but tar, the panel's boot or talmero-doctor does.
+inline constexpr char guardName[] = "talmero-guard";
 inline constexpr char gzipName[] = "gzip";
 inline constexpr char ifqueryName[] = "ifquery";
 inline constexpr char fontListName[] = "fc-list";
@@ -98,6 +100,7 @@ struct Facts
     qint64 limit = 0; ///< how long each tool had to answer, in ms
     std::array<QString, std::size(toolNames)> tools;            ///< paths; empty if not found
     QString gzip;                                               ///< path; empty if not found
+    QString guard;                                              ///< path; empty if not found
     QString ifquery;                                            ///< path; empty if not found
     QString fontList;                                           ///< path; empty if not found
     std::array<std::optional<Answered>, questionCount> answers; ///< nothing where no tool was asked

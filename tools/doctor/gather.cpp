@@ -105,6 +105,7 @@ void findTools(Facts &facts)
         facts.tools[tool] = QStandardPaths::findExecutable(QLatin1String(toolNames[tool]));
     }
     facts.gzip = QStandardPaths::findExecutable(gzipName);
+    facts.guard = QStandardPaths::findExecutable(guardName);
     facts.ifquery = QStandardPaths::findExecutable(ifqueryName);
     facts.fontList = QStandardPaths::findExecutable(fontListName);
 }

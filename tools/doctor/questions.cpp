@@ -34,6 +34,7 @@ QList<AskedTool> firstQuestions(const Facts &facts, const QString &archive, cons
         ask(Question::TarVersion,      Tool::Tar,      toolCommand(Tool::Tar, {"--version"})),
         ask(Question::DhcpVersion,     Tool::Dhclient, toolCommand(Tool::Dhclient, {"--version"})),
         ask(Question::ShortPause,      Tool::Sleep,    echoPauseCommand()),
+        {Question::GuardStatus,        facts.guard,    {guardName, {"status"}}},
         {Question::InterfacesFile,     facts.ifquery,  {ifqueryName, {"--list"}}},
         {Question::Fonts,              facts.fontList, {fontListName, {":", "family"}}},
     };

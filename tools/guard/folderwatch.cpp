@@ -49,7 +49,8 @@ FolderWatch::Changes FolderWatch::readChanges()
             const auto *event = reinterpret_cast<const inotify_event *>(at);
             m_isLost |= (event->mask & IN_Q_OVERFLOW) != 0;
             if (event->len > 0 && m_folders.contains(event->wd)) {
-                const QString path = m_folders.value(event->wd) + '/' + textFromBytes(event->name);
+                const QString path = m_folders.value(event->wd) + '/'
+                    + textFromBytes(static_cast<const char *>(event->name));
                 ((event->mask & completed) != 0 ? changes.complete : changes.started) += path;
             }
             at += sizeof(inotify_event) + event->len;

@@ -24,11 +24,11 @@ enum class Fault {
 /// Result: never Refused; only ifupdown knows.
 Fault faultOf(Kind kind, const QByteArray &text);
 
-/// The same for bios.ini, with the last good copy at hand, empty if there is none, and @p interfaces, the content of
-/// ifupdown's file. The program writes keys in ascending order, so the end of a file that lost its
-/// last lines is a whole line: such a file lacks the last keys of the copy. If those are keys of
-/// LAN ports, a technician may have disabled the port. Then ifupdown's file, which is written
-/// later, says the same.
+/// The same for bios.ini, with the last good copy at hand, empty if there is none, and @p
+/// interfaces, the content of ifupdown's file. The program writes keys in ascending order, so the
+/// end of a file that lost its last lines is a whole line: such a file lacks the last keys of the
+/// copy. If those are keys of LAN ports, a technician may have disabled the port. Then ifupdown's
+/// file, which is written later, says the same.
 Fault settingsFault(const QByteArray &text, const QByteArray &copy, const QByteArray &interfaces);
 
 /// The same for ifupdown's file: the start of its last good copy is a cut one, unless it says the

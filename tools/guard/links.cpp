@@ -27,7 +27,7 @@ QByteArray targetOf(const QByteArray &link)
 QByteArray realPath(const QByteArray &path)
 {
     char *const real = realpath(path.constData(), nullptr);
-    const QByteArray found(real);
+    QByteArray found(real);
     free(real);
     return found;
 }
@@ -35,7 +35,7 @@ QByteArray realPath(const QByteArray &path)
 /// Where @p link leads; for a dangling one, where its words lead.
 QByteArray placeOf(const QByteArray &link, const QByteArray &target)
 {
-    if (const QByteArray real = realPath(link); !real.isEmpty()) {
+    if (QByteArray real = realPath(link); !real.isEmpty()) {
         return real;
     }
     const auto folder = std::filesystem::path(link.toStdString()).parent_path();

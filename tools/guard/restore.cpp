@@ -117,8 +117,9 @@ void Repair::bringTogether()
         notePairing();
         return;
     }
+    const bool wasChecked = contentOf(copyPath(nameOf(Paths::interfacesFile))) == interfaces;
     const bool isUseless = faultOf(Kind::Interfaces, *interfaces) != Fault::None
-        || (pairing == Pairing::Foreign && isRefused(Paths::interfacesFile));
+        || (pairing == Pairing::Foreign && !wasChecked && isRefused(Paths::interfacesFile));
     if (pairing == Pairing::Foreign && !isUseless) {
         return;
     }

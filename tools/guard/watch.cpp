@@ -19,7 +19,6 @@
 #include <csignal>
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace Guard {
@@ -40,10 +39,16 @@ void endWatching(int)
     shallEnd = 1;
 }
 
-/// Opened for locking; never removed, because another process may be about to lock it.
-Descriptor openLock()
+constexpr mode_t lockMode = 0644; // anybody may ask whether the guard watches
+
+struct flock wholeFile()
 {
-    return Descriptor(open(lockFile, O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    struct flock lock
+    {
+    };
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    return lock;
 }
 
 /// Writes everything that waits for these disks, once for each disk.
@@ -78,7 +83,7 @@ void removeLinks(const Configuration &configuration)
 
 Configuration readConfiguration()
 {
-    const Configuration configuration
+    Configuration configuration
         = parseConfiguration(contentOf(configurationFile).value_or(QByteArray()));
     for (const QString &problem : configuration.problems) {
         say(problem);
@@ -188,8 +193,10 @@ std::chrono::milliseconds Watch::waitingTime() const
 
 bool watchPanel()
 {
-    const Descriptor lock = openLock();
-    if (flock(lock.number(), LOCK_EX | LOCK_NB) != 0) {
+    // Never removed, because another process may be about to lock it.
+    const Descriptor file(open(lockFile, O_RDWR | O_CREAT | O_CLOEXEC, lockMode));
+    struct flock lock = wholeFile();
+    if (fcntl(file.number(), F_OFD_SETLK, &lock) != 0) {
         say("another process watches already");
         return false;
     }
@@ -201,7 +208,8 @@ bool watchPanel()
 
 bool isWatching()
 {
-    const Descriptor lock = openLock();
-    return lock.number() >= 0 && flock(lock.number(), LOCK_EX | LOCK_NB) != 0;
+    const Descriptor file(open(lockFile, O_RDONLY | O_CLOEXEC));
+    struct flock lock = wholeFile();
+    return fcntl(file.number(), F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 } // namespace Guard

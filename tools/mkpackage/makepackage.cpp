@@ -126,6 +126,23 @@ QString toolError(const ToolResult &result)
     return said.isEmpty() ? QString("tar fails with status %1").arg(result.status)
                           : textFromBytes(said.split('\n').first());
 }
+
+/// Appends the archive of the members of @p folder to @p package. @p names is a file of their
+/// names. Result: an error message; empty on success.
+QString packMembers(const FolderListing &folder, const QString &names, qint64 time,
+                    const QTemporaryFile &package, bool (*shallStop)())
+{
+    // By its descriptor, because the file has no name yet: if we are killed, nothing is left of it.
+    const ToolResult result = runTool(tarCommand(names, time),
+                                      {.folder = descriptorPath(folder.descriptor()),
+                                       .outputPath = descriptorPath(package.handle()),
+                                       .shallStop = [shallStop](auto &) { return shallStop(); }});
+    if (shallStop()) {
+        return "stopped";
+    }
+    const bool isComplete = result.errors.isEmpty(); // a warning means that tar left something out
+    return result.status == 0 && isComplete ? QString() : toolError(result);
+}
 } // namespace
 
 QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
@@ -149,17 +166,9 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     if (!package.open() || package.write(header) != header.size() || !package.flush()) {
         return cannotWrite;
     }
-    // By its descriptor, because the file has no name yet: if we are killed, nothing is left of it.
-    const ToolResult result = runTool(tarCommand(namesFile.fileName(), time),
-                                      {.folder = descriptorPath(folder.descriptor()),
-                                       .outputPath = descriptorPath(package.handle()),
-                                       .shallStop = [shallStop](auto &) { return shallStop(); }});
-    if (shallStop()) {
-        return "stopped";
-    }
-    if (result.status != 0
-        || !result.errors.isEmpty()) { // a warning means that tar left something out
-        return toolError(result);
+    const QString error = packMembers(folder, namesFile.fileName(), time, package, shallStop);
+    if (!error.isEmpty()) {
+        return error;
     }
     return putInPlace(package, options.output) ? QString() : cannotWrite;
 }

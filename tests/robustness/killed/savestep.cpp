@@ -2,8 +2,10 @@
 // the save needs fewer calls.
 
 #include "countedcalls.h"
+#include "filecare.h"
 #include "packages/packageinstaller.h"
 #include "panelguard.h"
+#include "restore.h"
 #include "settingspage.h"
 #include "system/files/atomicfile.h"
 #include "system/files/filecopy.h"
@@ -60,6 +62,23 @@ void installApplication(int number)
     installPackage("/media/usb0/package");
 }
 
+/// What the guard does at boot.
+void repairFiles(int number)
+{
+    killAtCall(number);
+    Guard::restoreFiles();
+}
+
+/// What the guard does after a file was written.
+void copyFiles(int number)
+{
+    Guard::FileCare care;
+    care.findFiles();
+    care.noteAll();
+    killAtCall(number);
+    care.careForDueFiles();
+}
+
 struct Save
 {
     const char *name;
@@ -68,8 +87,10 @@ struct Save
 
 constexpr Save saves[] = {
     {"application", installApplication},
+    {"copies", copyFiles},
     {"font", copyFont},
     {"network", saveNetwork},
+    {"repair", repairFiles},
     {"rules", saveRules},
     {"settings", saveSettings},
     {"version", saveVersion},

@@ -90,6 +90,8 @@ private slots:
     void rulesAreOldOrNew();
     void fontIsCompleteOrMissing();
     void applicationLeavesAtMostItsArchive();
+    void repairIsCompletedAtTheNextBoot();
+    void copyIsOldOrNew();
 };
 
 void TestKilledSaves::initTestCase()
@@ -179,6 +181,48 @@ void TestKilledSaves::applicationLeavesAtMostItsArchive()
         });
     QCOMPARE(counts.keys(), (QList<QByteArray>{"new", "old"}));
     QCOMPARE(most, 1);
+}
+
+/// The power fails again while the guard repairs an earlier cut.
+void TestKilledSaves::repairIsCompletedAtTheNextBoot()
+{
+    const QByteArray settings = "app.mouse=1\nethernet.eth0=dhcp\n";
+    const QByteArray loopback = "auto lo \niface lo inet loopback\n\n";
+    const QByteArray interfaces = loopback + "auto eth0\niface eth0 inet dhcp\n\n";
+    int left = 0;
+    const Counts counts = killAtEachCall(
+        "repair",
+        [&] {
+            emptyFolder("/var/lib/talmero-guard");
+            writeFile("/var/lib/talmero-guard/bios.ini", settings);
+            writePanelFile("bios.ini", "");
+            writeFile(Paths::interfacesFile, loopback);
+        },
+        [&] {
+            const QByteArray first = stateOf(Paths::settingsFile, "none", settings);
+            saveIsKilled("repair", mostCalls);
+            if (readPanelFile("bios.ini") != settings
+                || readFile(Paths::interfacesFile) != interfaces) {
+                qFatal("the second repair did not succeed");
+            }
+            left += leftBeside("/etc/network", {"interfaces"});
+            return first;
+        });
+    qInfo() << "temporary files left" << left;
+    QCOMPARE(counts.keys(), (QList<QByteArray>{"empty", "new"}));
+}
+
+void TestKilledSaves::copyIsOldOrNew()
+{
+    const QByteArray copy = "/var/lib/talmero-guard/bios.ini";
+    const Counts counts = killAtEachCall(
+        "copies",
+        [&copy] {
+            writeFile(copy, "old=1\n");
+            writePanelFile("bios.ini", "new=1\n");
+        },
+        [&copy] { return stateOf(copy, "old=1\n", "new=1\n"); });
+    QCOMPARE(counts.keys(), (QList<QByteArray>{"new", "old"}));
 }
 
 QTEST_GUILESS_MAIN(TestKilledSaves)
