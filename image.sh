@@ -21,9 +21,9 @@ apt's mirror and 4 GB of free space.
                           as FOLDER/opt/talmero/bios/runapp.sh. They belong to root there.
   --size MB               Size of the disk (default: 1000). /home takes what the system
                           leaves.
-  --test                  For tests: a root shell without a password and the kernel's
-                          console on the first serial port; a tablet counts as the panel's
-                          touch controller.
+  --test                  Builds dist/talmero-panel-test.img instead, for tests: a root
+                          shell without a password and the kernel's console on the first
+                          serial port; a tablet counts as the panel's touch controller.
   --help                  Shows this text.
 TEXT
 }
@@ -33,11 +33,11 @@ usage_error() {
     exit 2
 }
 
-model='' oem='' runtime_version='' overlay='' size=1000 kind=plain
+model='' oem='' runtime_version='' overlay='' size=1000 kind=plain image=dist/talmero-panel.img
 while [ $# -gt 0 ]; do
     case $1 in
     --help) usage && exit 0 ;;
-    --test) kind='test' && shift && continue ;;
+    --test) kind='test' image=dist/talmero-panel-test.img && shift && continue ;;
     --model | --oem | --runtime-version | --overlay | --size) ;;
     *) usage_error "unknown option $1" ;;
     esac
@@ -68,7 +68,7 @@ packages_are_new() {
     package=$(find dist -name 'talmero-bios_*.deb' -print -quit 2>/dev/null)
     [ -n "$package" ] || return 1
     # shellcheck disable=SC2185 # the paths come from git
-    newer=$(list_sources ':!image.sh' ':!image' ':!tests' ':!bench' |
+    newer=$(list_sources ':!image.sh' ':!image' ':!tests' ':!bench' ':!simulator' ':!*.sh' |
         find -files0-from - -prune -newer "$package" -print -quit)
     [ -z "$newer" ]
 }
@@ -79,5 +79,5 @@ install_packages "${image_packages[@]}"
 packages_are_new || ./package.sh
 
 as_root env SOURCE_DATE_EPOCH="$(source_date)" image/build \
-    "$kind" "$size" "$overlay" "$model" "$oem" "$runtime_version" "$(id -u):$(id -g)"
-ls -sh dist/talmero-panel.img
+    "$image" "$kind" "$size" "$overlay" "$model" "$oem" "$runtime_version" "$(id -u):$(id -g)"
+ls -sh "$image"

@@ -1,5 +1,5 @@
 # Adds the maker's own files to the panel. Sourced by build.
-# shellcheck shell=bash disable=SC2154 # build sets root and work
+# shellcheck shell=bash disable=SC2154 # build sets root and log
 
 # The files of all packages, with the folders of /usr spelt out, but not the configuration files,
 # which a maker may change.
@@ -21,7 +21,7 @@ add_overlay() { # FOLDER
     local taken
     taken=$(comm -12 <(overlay_files "$1" | sort -u) <(package_files | sort -u) | head -n 1)
     [ -z "$taken" ] || die "the overlay replaces a file of a package: $taken"
-    tar -C "$1" --create --owner=0 --group=0 --numeric-owner . |
-        tar -C "$root" --extract --keep-directory-symlink --no-overwrite-dir ||
-        die "the overlay could not be copied"
+    { tar -C "$1" --create --owner=0 --group=0 --numeric-owner . |
+        tar -C "$root" --extract --keep-directory-symlink --no-overwrite-dir; } 2>>"$log" ||
+        die "the overlay could not be copied: $(tail -n 1 "$log")"
 }

@@ -40,7 +40,7 @@ mapfile -t tidied < <(
     fi
 )
 mapfile -t headers < <(sources '*.h')
-mapfile -t scripts < <(sources '*.sh' .ci/run simulator compat session | while read -r file; do
+mapfile -t scripts < <(sources '*.sh' .ci/run simulator compat session image bench/boot | while read -r file; do
     if head -n 1 "$file" | grep -qE '^#!.*\b(ba)?sh\b' || [[ $file == *.sh ]]; then echo "$file"; fi
 done)
 

@@ -38,12 +38,15 @@ panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-
 # What the virtual machine of run.sh needs.
 # shellcheck disable=SC2034
 machine_packages=(qemu-system-x86 qemu-system-gui ovmf mtools novnc websockify)
+# What the tests on that machine need besides.
+# shellcheck disable=SC2034
+machine_test_packages=(qemu-system-x86 qemu-utils ovmf mtools fdisk e2fsprogs exfatprogs python3)
 # What image.sh needs, and what the image consists of besides our own packages.
 # shellcheck disable=SC2034
 image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-amd64-bin grub-common git)
 # shellcheck disable=SC2034
 system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
-    xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core)
+    xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core fonts-open-sans)
 
 # Prints one line on standard error and exits.
 die() {

@@ -11,8 +11,8 @@ Usage: tests/long/machine.sh [OPTION]... [TEST...]
 
 Boots the disk image of a panel in QEMU, with an emulated processor, and operates it by
 touch: start, pages, network, sticks, factory window. Then cuts the power during saves.
-Builds the image first unless it is newer than the packages in dist/. Takes about an
-hour; see docs/reliability.md. A failed test leaves a picture of the screen and says where.
+Builds the image first unless it is newer than the sources. Takes about an hour; see
+docs/reliability.md. A failed test leaves a picture of the screen and says where.
 
 TEST is a file of tests/machine, a class or a function, such as test_network or
 test_pages.Pages.test_calibration_is_kept. With TEST, no power is cut.
@@ -61,10 +61,24 @@ run_cuts() {
     python3 tests/machine/cuts.py --seeds "$1" "${cut_options[@]}"
 }
 
-install_packages "${machine_packages[@]}"
+# Whether the image is newer than every file that it is made of.
+image_is_new() {
+    local newer
+    [ -e "$1" ] || return 1
+    # shellcheck disable=SC2185 # the paths come from git
+    newer=$(list_sources ':!tests' ':!bench' ':!docs' ':!*.md' |
+        find -files0-from - -prune -newer "$1" -print -quit)
+    [ -z "$newer" ]
+}
+
+# A short run is part of every test run, also of one on a machine that cannot have QEMU.
+if ! (install_packages "${machine_test_packages[@]}"); then
+    [ "$short" = no ] || exit 77
+    exit 1
+fi
 if [ -z "$image" ]; then
-    ./image.sh --test --model RV-K21T --oem TALMERO --runtime-version 12
     image=dist/talmero-panel-test.img
+    image_is_new "$image" || ./image.sh --test --model RV-K21T --oem TALMERO --runtime-version 12
 fi
 PANEL_IMAGE=$(realpath -- "$image")
 export PANEL_IMAGE

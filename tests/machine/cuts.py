@@ -23,7 +23,7 @@ import screen
 import sticks
 from machine import MachineError, make_overlay
 from panel import Panel
-from states import WORK, State, changed, main_page, started
+from states import IMAGE, WORK, State, changed, main_page, started
 
 NAMING_RULES = "/etc/udev/rules.d/70-persistent-net.rules"
 SETTINGS = ("/opt/talmero/bios/bios.ini", "/etc/network/interfaces", "/opt/talmero/bios/model",
@@ -124,7 +124,7 @@ class Preparation:
     def __init__(self, guarded):
         self.guarded = guarded
         self.prefix = "guarded" if guarded else "unguarded"
-        self.sticks = WORK / f"sticks-{self.prefix}"
+        self.sticks = WORK / "states" / IMAGE.stem / f"sticks-{self.prefix}"
 
     def stick(self, save):
         return self.sticks / f"{save.name}.img"

@@ -49,7 +49,11 @@ class Monitor:
     def __init__(self, path):
         self.socket = socket.socket(socket.AF_UNIX)
         self.socket.settimeout(COMMAND_LIMIT)
-        self.socket.connect(str(path))
+        try:
+            self.socket.connect(str(path))
+        except OSError:
+            self.socket.close()
+            raise
         self.lines = self.socket.makefile("r", encoding="utf-8")
         self.events = []
         self._read()  # the greeting
@@ -182,7 +186,8 @@ class Machine:
         self.monitor = None
         self.shell = None
         addresses = reversed(HARDWARE_ADDRESSES) if swap_ports else HARDWARE_ADDRESSES
-        command = ["qemu-system-x86_64", "-nodefaults", "-no-user-config", "-display", "none",
+        # QEMU ends with this process, however that ends.
+        command = ["setpriv", "--pdeathsig", "KILL", "qemu-system-x86_64", "-nodefaults", "-no-user-config", "-display", "none",
                    "-machine", "q35", "-accel", "tcg", "-cpu", "max", "-smp", "1", "-m", str(MEMORY),
                    "-device", f"VGA,xres={WIDTH},yres={HEIGHT}",
                    "-drive", f"if=none,id=disk,format=qcow2,cache=writeback,file={disk}",

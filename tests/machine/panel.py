@@ -9,7 +9,7 @@ import time
 import screen
 from machine import Machine, MachineError
 
-START_LIMIT = 300  # s from power-on to the countdown, on a busy machine
+START_LIMIT = 600  # s from power-on to the countdown, on a busy machine
 PAGE_LIMIT = 60  # s until a touch shows
 SAVE_LIMIT = 120  # s for a save with all its tools
 BUTTONS = {"install-fonts": (150, 415), "ethernet": (400, 415), "file-transfer": (650, 415),

@@ -163,7 +163,7 @@ _PARTS = {
     "miscellaneous": lambda picture: all(
         picture.is_bright(560, y) == expected
         for y, expected in ((290, False), (335, True), (380, False), (425, True))),
-    "system-status": lambda picture: picture.is_bright(620, 518) and not picture.is_bright(590, 518),
+    "system-status": lambda picture: picture.is_bright(775, 515) and not picture.is_bright(560, 335),
     "file-transfer": lambda picture: _shows_list(picture, 740, 130) and not _shows_list(picture, 740, 92),
     "install-fonts": lambda picture: _shows_list(picture, 740, 92) and _shows_list(picture, 740, 560),
     "calibration": lambda _: True,
@@ -197,7 +197,8 @@ def keypad_below(picture, field):
     """Left and top of the keypad below a field at that place; None if it is not shown."""
     y = field[1] + 27  # above its keys
     left = picture.row((0, 0, picture.width, picture.height), y).find(bytes(KEYPAD_COLOR) * 150)
-    if left < 0:
+    # a disabled field has the same colour, but is wider
+    if left < 0 or picture.color(left // 3 + 200, y) == KEYPAD_COLOR:
         return None
     while picture.color(left // 3 + 80, y - 1) == KEYPAD_COLOR:
         y -= 1

@@ -22,7 +22,7 @@ class State:
     """
 
     def __init__(self, name, **options):
-        self.folder = WORK / "states" / name
+        self.folder = WORK / "states" / IMAGE.stem / name
         self.options = options
 
     @property
