@@ -7,15 +7,12 @@ one for each cut. A run leaves out the seeds that the table has.
 import argparse
 import concurrent.futures
 import dataclasses
-import json
 import pathlib
 import random
 import shlex
 import sys
 import tempfile
-import threading
 import time
-import traceback
 from collections.abc import Callable
 
 import panel as places
@@ -81,6 +78,7 @@ def choose_installation(panel):
 def choose_factory(panel):
     panel.open_factory_window()
     panel.wait_for_shell()
+    panel.wait_for_end_of_start()
     panel.choose(places.MODEL, places.MODEL_ROWS, 3, height=places.FACTORY_LIST_ROW)
     panel.choose(places.TYPE, places.TYPE_ROWS, 1, height=places.FACTORY_LIST_ROW)
 
@@ -182,7 +180,7 @@ class Preparation:
             if save.button == places.OK:
                 panel.wait_for_main_page(places.SAVE_LIMIT)
             else:
-                panel.shell.run(f"until [ -s {NAMING_RULES} ]; do sleep 0.2; done")
+                panel.wait_for(f"[ -s {NAMING_RULES} ]")
             time.sleep(SETTLE_TIME)
             after = digests(panel)
         if before == after:
@@ -235,14 +233,15 @@ class Cut:
             self.faults.append("failed units")
         notes, found = self.state.notes(), digests(panel)
         for path in {**notes["before"], **notes["after"]}:
-            self.fates[path] = fate(notes["before"].get(path), notes["after"].get(path), found.get(path))
+            self.fates[path] = fate(*(state.get(path) for state in (notes["before"], notes["after"], found)))
         for path in SETTINGS:
             if self.fates.get(path) == "lost":
                 text = panel.file(path)
-                self.faults.append(f"{path} " + ("is absent" if text is None else f"has {len(text)} bytes"))
+                left = "is absent" if text is None else f"has {len(text)} bytes"
+                self.faults.append(f"{path} {left}")
         if {self.fates[path] for path in SETTINGS[:2]} == {"old", "new"}:
             self.faults.append("bios.ini and interfaces disagree")
-        if self.page_back is not None and self.page_back > FLUSH_LIMIT and self._installed("lost", "old"):
+        if (self.page_back or 0) > FLUSH_LIMIT and self._installed("lost", "old"):
             self.faults.append("files missing that the page had reported")
 
     def _installed(self, *fates):
@@ -317,9 +316,10 @@ def run(seeds, jobs, guarded, table):
     if not table.exists():
         table.write_text(HEADER)
     began = time.monotonic()
-    with concurrent.futures.ThreadPoolExecutor(jobs) as pool, open(table, "a", encoding="utf-8") as file:
-        for number, cut in enumerate(pool.map(lambda seed: make_cut(seed, states), left), 1):
-            line = "| " + " | ".join(cut.cells()) + " |"
+    with concurrent.futures.ThreadPoolExecutor(jobs) as pool, open(table, "a") as file:
+        cuts = [pool.submit(make_cut, seed, states) for seed in left]
+        for number, cut in enumerate(concurrent.futures.as_completed(cuts), 1):
+            line = "| " + " | ".join(cut.result().cells()) + " |"
             print(line, file=file, flush=True)
             print(f"{number}/{len(left)}, {(time.monotonic() - began) / number:.0f} s each: {line}",
                   flush=True)

@@ -21,7 +21,7 @@ WIDTH, HEIGHT = 800, 600  # of the screen
 AXIS_MAX = 32767  # of QEMU's tablet
 MEMORY = 512  # MB
 START_LIMIT = 30  # s until QEMU answers
-COMMAND_LIMIT = 120  # s for a command in the shell
+COMMAND_LIMIT = 300  # s for a command in the shell
 # The addresses of the ports, in the order of their sockets.
 HARDWARE_ADDRESSES = ("02:00:00:00:00:0a", "02:00:00:00:00:0b")
 # QEMU's own DHCP server answers on each port. The second also reaches the peer of the echo test.
@@ -181,13 +181,13 @@ class Machine:
     def __init__(self, disk, folder, *, state=None, sticks=(), uefi=False, clock=None,
                  cables=(True, True), swap_ports=False):
         self.folder = pathlib.Path(folder)
-        self.is_new = state is None
         self.plugged = [f"stick{number}" for number in range(len(sticks))]
         self.monitor = None
         self.shell = None
         addresses = reversed(HARDWARE_ADDRESSES) if swap_ports else HARDWARE_ADDRESSES
         # QEMU ends with this process, however that ends.
-        command = ["setpriv", "--pdeathsig", "KILL", "qemu-system-x86_64", "-nodefaults", "-no-user-config", "-display", "none",
+        command = ["setpriv", "--pdeathsig", "KILL", "qemu-system-x86_64", "-nodefaults",
+                   "-no-user-config", "-display", "none",
                    "-machine", "q35", "-accel", "tcg", "-cpu", "max", "-smp", "1", "-m", str(MEMORY),
                    "-device", f"VGA,xres={WIDTH},yres={HEIGHT}",
                    "-drive", f"if=none,id=disk,format=qcow2,cache=writeback,file={disk}",

@@ -55,7 +55,8 @@ class MachineTest(unittest.TestCase):
 
     def settings(self, panel):
         """The settings file as a dictionary."""
-        return dict(line.split("=", 1) for line in panel.file(SETTINGS_FILE).splitlines() if "=" in line)
+        lines = panel.file(SETTINGS_FILE).splitlines()
+        return dict(line.split("=", 1) for line in lines if "=" in line)
 
     def require_good_start(self, panel):
         panel.wait_for_shell()

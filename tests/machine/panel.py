@@ -11,7 +11,7 @@ from machine import Machine, MachineError
 
 START_LIMIT = 600  # s from power-on to the countdown, on a busy machine
 PAGE_LIMIT = 60  # s until a touch shows
-SAVE_LIMIT = 120  # s for a save with all its tools
+SAVE_LIMIT = 300  # s for a save with all its tools
 BUTTONS = {"install-fonts": (150, 415), "ethernet": (400, 415), "file-transfer": (650, 415),
            "system-status": (150, 522), "miscellaneous": (400, 522), "calibration": (650, 522)}
 RUN_APPLICATION = (400, 170)
@@ -124,8 +124,18 @@ class Panel(Machine):
         self.tap(left + width - 60, top + height - 35)
         self.wait_until("page without warning", lambda picture: screen.dialog(picture) is None)
 
+    def wait_for(self, condition):
+        """Waits until a command in the shell succeeds. Asks rarely, because each process that the
+        emulated processor starts delays what is waited for."""
+        self.shell.run(f"until {condition}; do sleep 1; done", SAVE_LIMIT)
+
     def wait_for_stick(self, is_in=True):
-        self.shell.run(f"{'until' if is_in else 'while'} mountpoint -q /media/usb0; do sleep 0.2; done")
+        self.wait_for(f"{'' if is_in else '! '}mountpoint -q /media/usb0")
+
+    def wait_for_end_of_start(self):
+        """Waits until the start has ended, which is well after the countdown. Never idle: the
+        program looks for a held finger five times a second."""
+        self.shell.try_run("systemctl is-system-running --wait", START_LIMIT)
 
     def open_page(self, name):
         self.tap(*BUTTONS[name])
@@ -158,7 +168,8 @@ class Panel(Machine):
         """Chooses a row of the list of packages or fonts, whose bar then is blue."""
         place = transfer_row(row)
         self.tap(*place)
-        self.wait_until("chosen row", lambda picture: screen.is_blue(picture.color(place[0] + 50, place[1] + 10)))
+        bar = (place[0] + 50, place[1] + 10)
+        self.wait_until("chosen row", lambda picture: screen.is_blue(picture.color(*bar)))
 
     def failed_units(self):
         return self.shell.run("systemctl --failed --plain --no-legend").split("\n")[:-1]

@@ -164,7 +164,8 @@ _PARTS = {
         picture.is_bright(560, y) == expected
         for y, expected in ((290, False), (335, True), (380, False), (425, True))),
     "system-status": lambda picture: picture.is_bright(775, 515) and not picture.is_bright(560, 335),
-    "file-transfer": lambda picture: _shows_list(picture, 740, 130) and not _shows_list(picture, 740, 92),
+    "file-transfer": lambda picture: (
+        _shows_list(picture, 740, 130) and not _shows_list(picture, 740, 92)),
     "install-fonts": lambda picture: _shows_list(picture, 740, 92) and _shows_list(picture, 740, 560),
     "calibration": lambda _: True,
 }
@@ -185,8 +186,8 @@ def dialog(picture):
         left = row.find(wanted)
         if left >= 0 and left % 3 == 0:
             left //= 3
-            width = next((x for x in range(left, picture.width) if picture.color(x, y) != HEADING_COLOR),
-                         picture.width) - left
+            width = next((right for right in range(left, picture.width)
+                          if picture.color(right, y) != HEADING_COLOR), picture.width) - left
             height = next((below for below in range(y, picture.height)
                            if picture.color(left, below) != HEADING_COLOR), picture.height) - y
             return left, y, width, height

@@ -96,6 +96,7 @@ def main_page():
         with changed(state, IMAGE) as panel:
             panel.open_main_page()
             panel.wait_for_shell()
+            panel.wait_for_end_of_start()
             state.keep(panel, **{name: panel.file(f"/opt/talmero/bios/{name}")
                                  for name in ("model", "oem", "fwver", "bios.version")})
     return state

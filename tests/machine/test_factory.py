@@ -20,7 +20,8 @@ class Factory(MachineTest):
         panel.choose(places.MODEL, places.MODEL_ROWS, 3, height=places.FACTORY_LIST_ROW)
         panel.choose(places.TYPE, places.TYPE_ROWS, 1, height=places.FACTORY_LIST_ROW)
         panel.tap(*places.FACTORY_SAVE)
-        panel.shell.run(f"until [ -s {NAMING_RULES} ]; do sleep 0.2; done; sync")
+        panel.wait_for(f"[ -s {NAMING_RULES} ]")
+        panel.shell.run("sync")
 
     def test_naming_rules_after_a_restart(self):
         with self.factory(swap_ports=True) as panel:
@@ -54,7 +55,7 @@ class Factory(MachineTest):
             panel.shell.run("stty -F /dev/ttyS2 115200 raw -echo; cat /dev/ttyS2 >/dev/ttyS2 &")
             panel.tap(*places.SECOND_PORT)
             serial = self.wait_for_result(panel, empty)
-            panel.shell.run("until ip -4 address show dev eth1 | grep -q 'inet 192.168.0'; do sleep 0.2; done")
+            panel.wait_for("ip -4 address show dev eth1 | grep -q 'inet 192.168.0'")
             panel.tap(*places.FIRST_ETHER)
             self.wait_for_result(panel, serial)
             lines = panel.shell.run("journalctl -b --no-pager -o cat -u talmero-session")
@@ -62,5 +63,5 @@ class Factory(MachineTest):
 
     def wait_for_result(self, panel, before):
         """Waits for a new text of four lines in the result view: payload, dashes, verdict."""
-        return panel.wait_until(
-            "result", lambda picture: picture.difference(before, places.RESULT) > 0.005, places.SAVE_LIMIT)
+        is_new = (lambda picture: picture.difference(before, places.RESULT) > 0.005)
+        return panel.wait_until("result", is_new, places.SAVE_LIMIT)

@@ -19,8 +19,7 @@ class Network(MachineTest):
         self.require_good_start(panel)
 
     def wait_for_address(self, panel, port, address):
-        panel.shell.run(f"for n in $(seq 300); do ip -4 address show dev eth{port} |"
-                        f" grep -q 'inet {address}' && exit; sleep 0.2; done; exit 1")
+        panel.wait_for(f"ip -4 address show dev eth{port} | grep -q 'inet {address}'")
 
     def test_fixed_address(self):
         with self.panel() as panel:

@@ -22,8 +22,8 @@ class Start(MachineTest):
             panel.wait_for_main_page()  # the runtime has ended, or there is none
             panel.shell.run(f"printf 'touch /run/runtime; sleep 3\\n' >{RUNTIME}")
             panel.tap(*places.RUN_APPLICATION)
-            panel.shell.run("until [ -e /run/runtime ]; do sleep 0.2; done")
-            panel.shell.run("while busybox pgrep -f runapp.sh >/dev/null; do sleep 0.2; done")
+            panel.wait_for("[ -e /run/runtime ]")
+            panel.wait_for("! busybox pgrep -f runapp.sh >/dev/null")
             panel.open_page("ethernet")
 
     def test_uefi_start(self):
@@ -64,5 +64,5 @@ class Start(MachineTest):
 
 def listening(panel):
     """The sockets that accept connections from outside, as lines of /proc/net/tcp*."""
-    lines = panel.shell.run("cat /proc/net/tcp /proc/net/tcp6").splitlines()
-    return [line for line in lines if line.split()[3] == "0A" and not line.split()[1].startswith("0100007F")]
+    lines = [line.split() for line in panel.shell.run("cat /proc/net/tcp /proc/net/tcp6").splitlines()]
+    return [line for line in lines if line[3] == "0A" and not line[1].startswith("0100007F")]

@@ -47,7 +47,7 @@ class Sticks(MachineTest):
             panel.plug_stick("first", first)
             panel.wait_for_stick()
             panel.plug_stick("second", second)
-            panel.shell.run("until mountpoint -q /media/usb1; do sleep 0.2; done")
+            panel.wait_for("mountpoint -q /media/usb1")
             panel.open_page("file-transfer")
             panel.choose_package(1)
             panel.leave_page()
