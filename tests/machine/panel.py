@@ -171,6 +171,11 @@ class Panel(Machine):
         bar = (place[0] + 50, place[1] + 10)
         self.wait_until("chosen row", lambda picture: screen.is_blue(picture.color(*bar)))
 
+    def kill(self, name, signal="KILL"):
+        """Kills the process with that name. The panel has no pkill."""
+        self.shell.run(f"for p in /proc/[0-9]*; do [ $(cat $p/comm) != {name} ] ||"
+                       f" kill -{signal} ${{p#/proc/}}; done 2>/dev/null; true")
+
     def failed_units(self):
         return self.shell.run("systemctl --failed --plain --no-legend").split("\n")[:-1]
 

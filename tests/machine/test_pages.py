@@ -72,7 +72,7 @@ class Pages(MachineTest):
             panel.wait_for_page("calibration")
             panel.leave_page(places.CANCEL)
             self.assertIn("TransformationMatrix", panel.file(file))
-            panel.shell.run("busybox pkill -x talmero-bios")
+            panel.kill("talmero-bios", "TERM")
             panel.open_main_page()  # by touch, so the matrix is right
 
     def test_held_finger_starts_the_rescue(self):

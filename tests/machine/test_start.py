@@ -23,7 +23,7 @@ class Start(MachineTest):
             panel.shell.run(f"printf 'touch /run/runtime; sleep 3\\n' >{RUNTIME}")
             panel.tap(*places.RUN_APPLICATION)
             panel.wait_for("[ -e /run/runtime ]")
-            panel.wait_for("! busybox pgrep -f runapp.sh >/dev/null")
+            panel.wait_for("! grep -qs [r]unapp.sh /proc/[0-9]*/cmdline")
             panel.open_page("ethernet")
 
     def test_uefi_start(self):
@@ -46,7 +46,7 @@ class Start(MachineTest):
     def test_killed_program_and_server_come_back(self):
         with self.panel() as panel:
             for name in ("talmero-bios", "Xorg"):
-                panel.shell.run(f"busybox pkill -KILL -x {name}")
+                panel.kill(name)
                 panel.open_main_page()
             self.assertEqual(panel.failed_units(), [])
 
