@@ -36,7 +36,7 @@ run_tests() { # PRESET
 beside_the_tests() {
     renice -n 19 "$BASHPID" >/dev/null # no test may be late for it
     scripts/check-code.sh build &&
-        tests/robustness/fuzz/run.sh --seconds 20 --jobs "$((2 * $(nproc)))" &&
+        tests/robustness/fuzz/run.sh --seconds 20 --jobs "$places" &&
         build_preset sanitize
 }
 

@@ -2,9 +2,9 @@
 # Checks format, include rules, documents, scripts, man pages and code.
 # Usage: scripts/check-code.sh BUILD_FOLDER [--thorough]
 # The folder must be configured, because clang-tidy reads its compile_commands.json. Without
-# --thorough, clang-tidy reads eight source files at once, as the compiler does: most of its time goes
+# --thorough, clang-tidy reads sixteen source files at once, as the compiler does: most of its time goes
 # into the headers of Qt. With it, clang-tidy reads each file alone, in a folder configured without
-# unity builds, and checks tests and benchmarks too, with all checks: that takes twelve times as long.
+# unity builds, and checks tests and benchmarks too, with all checks: that takes much longer.
 # A clean file is not checked again until it or a header changes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

@@ -12,8 +12,8 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int spacerSize = 20;      // px
-constexpr int gridSpacing = 11;     // px
+constexpr int spaceAboveLine = 20;  // px
+constexpr int buttonSpacing = 11;   // px
 constexpr int headingFontSize = 28; // px
 
 /// Creates the heading, which is larger than those of the settings pages.
@@ -60,7 +60,7 @@ void BiosInterface::initMainSettingsButtonsPage()
     QVBoxLayout *content = createContent(Metrics::wideMargin);
     content->addWidget(m_runApplication);
     content->addItem(
-        new QSpacerItem(spacerSize, spacerSize, QSizePolicy::Minimum, QSizePolicy::Fixed));
+        new QSpacerItem(spaceAboveLine, spaceAboveLine, QSizePolicy::Minimum, QSizePolicy::Fixed));
     content->addWidget(createLine(page));
     content->addWidget(createMainHeading(tr("Settings"), page));
     content->addLayout(createPageButtonGrid());
@@ -96,7 +96,7 @@ void BiosInterface::deletePageButtons()
 QLayout *BiosInterface::createPageButtonGrid()
 {
     auto *grid = new PageButtonGrid;
-    grid->setSpacing(gridSpacing);
+    grid->setSpacing(buttonSpacing);
     grid->addWidget(m_installFonts, 0, 0);
     grid->addWidget(m_ethernet, 0, 1);
     grid->addWidget(m_fileTransfer, 0, 2);

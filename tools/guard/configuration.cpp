@@ -1,11 +1,11 @@
 #include "configuration.h"
 
+#include "reserve.h"
 #include "system/settings/settingsfile.h"
 #include "system/textcodec.h"
 
 namespace Guard {
 namespace {
-constexpr qint64 kibibyte = 1024;
 constexpr qint64 mostReserve = 1024 * 1024; // KiB
 
 bool readAllowedLink(const QString &value, Configuration &configuration)

@@ -10,7 +10,7 @@ namespace Guard {
 namespace {
 constexpr uint32_t completed = IN_CLOSE_WRITE | IN_MOVED_TO;
 constexpr uint32_t watchedEvents = completed | IN_MODIFY | IN_ONLYDIR;
-constexpr size_t bufferSize = 16384; // bytes; some hundred events
+constexpr size_t eventsSize = 16384; // bytes; some hundred events
 } // namespace
 
 FolderWatch::FolderWatch()
@@ -42,7 +42,7 @@ FolderWatch::Changes FolderWatch::readChanges()
 {
     Changes changes;
     m_isLost = false;
-    alignas(inotify_event) std::array<char, bufferSize> buffer;
+    alignas(inotify_event) std::array<char, eventsSize> buffer;
     ssize_t size = 0;
     while ((size = read(m_events.number(), buffer.data(), buffer.size())) > 0) {
         for (const char *at = buffer.data(); at < buffer.data() + size;) {

@@ -12,7 +12,6 @@ namespace Guard {
 namespace {
 constexpr int slices = 4;
 constexpr int plenty = 4; // times the whole size, left after the reserve is complete
-constexpr qint64 kibibyte = 1024;
 constexpr char fileName[] = "/.talmero-guard-reserve";
 constexpr mode_t onlyRoot = 0600;
 

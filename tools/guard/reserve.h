@@ -3,6 +3,8 @@
 #include <QString>
 
 namespace Guard {
+inline constexpr qint64 kibibyte = 1024; ///< bytes
+
 /// What the reserve should hold, in bytes, if it holds @p current now and @p free bytes are free on
 /// its disk. @p full is its whole size. It gives up a quarter at a time, so that it lasts for four
 /// full disks, and grows again once there is plenty of room. While a package is being unpacked it
