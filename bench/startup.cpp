@@ -171,7 +171,7 @@ int main(int argc, char *argv[])
     }
     useInstantTools();
     std::vector<Program> programs{
-        {"talmero-bios", ownFolder().parent_path() / "talmero-bios", Seen::FirstFrame},
+        {"talmero-bios", ownFolder() / "talmero-bios", Seen::FirstFrame},
         {"bare window", ownFolder() / "barewindow", Seen::FirstFrame}};
     for (int at = 2; at < argc; ++at) {
         programs.push_back({argv[at], std::filesystem::path("/usr/bin") / argv[at], Seen::Window});
