@@ -170,9 +170,8 @@ int main(int argc, char *argv[])
         showUsage();
     }
     useInstantTools();
-    std::vector<Program> programs{
-        {"talmero-bios", ownFolder() / "talmero-bios", Seen::FirstFrame},
-        {"bare window", ownFolder() / "barewindow", Seen::FirstFrame}};
+    std::vector<Program> programs{{"talmero-bios", ownFolder() / "talmero-bios", Seen::FirstFrame},
+                                  {"bare window", ownFolder() / "barewindow", Seen::FirstFrame}};
     for (int at = 2; at < argc; ++at) {
         programs.push_back({argv[at], std::filesystem::path("/usr/bin") / argv[at], Seen::Window});
     }
