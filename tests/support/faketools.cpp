@@ -33,9 +33,9 @@ FakeTools::~FakeTools()
 void FakeTools::setBody(const QString &name, const QString &body) const
 {
     const QString recorder = QString("#!/bin/sh\n"
-                                     "{ printf '%s' \"${0##*/}\"\n"
-                                     "[ $# -eq 0 ] || printf ' [%s]' \"$@\"\n"
-                                     "echo; } >>'%1'\n")
+                                     "call=${0##*/}\n"
+                                     "for argument; do call=\"$call [$argument]\"; done\n"
+                                     "printf '%s\\n' \"$call\" >>'%1'\n")
                                  .arg(filePath(logName));
     writeScript(filePath(name), recorder + body + '\n');
 }
@@ -46,7 +46,9 @@ QStringList FakeTools::calls() const
     if (!log.open(QIODevice::ReadOnly)) {
         return {};
     }
-    return QString::fromUtf8(log.readAll()).split('\n', Qt::SkipEmptyParts);
+    const QByteArray text = log.readAll();
+    const QByteArray endedLines = text.left(text.lastIndexOf('\n') + 1); // a tool may be writing
+    return QString::fromUtf8(endedLines).split('\n', Qt::SkipEmptyParts);
 }
 
 void FakeTools::forgetCalls() const
