@@ -25,7 +25,9 @@ QList<QList<QByteArray>> tableLines(const QByteArray &name)
     static const bool made = [] {
         bool given = false;
         const int seed = qEnvironmentVariableIntValue("HOSTILE_SEED", &given);
-        makeSticks(given ? seed : 1, sticksFolder);
+        shellBytes(QString("python3 '%1' %2 %3 '%4'")
+                       .arg(HOSTILE_GENERATOR, takesAllCases() ? "--all" : "",
+                            QString::number(given ? seed : 1), sticksFolder));
         return true;
     }();
     Q_UNUSED(made)
@@ -63,13 +65,6 @@ void resetPanel()
 bool takesAllCases()
 {
     return qEnvironmentVariableIsSet("HOSTILE_ALL");
-}
-
-void makeSticks(int seed, const QByteArray &folder)
-{
-    shellBytes(QString("python3 '%1' %2 %3 '%4'")
-                   .arg(HOSTILE_GENERATOR, takesAllCases() ? "--all" : "", QString::number(seed),
-                        QString::fromUtf8(folder)));
 }
 
 const QList<HostileCase> &hostileCases()

@@ -34,9 +34,6 @@ const QList<HostileTree> &hostileTrees();
 /// Whether HOSTILE_ALL is set, for the long run with all packages.
 bool takesAllCases();
 
-/// Runs the generator; qFatal() if it fails.
-void makeSticks(int seed, const QByteArray &folder);
-
 /// The folders that are compared: those that a package may change, and some that it must not. With
 /// @p all also large ones, such as /etc.
 QList<QByteArray> watchedFolders(bool all = false);
