@@ -59,16 +59,22 @@ bool showsMainPageAt(const Places &places)
         && !showsTitleButtons(places);
 }
 
-/// Compares the bottom of a settings page with the painted model, over the full width.
-/// Result: the first difference; empty if there is none.
-QString bottomDifference(QSize screen)
+LayerModel paintedPage(const QRect &rect)
 {
-    const QRect rect(QPoint(0, 0), screen);
-    LayerModel model(screen, Qt::black);
+    LayerModel model(rect.size(), Qt::black);
     model.addShadow(rect);
     model.addBarShadow(rect);
     model.addRadialGradient(rect);
     model.addHighlight(rect);
+    return model;
+}
+
+/// Compares the bottom of a settings page with the painted model, over the full width.
+/// Result: the first difference; empty if there is none.
+QString uprightBottomDifference()
+{
+    static constexpr QRect rect(QPoint(0, 0), portrait);
+    static const LayerModel model = paintedPage(rect);
     return model.difference(screenImage(), rect.adjusted(0, 0, 0, -10));
 }
 
@@ -97,7 +103,7 @@ void lookAtEveryPage()
     for (const PageButton &button : uprightButtons) {
         clickScreen(button.place);
         QTRY_VERIFY2(showsTitleButtons(upright), button.name);
-        QTRY_COMPARE(bottomDifference(portrait), QString());
+        QTRY_COMPARE(uprightBottomDifference(), QString());
         QCOMPARE(programWindow(), QRect(QPoint(0, 0), portrait));
         clickScreen(cancelButton);
         QTRY_VERIFY2(showsMainPageAt(upright), button.name);

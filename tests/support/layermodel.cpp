@@ -84,11 +84,12 @@ void LayerModel::addRadialGradient(const QRect &rect)
     if (radius == 0) {
         return;
     }
+    const QGradientStops stops{{0, white(170)}, {1, none}};
     const QRect area = between(rect.left(), rect.top(), rect.right(), rect.bottom());
     for (int y = area.top(); y <= area.bottom(); ++y) {
         for (int x = area.left(); x <= area.right(); ++x) {
             const double distance = std::hypot(x + 0.5 - halfWidth, y + 0.5 - halfHeight);
-            blend(x, y, colorAt({{0, white(170)}, {1, none}}, distance / radius));
+            blend(x, y, colorAt(stops, distance / radius));
         }
     }
 }

@@ -164,10 +164,10 @@ void TestSettingsFile::survivesHugeInput_data()
     QTest::newRow("10 MB of blanks") << QByteArray(tenMegabytes, ' ') + "\nb=1\n" << qsizetype(1);
     QTest::newRow("10 MB without a line end") << QByteArray(tenMegabytes, 'x') << qsizetype(0);
     QByteArray lines;
-    for (int line = 0; line < 1'000'000; ++line) {
+    for (int line = 0; line < 100'000; ++line) {
         lines += "key" + QByteArray::number(line) + "=" + QByteArray::number(line) + '\n';
     }
-    QTest::newRow("a million lines") << lines << qsizetype(1'000'000);
+    QTest::newRow("100,000 lines") << lines << qsizetype(100'000);
 }
 
 void TestSettingsFile::survivesHugeInput()

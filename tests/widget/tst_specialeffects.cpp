@@ -38,7 +38,8 @@ constexpr QSize sizes[] = {
 
 QImage painted(Draw draw, const QRect &rect, const QColor &base)
 {
-    QImage image(320, 340, QImage::Format_ARGB32_Premultiplied);
+    const QSize withMargin(rect.right() + 20, rect.bottom() + 20); // nothing may be painted there
+    QImage image(withMargin, QImage::Format_ARGB32_Premultiplied);
     image.fill(base);
     QPainter painter(&image);
     Effects effects;
