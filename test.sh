@@ -33,11 +33,33 @@ run_tests() { # PRESET
     ctest --preset "$1" --parallel "$places" --label-exclude machine
 }
 
-beside_the_tests() {
-    renice -n 19 "$BASHPID" >/dev/null # no test may be late for it
+build_with_sanitizers() {
+    build_preset sanitize
+}
+
+check_and_fuzz() {
     scripts/check-code.sh build &&
-        tests/robustness/fuzz/run.sh --seconds 20 --jobs "$places" &&
-        build_preset sanitize
+        tests/robustness/fuzz/run.sh --seconds 20 --jobs "$places"
+}
+
+# Tests leave a processor idle half of the time, so the rest of the work runs beside them.
+run_tests_beside() { # PRESET WORK
+    local log=build/beside-the-tests.log failed=no
+    echo "Running the tests of build preset $1; ${2//_/ } runs beside them, see $log"
+    set -m # in a process group of its own, which can be ended as a whole
+    {
+        renice -n 19 "$BASHPID" >/dev/null # no test may be late for it
+        "$2"
+    } >"$log" 2>&1 </dev/null &
+    set +m
+    beside=$!
+    trap 'kill -- -$beside 2>/dev/null || true' EXIT
+    run_tests "$1"
+    echo "Waiting for ${2//_/ }"
+    wait "$beside" || failed=yes
+    trap - EXIT
+    cat "$log"
+    [ "$failed" = no ] || die "${2//_/ } failed: see above"
 }
 
 need_panel
@@ -59,19 +81,5 @@ if [ "$quick" = yes ]; then
     exit
 fi
 
-# The tests leave a processor idle half of the time, so the rest runs beside them.
-log=build/beside-the-tests.log
-echo "Running the tests; the checks, the fuzzing and the build with sanitizers run beside them, see $log"
-set -m # in a process group of its own, which can be ended as a whole
-beside_the_tests >"$log" 2>&1 </dev/null &
-set +m
-beside=$!
-trap 'kill -- -$beside 2>/dev/null || true' EXIT
-run_tests release
-echo "Waiting for the checks, the fuzzing and the build with sanitizers"
-failed=no
-wait "$beside" || failed=yes
-trap - EXIT
-cat "$log"
-[ "$failed" = no ] || die "the checks, the fuzzing or the build with sanitizers failed: see above"
-run_tests sanitize
+run_tests_beside release build_with_sanitizers
+run_tests_beside sanitize check_and_fuzz
