@@ -12,7 +12,8 @@ constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 std::optional<SettingsEntry> parseSettingsLine(QByteArrayView line)
 {
     // Simplified as bytes, so that only ASCII white space counts.
-    const QByteArray simple = line.toByteArray().simplified();
+    const QByteArray bytes = line.toByteArray().simplified();
+    const QByteArrayView simple = bytes;
     const qsizetype equals = simple.indexOf('=');
     if (equals <= 0 || simple.startsWith('#')) {
         return std::nullopt;
