@@ -24,6 +24,7 @@ signals:
 
 protected:
     bool event(QEvent *e) override;
+    void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
 private slots:
