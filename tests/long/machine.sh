@@ -23,7 +23,8 @@ test_pages.Pages.test_calibration_is_kept. With TEST, no power is cut.
                        adds to them.
   --without-guard      The same without the package talmero-bios-guard.
   --jobs N             Machines at a time during the cuts (default: 2).
-  --image FILE         Tests this image, which must have been made with --test.
+  --image FILE         Tests this image, which must have been made with --test, --model,
+                       --oem and --runtime-version.
   --help               Shows this text.
 TEXT
 }
