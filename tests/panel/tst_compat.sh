@@ -59,6 +59,15 @@ ifconfig_prints_the_classic_format() {
         grep -qE '^ +inet addr:10\.1\.2\.3  Bcast:10\.255\.255\.255  Mask:255\.0\.0\.0$' "$work/said"
 }
 
+# udev compares them with the factory's naming rules, which hold what ifconfig printed.
+hardware_addresses_are_printed_like_the_kernel_does() {
+    says 'HWaddr 02:00:00:00:ab:cd' panel -- bash -c \
+        "ip link set dev eth0 address 02:00:00:00:ab:cd
+         '$compat/bin/ifconfig' eth0; cat /sys/class/net/eth0/address" &&
+        grep -qx '02:00:00:00:ab:cd' "$work/said" &&
+        status 1 panel -- "$compat/bin/ifconfig" eth9
+}
+
 # Stand-ins for the tools that query and mount devices, because a simulated panel has no disk.
 # They read two files. devices: name, disk or "-", type, file system or "-". mounts: device, place.
 cat >"$work/sticks.sh" <<'SCRIPT'
@@ -234,6 +243,8 @@ check "talmero-bios(1) names every file" page_names_every_file
 check "installs below /usr" installs_below /usr
 check "installs below /usr/local" installs_below /usr/local
 check "ifconfig prints the classic format" ifconfig_prints_the_classic_format
+check "hardware addresses are printed like the kernel does" \
+    hardware_addresses_are_printed_like_the_kernel_does
 check "sticks get places in order" sticks_get_places_in_order
 check "a pulled stick frees its place" pulled_stick_frees_its_place
 check "the panel's own disk is left alone" own_disk_is_left_alone
