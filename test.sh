@@ -30,7 +30,7 @@ done
 
 run_tests() { # PRESET
     need_root # the build may have outlasted sudo's password timeout
-    ctest --preset "$1" --parallel "$places" --label-exclude machine
+    ctest --preset "$1" --parallel "$places" --label-exclude machine --output-log build/tests.log
 }
 
 build_with_sanitizers() {
@@ -83,3 +83,4 @@ fi
 
 run_tests_beside release build_with_sanitizers
 run_tests_beside sanitize check_and_fuzz
+sed -n '/tests passed/,$p' build/tests.log # the summary again, below what ran beside the tests

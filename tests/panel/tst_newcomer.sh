@@ -69,7 +69,7 @@ both() {
 
 everything_is_there() {
     one_line 0 'panel --size 800x600 --trace --display web -- .*/build/bin/talmero-bios' "${as_user[@]}" "$checkout/run.sh" &&
-        one_line 0 'ctest --preset release --parallel [0-9]+ --label-exclude machine' "${as_user[@]}" "$checkout/test.sh" --quick
+        one_line 0 'ctest --preset release --parallel [0-9]+ --label-exclude machine --output-log build/tests.log' "${as_user[@]}" "$checkout/test.sh" --quick
 }
 
 in_a_folder_with_blanks() {
