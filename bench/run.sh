@@ -40,7 +40,8 @@ For taps and keys it applies to the slowest, otherwise to the median. The tools 
 the program runs, including its pause of one second at the start, are replaced by ones
 that return at once. Nothing else should run on the machine meanwhile.
 
-  --runs N            Starts each program N times (default: 20).
+  --runs N            Starts each program 5 N times, and measures its memory N times
+                      (default: 20).
   --store             Also puts the rows with a limit into docs/performance.md.
   --package-size MIB  Size of the files in the largest package that is installed
                       (default: 64). 1024 takes some minutes and 3 GiB of memory,
