@@ -93,6 +93,35 @@ unit_is_refused_at_its_other_name() {
 }
 folder_is_refused() { is_refused etc /etc; }
 
+# A package that is not installed yet, with a program, a unit and a configuration file.
+new_archive() {
+    rm -rf "$work/package" "$work/overlay"
+    mkdir -p "$work"/package/{DEBIAN,etc,lib/systemd/system,usr/bin} "$work/overlay"
+    touch "$work"/package/{etc/tool.conf,lib/systemd/system/tool.service,usr/bin/tool}
+    printf 'Package: tool\nVersion: 1\nArchitecture: all\nMaintainer: nobody\nDescription: a tool\n' \
+        >"$work/package/DEBIAN/control"
+    echo /etc/tool.conf >"$work/package/DEBIAN/conffiles"
+    dpkg-deb --root-owner-group --build "$work/package" "$work/tool.deb" >/dev/null
+}
+
+refuse_early() {
+    (refuse_taken "$work/overlay" < <(archive_files "$work/tool.deb"))
+}
+
+package_that_is_not_installed_is_refused() {
+    new_archive
+    put_file usr/lib/systemd/system/tool.service
+    says "the overlay replaces a file of a package: /usr/lib/systemd/system/tool.service\$" \
+        status 1 refuse_early
+}
+
+configuration_that_is_not_installed_may_be_replaced() {
+    new_archive
+    put_file etc/tool.conf
+    put_file usr/bin/other
+    refuse_early
+}
+
 numbers_have_their_lowest_byte_first() {
     head -c 16 /dev/zero >"$work/number"
     put_number "$work/number" 4 513 && put_number "$work/number" 4 66051 &&
@@ -105,8 +134,9 @@ room_counts_blocks_once() {
 }
 
 for name in wrong_options own_files_are_added configuration_may_be_replaced program_is_refused \
-    unit_is_refused_at_its_other_name folder_is_refused numbers_have_their_lowest_byte_first \
-    room_counts_blocks_once; do
+    unit_is_refused_at_its_other_name folder_is_refused \
+    package_that_is_not_installed_is_refused configuration_that_is_not_installed_may_be_replaced \
+    numbers_have_their_lowest_byte_first room_counts_blocks_once; do
     check "${name//_/ }" "$name"
 done
 [ "$failures" -eq 0 ]
