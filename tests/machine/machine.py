@@ -176,10 +176,11 @@ class Machine:
     clock: the time of the hardware clock, as "2026-10-22T12:00:00"
     cables: whether the cables of the two ports are plugged in
     swap_ports: gives the first port the higher hardware address
+    has_watchdog: lets the chipset's watchdog reset the machine
     """
 
     def __init__(self, disk, folder, *, state=None, sticks=(), uefi=False, clock=None,
-                 cables=(True, True), swap_ports=False):
+                 cables=(True, True), swap_ports=False, has_watchdog=False):
         self.folder = pathlib.Path(folder)
         self.plugged = [f"stick{number}" for number in range(len(sticks))]
         self.monitor = None
@@ -213,6 +214,8 @@ class Machine:
                 shutil.copyfile(UEFI_VARIABLES, variables)
             command += ["-drive", f"if=pflash,format=raw,readonly=on,file={UEFI_CODE}",
                         "-drive", f"if=pflash,format=raw,file={variables}"]
+        if has_watchdog:
+            command += ["-global", "ICH9-LPC.noreboot=off"]
         if state is not None:
             command += ["-incoming", f"exec:cat {shlex.quote(str(state))}/memory"]
         self.cables = cables
