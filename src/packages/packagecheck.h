@@ -13,14 +13,16 @@ enum InstallResult : int {
     WrongVersion = 2,     ///< an application for another version of the runtime
     WrongModel = 3,       ///< an application for another panel model
     WrongFirmwareOem = 4, ///< a firmware for another OEM
+    InstallerBusy = 5,    ///< another program is installing a package
 };
 
 /// Result of installing a BIOS image package.
 enum BiosInstallResult : int {
     BiosInstalled = 1,
-    NoBiosImage = -1,   ///< of another kind, or shorter than a header
-    BiosNotNewer = -2,  ///< the installed BIOS has this version or a higher one
-    BiosNotStored = -3, ///< the archive cannot be stored in the folder for temporary files
+    NoBiosImage = -1,       ///< of another kind, or shorter than a header
+    BiosNotNewer = -2,      ///< the installed BIOS has this version or a higher one
+    BiosNotStored = -3,     ///< the archive cannot be stored in the folder for temporary files
+    BiosInstallerBusy = -4, ///< another program is installing a package
 };
 
 /// What is installed on a panel, as read from its version files.

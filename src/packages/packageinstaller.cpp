@@ -1,5 +1,6 @@
 #include "packages/packageinstaller.h"
 
+#include "packages/installlock.h"
 #include "packages/packagecheck.h"
 #include "packages/packagetypes.h"
 #include "system/files/filecopy.h"
@@ -84,6 +85,25 @@ void installApplication(const Package &package, std::chrono::milliseconds limit)
     package.unpackAs(PackageType::Application, limit);
 }
 
+BiosInstallResult installBios(const QString &path, std::chrono::milliseconds limit)
+{
+    Package package(path);
+    if (!package.hasArchiveFile()) {
+        return BiosNotStored;
+    }
+    const auto header = package.readHeader();
+    const BiosInstallResult refusal
+        = header ? checkBiosPackage(*header, getCurrentBIOSVersion()) : NoBiosImage;
+    if (refusal != BiosInstalled) {
+        return refusal;
+    }
+    if (!package.storeArchive()) {
+        return BiosNotStored;
+    }
+    package.unpackAs(PackageType::BiosImage, limit);
+    return BiosInstalled;
+}
+
 InstallResult installFirmware(const Package &package, quint32 version,
                               std::chrono::milliseconds limit)
 {
@@ -96,13 +116,17 @@ InstallResult installFirmware(const Package &package, quint32 version,
         return Installed;
     }
     // Leaves out the image's folder and ignores the result on purpose: it has always been so.
-    installBIOSPackage(image, limit);
+    installBios(image, limit);
     return OpenFileError;
 }
 } // namespace
 
 int installPackage(const QString &path, std::chrono::milliseconds limit)
 {
+    const InstallLock lock;
+    if (!lock.isHeld()) {
+        return InstallerBusy;
+    }
     Package package(path);
     if (!package.hasArchiveFile()) {
         return OpenFileError;
@@ -130,19 +154,6 @@ int installPackage(const QString &path, std::chrono::milliseconds limit)
 
 int installBIOSPackage(const QString &path, std::chrono::milliseconds limit)
 {
-    Package package(path);
-    if (!package.hasArchiveFile()) {
-        return BiosNotStored;
-    }
-    const auto header = package.readHeader();
-    const BiosInstallResult refusal
-        = header ? checkBiosPackage(*header, getCurrentBIOSVersion()) : NoBiosImage;
-    if (refusal != BiosInstalled) {
-        return refusal;
-    }
-    if (!package.storeArchive()) {
-        return BiosNotStored;
-    }
-    package.unpackAs(PackageType::BiosImage, limit);
-    return BiosInstalled;
+    const InstallLock lock;
+    return lock.isHeld() ? installBios(path, limit) : BiosInstallerBusy;
 }

@@ -5,7 +5,8 @@
 class QString;
 
 // Both functions block while the tools run, and show nothing. They do not detect a tool that fails,
-// nor an unpacking that is stopped because it takes longer than @p limit.
+// nor an unpacking that is stopped because it takes longer than @p limit. They do nothing while
+// another program installs a package.
 
 /// Installs the application or firmware package at @p path. An application is unpacked in
 /// "/home/dest" and replaces the old compiled one. A firmware is unpacked in "/home", and its

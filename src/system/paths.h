@@ -37,6 +37,9 @@ inline constexpr char factoryMarker[] = "/media/usb0/talmero_setup";
 /// USB sticks are mounted below this folder. Packages and fonts are searched for here by default.
 inline constexpr char mediaFolder[] = "/media/";
 
+/// Locked while a package is installed.
+inline constexpr char installLock[] = "/run/talmero-install.lock";
+
 /// The HMI application is unpacked here.
 inline constexpr char applicationFolder[] = "/home/dest";
 

@@ -32,7 +32,10 @@ class Guard(MachineTest):
 
     def test_journal_stays_small(self):
         with self.panel() as panel:
-            panel.shell.run("head -c 60000000 /dev/urandom | base64 -w 40000 | systemd-cat", 600)
+            # The image's disk has no room for a larger journal, so systemd limits it anyway.
+            panel.shell.run("mount -t tmpfs -o size=2G journal /var/log/journal;"
+                            " systemctl restart systemd-journald; journalctl --flush")
+            panel.shell.run("head -c 45000000 /dev/urandom | base64 -w 40000 | systemd-cat", 600)
             panel.shell.run("journalctl --sync")
             used = int(panel.shell.run("du -sm /var/log/journal").split()[0])
             self.assertGreater(used, JOURNAL_LIMIT / 2, "the lines are not stored")

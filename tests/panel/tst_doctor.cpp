@@ -14,6 +14,8 @@
 #include <QJsonObject>
 #include <QTest>
 
+#include <sysexits.h>
+
 #include <memory>
 
 using namespace Doctor;
@@ -248,7 +250,7 @@ void TestDoctor::ordinaryUser()
 void TestDoctor::usage()
 {
     const ToolRun wrong = runDoctor({"--repair\x1b"});
-    QCOMPARE(wrong.status, int(WrongUsage));
+    QCOMPARE(wrong.status, EX_USAGE);
     QCOMPARE(wrong.output, QByteArray());
     QCOMPARE(wrong.errors,
              QByteArray("talmero-doctor: Unknown option 'repair\\x1b'.; see "
@@ -261,7 +263,7 @@ void TestDoctor::usage()
 void TestDoctor::lostOutputIsAnError()
 {
     const ToolRun run = runTool("/bin/sh", {"-c", "'" DOCTOR "' >/dev/full"});
-    QCOMPARE(run.status, int(OutputLost));
+    QCOMPARE(run.status, EX_IOERR);
     QCOMPARE(run.errors, QByteArray("talmero-doctor: cannot write to standard output\n"));
 }
 

@@ -3,6 +3,7 @@
 #include "diskfiles.h"
 #include "faketools.h"
 #include "packagefiles.h"
+#include "packages/installlock.h"
 #include "panelfiles.h"
 #include "panelguard.h"
 #include "panelmain.h"
@@ -65,6 +66,7 @@ private slots:
     void refusals_data();
     void refusals();
     void unknownKindShowsNothing();
+    void anotherInstallationRuns();
     void nothingChosen();
     void earlierChoiceDoesNotCount_data();
     void earlierChoiceDoesNotCount();
@@ -204,6 +206,20 @@ void TestFileTransferInstall::unknownKindShowsNothing()
     QVERIFY(Page().install("x.kpc"));
     QCOMPARE(user.count(), 0);
     QCOMPARE(readFile("/home/dest/both"), QByteArray("old\n"));
+}
+
+void TestFileTransferInstall::anotherInstallationRuns()
+{
+    addApplication("x.kpc");
+    const DialogDriver user(&QDialog::reject);
+    const Page page;
+    {
+        const InstallLock lock;
+        QVERIFY(page.install("x.kpc"));
+    }
+    QCOMPARE(user.count(), 0);
+    QCOMPARE(readFile("/home/dest/both"), QByteArray("old\n"));
+    QCOMPARE(page.window()->findChild<QStackedWidget *>()->currentIndex(), 1);
 }
 
 void TestFileTransferInstall::nothingChosen()

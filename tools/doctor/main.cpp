@@ -2,6 +2,7 @@
 
 #include "arguments.h"
 #include "checks.h"
+#include "common/output.h"
 #include "gather.h"
 #include "report.h"
 #include "system/debugtext.h"
@@ -37,7 +38,7 @@ int check(const Arguments &arguments)
 {
     const Findings findings = runChecks(gatherFacts(arguments.limit));
     const QByteArray report = arguments.isJson ? jsonReport(findings) : textReport(findings);
-    std::fwrite(report.constData(), 1, size_t(report.size()), stdout);
+    ToolReport::print(report);
     return statusOf(findings);
 }
 
@@ -46,7 +47,7 @@ int run(const Arguments &arguments)
     if (!arguments.error.isEmpty()) {
         std::fprintf(stderr, "talmero-doctor: %s; see talmero-doctor --help\n",
                      printable(arguments.error).constData());
-        return WrongUsage;
+        return EX_USAGE;
     }
     switch (arguments.task) {
     case Arguments::Task::Help:
@@ -65,10 +66,6 @@ int run(const Arguments &arguments)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    const int status = run(parseArguments(argumentTexts(argc, argv)));
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        std::fputs("talmero-doctor: cannot write to standard output\n", stderr);
-        return OutputLost;
-    }
-    return status;
+    return ToolReport::endOfOutput("talmero-doctor",
+                                   run(parseArguments(argumentTexts(argc, argv))));
 }

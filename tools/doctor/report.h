@@ -3,9 +3,6 @@
 #include "finding.h"
 
 namespace Doctor {
-/// The tool's exit status for wrong usage and for lost output, see sysexits.h(3head).
-enum ExitStatus : int { WrongUsage = 64, OutputLost = 74 };
-
 /// The exit status for @p findings: 0 if all are ok, 1 if there are only warnings, 2 if there are
 /// errors.
 int statusOf(const Findings &findings);

@@ -1,5 +1,6 @@
 // Guards a panel's files against power cuts and full disks. systemd runs it.
 
+#include "common/output.h"
 #include "restore.h"
 #include "status.h"
 #include "system/debugtext.h"
@@ -30,12 +31,11 @@ already; 64 wrong usage; 74 standard output cannot be written.
 constexpr char version[] = "talmero-guard " PANEL_VERSION "\n";
 
 /// For wrong usage and for lost output see sysexits.h(3head).
-enum ExitStatus : int { Done = 0, NotDone = 1, WrongUsage = 64, OutputLost = 74 };
+enum ExitStatus : int { Done = 0, NotDone = 1 };
 
 int printStatus()
 {
-    const QByteArray text = Guard::statusText();
-    std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
+    ToolReport::print(Guard::statusText());
     return Done;
 }
 
@@ -56,7 +56,7 @@ int run(const QString &task)
     }
     std::fprintf(stderr, "talmero-guard: unknown command: %s; see talmero-guard --help\n",
                  printable(task).constData());
-    return WrongUsage;
+    return EX_USAGE;
 }
 } // namespace
 
@@ -64,10 +64,5 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = argumentTexts(argc, argv);
-    const int status = run(arguments.join(' '));
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        std::fputs("talmero-guard: cannot write to standard output\n", stderr);
-        return OutputLost;
-    }
-    return status;
+    return ToolReport::endOfOutput("talmero-guard", run(arguments.join(' ')));
 }

@@ -1,5 +1,6 @@
 // Makes and inspects the package files that the panel installs from a stick.
 
+#include "common/output.h"
 #include "makepackage.h"
 #include "options.h"
 #include "packageinfo.h"
@@ -87,16 +88,6 @@ void catchSignals()
     }
 }
 
-/// A full disk may show only when the buffered output is written.
-int endOfOutput(int status)
-{
-    const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    if (!written) {
-        say(stderr, "cannot write to standard output");
-    }
-    return written ? status : int(WrongUsage);
-}
-
 int make(const Options &options)
 {
     const auto time = fileTime(qgetenv("SOURCE_DATE_EPOCH"));
@@ -182,5 +173,6 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     shieldTools();
-    return endOfOutput(run(parseOptions(argumentTexts(argc, argv))));
+    return ToolReport::endOfOutput("talmero-mkpackage",
+                                   run(parseOptions(argumentTexts(argc, argv))), WrongUsage);
 }

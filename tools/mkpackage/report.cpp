@@ -59,15 +59,20 @@ bool isGood(const Verification &verification)
     return verification.findings.count(Level::Error) == 0;
 }
 
-QByteArray textReport(const Verification &verification)
+QByteArray findingsText(const Verification &verification)
 {
-    return ToolReport::findingLines(verification.findings.list(), layout)
-        + verdictText(verification.findings);
+    return ToolReport::findingLines(verification.findings.list(), layout);
 }
 
-QByteArray jsonReport(const Verification &verification, const VerifyTask &task, const QString &path)
+QByteArray textReport(const Verification &verification)
 {
-    const QJsonObject report{
+    return findingsText(verification) + verdictText(verification.findings);
+}
+
+QJsonObject reportObject(const Verification &verification, const VerifyTask &task,
+                         const QString &path)
+{
+    return {
         {"file", json(printable(path))},
         {"good", isGood(verification)},
         {"errors", verification.findings.count(Level::Error)},
@@ -81,6 +86,11 @@ QByteArray jsonReport(const Verification &verification, const VerifyTask &task, 
         {"megabytesPerSecond", task.rate},
         {"findings", ToolReport::findingArray(verification.findings.list(), layout)},
     };
-    return QJsonDocument(report).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QByteArray jsonReport(const Verification &verification, const VerifyTask &task, const QString &path)
+{
+    return QJsonDocument(reportObject(verification, task, path)).toJson(QJsonDocument::Compact)
+        + '\n';
 }
 } // namespace MkPackage

@@ -1,5 +1,6 @@
 // Prints a setting of the panel for scripts, as the settings program reads it.
 
+#include "common/output.h"
 #include "system/debugtext.h"
 #include "system/paths.h"
 #include "system/settings/settingsfile.h"
@@ -24,7 +25,7 @@ output cannot be written.
 constexpr char version[] = "talmero-settings " PANEL_VERSION "\n";
 
 /// For wrong usage and for lost output see sysexits.h(3head).
-enum ExitStatus : int { HasValue = 0, HasNoValue = 1, WrongUsage = 64, OutputLost = 74 };
+enum ExitStatus : int { HasValue = 0, HasNoValue = 1 };
 
 int printValue(const QString &key)
 {
@@ -42,7 +43,7 @@ int printValue(const QString &key)
 int refuse(const QByteArray &reason)
 {
     std::fprintf(stderr, "talmero-settings: %s; see talmero-settings --help\n", reason.constData());
-    return WrongUsage;
+    return EX_USAGE;
 }
 
 int run(const QStringList &arguments)
@@ -68,10 +69,5 @@ int run(const QStringList &arguments)
 
 int main(int argc, char *argv[])
 {
-    const int status = run(argumentTexts(argc, argv));
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        std::fputs("talmero-settings: cannot write to standard output\n", stderr);
-        return OutputLost;
-    }
-    return status;
+    return ToolReport::endOfOutput("talmero-settings", run(argumentTexts(argc, argv)));
 }
