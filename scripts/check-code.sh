@@ -67,8 +67,9 @@ src/pages system widgets packages inputpanel shell
 tools/common common
 tools/mkpackage common packages system
 tools/doctor common packages system
-tools/guard system
-tools/settings system
+tools/guard common system
+tools/install common mkpackage packages system
+tools/settings common guard system
 RULES
 
 echo "Hazards"

@@ -3,8 +3,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include <arpa/inet.h>
-
 namespace Doctor {
 namespace {
 constexpr qsizetype longestExcerpt = 60; // characters
@@ -82,12 +80,6 @@ std::optional<QSize> screenSize(const Facts &facts)
     return found.hasMatch()
         ? std::optional(QSize(found.captured(1).toInt(), found.captured(2).toInt()))
         : std::nullopt;
-}
-
-bool isAddress(const QString &text)
-{
-    in_addr address;
-    return inet_pton(AF_INET, text.toLatin1().constData(), &address) == 1;
 }
 
 QString folderOf(const char *path)

@@ -21,9 +21,6 @@ QString answerText(const Facts &facts, Question question);
 /// Size of the screen in px, from the output of "xrandr -q".
 std::optional<QSize> screenSize(const Facts &facts);
 
-/// Whether @p text is an IPv4 address.
-bool isAddress(const QString &text);
-
 /// @p text on one line, cut to 60 characters for the report.
 QString shortened(const QString &text);
 } // namespace Doctor

@@ -1,5 +1,6 @@
 #include "answers.h"
 #include "checks.h"
+#include "common/addresses.h"
 
 #include "system/output/ifconfigoutput.h"
 #include "system/settings/settingskeys.h"
@@ -65,7 +66,7 @@ Finding checkPortFormat(const Facts &facts, const Port &port)
     if (address.address == notFound) {
         return fine(QString("%1 has %2 and no address now").arg(name, shortened(hardware)));
     }
-    if (!isAddress(address.address)) {
+    if (!ToolReport::isAddress(address.address)) {
         return warning(
             QString("the address of %1 reads \"%2\"").arg(name, shortened(address.address)),
             "give the port a broadcast address: the program reads up to \"Bcast:\"");

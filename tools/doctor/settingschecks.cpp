@@ -1,6 +1,7 @@
 #include "answers.h"
 #include "checks.h"
 
+#include "common/addresses.h"
 #include "packages/filewalk.h"
 #include "system/output/tooloutput.h"
 #include "system/settings/displaychoices.h"
@@ -8,8 +9,6 @@
 #include "system/settings/settingskeys.h"
 
 #include <algorithm>
-
-#include <arpa/inet.h>
 
 namespace Doctor {
 namespace {
@@ -41,16 +40,6 @@ std::optional<int> numberIn(const QString &text)
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
     return isNumber ? std::optional(number) : std::nullopt;
-}
-
-bool isMask(const QString &text)
-{
-    in_addr address;
-    if (inet_pton(AF_INET, text.toLatin1().constData(), &address) != 1) {
-        return false;
-    }
-    const quint32 zeros = ~ntohl(address.s_addr);
-    return (zeros & (zeros + 1)) == 0; // all ones are on the left
 }
 
 Wrong judgeFlag(const Facts &, const QString &value)
@@ -148,7 +137,7 @@ Wrong judgeAddress(const Facts &, const QString &value)
         return error("is an empty fixed address: ifupdown refuses the whole file of interfaces",
                      QString(ethernetAdvice) + " with an address");
     }
-    if (value == QLatin1String(dhcpValue) || isAddress(value)) {
+    if (value == QLatin1String(dhcpValue) || ToolReport::isAddress(value)) {
         return std::nullopt;
     }
     return warning("counts as a fixed address but is not one", ethernetAdvice);
@@ -156,7 +145,8 @@ Wrong judgeAddress(const Facts &, const QString &value)
 
 Wrong judgeMask(const Facts &, const QString &value)
 {
-    if (value.isEmpty() || isMask(value)) { // the page shows a default instead of an empty one
+    if (value.isEmpty()
+        || ToolReport::isMask(value)) { // the page shows a default instead of an empty one
         return std::nullopt;
     }
     return warning("is not a netmask", "enter it again and save the Ethernet page");

@@ -1,10 +1,10 @@
 // Installs a package on the panel from the command line.
 
 #include "common/output.h"
+#include "mkpackage/report.h"
 #include "outcome.h"
 #include "packages/packagecheck.h"
 #include "packages/packageinstaller.h"
-#include "report.h"
 #include "system/debugtext.h"
 #include "system/files/filecopy.h"
 #include "system/files/versionfiles.h"
