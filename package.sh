@@ -4,54 +4,135 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/common.sh
 . scripts/common.sh
+# shellcheck source=scripts/systems.sh
+. scripts/systems.sh
 
 usage() {
     cat <<'TEXT'
-Usage: ./package.sh [OPTION]
+Usage: ./package.sh [OPTION]...
 
 Installs missing build dependencies, builds the Debian packages from this checkout
 and puts them into dist/. Runs no tests: ./test.sh does. Needs root or sudo only if
 something has to be installed.
 
-  --check   Builds twice, in folders with different names, and fails unless both
-            builds give the same packages, byte for byte.
-  --help    Shows this text.
+  --release NAME  Builds for this release of Debian, bookworm or trixie.
+  --arch NAME     Builds for this architecture: amd64, i386, arm64 or armhf.
+  --check         Builds twice, in folders with different names, and fails unless both
+                  builds give the same packages, byte for byte.
+  --repository FOLDER
+                  Puts the packages of all releases and architectures into the signed
+                  Debian repository in FOLDER, which is made if it is missing. Builds those
+                  that are missing or old.
+  --key ID        Signs the repository with this key of gpg; default: your default key.
+  --help          Shows this text.
+
+With --release or --arch, the packages are built in a clean Debian made with mmdebstrap,
+checked with lintian and put into dist/RELEASE-ARCHITECTURE/. Their version ends with the
+release's number, such as +deb13. The default of the other option is this system's. Needs
+root or sudo, apt's mirror and 4 GB of free space. ARM is compiled on amd64.
 TEXT
 }
 
-check=no
-[ $# -le 1 ] || { usage >&2 && exit 2; }
-case "${1:-}" in
-    "") ;;
-    --check) check=yes ;;
+usage_error() {
+    printf 'package.sh: %s; see ./package.sh --help\n' "$1" >&2
+    exit 2
+}
+
+# is_one_of WORD WORD...: whether the first is among the others
+is_one_of() {
+    local word
+    for word in "${@:2}"; do
+        [ "$word" != "$1" ] || return 0
+    done
+    return 1
+}
+
+check=no release='' arch='' repository='' key=''
+while [ $# -gt 0 ]; do
+    case $1 in
     --help) usage && exit 0 ;;
-    *) usage >&2 && exit 2 ;;
-esac
+    --check) check=yes && shift && continue ;;
+    --release | --arch | --repository | --key) [ -n "${2-}" ] || usage_error "$1 needs a value" ;;
+    *) usage_error "unknown option $1" ;;
+    esac
+    case $1 in
+    --release) release=$2 ;;
+    --arch) arch=$2 ;;
+    --repository) repository=$2 ;;
+    --key) key=$2 ;;
+    esac
+    shift 2
+done
+[ -z "$release" ] || is_one_of "$release" "${releases[@]}" || usage_error "the release is one of ${releases[*]}, not $release"
+[ -z "$arch" ] || is_one_of "$arch" "${architectures[@]}" || usage_error "the architecture is one of ${architectures[*]}, not $arch"
+
+if [ -n "$repository" ]; then
+    install_packages reprepro gnupg git
+    for release in "${releases[@]}"; do
+        for arch in "${architectures[@]}"; do
+            packages_are_new "dist/$release-$arch" || ./package.sh --release "$release" --arch "$arch"
+        done
+    done
+    exec scripts/repository "$repository" "$key" dist
+fi
 
 umask 022 # the packed files have the same modes whoever builds them
 work=build-package
 output=dist
+root=''
+if [ -n "$release$arch" ]; then
+    : "${release:=$(. /etc/os-release && echo "$VERSION_CODENAME")}" "${arch:=$(dpkg --print-architecture)}"
+    output=dist/$release-$arch
+    work=build-package/$release-$arch
+    root=$PWD/$work/root
+fi
 
-# build NAME: leaves the packages in build-package/NAME
+# copy_sources FOLDER
+copy_sources() {
+    rm -rf "$1"
+    mkdir -p "$1"
+    list_sources . | xargs -0 --no-run-if-empty cp --parents -P -t "$1" || true
+    [ -e "$1/debian/control" ] ||
+        die "the files could not be copied to $1: this must be a git checkout with enough free space"
+}
+
+# build NAME: leaves the packages in $work/NAME
 build() {
     local folder=$work/$1
     local log=$folder/log
     rm -rf "$folder"
-    mkdir -p "$folder/talmero-bios"
-    list_sources . | xargs -0 --no-run-if-empty cp --parents -P -t "$folder/talmero-bios" || true
-    [ -e "$folder/talmero-bios/debian/control" ] ||
-        die "the files could not be copied to $folder: this must be a git checkout with enough free space"
+    copy_sources "$folder/talmero-bios"
+    if [ -n "$root" ]; then
+        build_apart "$folder"
+        return
+    fi
     (cd "$folder/talmero-bios" &&
         dpkg-buildpackage --no-sign --build=full) >"$log" 2>&1 ||
         die "the build failed, see $log: $(grep -m 1 -E 'error:|Error:|No space' "$log" || tail -n 1 "$log")"
 }
 
-# Checksums of the packages that dpkg-buildpackage left in a folder.
-sums() {
-    (cd "$work/$1" && sha256sum -- *.deb *.dsc *.tar.xz)
+# build_apart FOLDER: the same in a clean Debian. Two releases cannot share a version, because their
+# packages differ.
+build_apart() {
+    sed -i "1s/(\([^)]*\)) [a-z]*;/(\1+deb$(release_number "$release")) $release;/" \
+        "$1/talmero-bios/debian/changelog"
+    as_root env SOURCE_DATE_EPOCH="$SOURCE_DATE_EPOCH" \
+        scripts/clean-build "$release" "$arch" "$root" "$1/talmero-bios" "$1"
 }
 
-install_packages "${build_packages[@]}" "${package_packages[@]}"
+# Checksums of the packages that dpkg-buildpackage left in a folder.
+sums() {
+    (cd "$work/$1" && find . -maxdepth 1 -regex '.*\.\(deb\|dsc\|tar\.xz\)' -printf '%f\0' | sort -z | xargs -0 sha256sum --)
+}
+
+if [ -n "$root" ]; then
+    need_root
+    need_space 4000
+    install_packages mmdebstrap dpkg-dev git
+    as_root rm -rf "$work"
+else
+    install_packages "${build_packages[@]}" "${package_packages[@]}"
+fi
 for folder in "$PWD" "$PWD/$work" "$PWD/$output"; do
     [ ! -e "$folder" ] || [ -w "$folder" ] || die "cannot write in $folder: it belongs to another user"
 done
@@ -67,8 +148,10 @@ if [ "$check" = yes ]; then
     [ -z "$different" ] || die "the two builds differ: ${different//$'\n'/ }"
     echo "Both builds gave the same bytes"
 fi
+[ -z "$root" ] || as_root rm -rf "$root"
 # dist/ may hold an image, too.
 mkdir -p "$output"
-rm -f "$output"/*.{deb,dsc,tar.xz,buildinfo,changes}
-cp "$work"/first/*.{deb,dsc,tar.xz,buildinfo,changes} "$output"
+packed=(-maxdepth 1 -type f -regex '.*\.\(deb\|dsc\|tar\.xz\|buildinfo\|changes\)')
+find "$output" "${packed[@]}" -delete
+find "$work/first" "${packed[@]}" -exec cp -t "$output" {} +
 (cd "$output" && ls -sh -- *.deb)

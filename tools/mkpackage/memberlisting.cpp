@@ -1,6 +1,7 @@
 #include "memberlisting.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
 #include <algorithm>
 
@@ -65,7 +66,7 @@ QByteArray sizeText(const TarMember &member)
 
 QByteArray timeText(qint64 seconds)
 {
-    const auto time = QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+    const auto time = QDateTime::fromSecsSinceEpoch(seconds, QTimeZone::utc());
     return time.isValid() ? time.toString("yyyy-MM-dd HH:mm").toLatin1()
                           : QByteArray::number(seconds);
 }
