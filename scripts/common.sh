@@ -13,7 +13,7 @@ package_packages=(dpkg-dev debhelper git)
 # shellcheck disable=SC2034
 clean_root_packages=(debootstrap lintian)
 # shellcheck disable=SC2034
-test_packages=(mandoc systemd)
+test_packages=(mandoc systemd reprepro gnupg)
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy cppcheck shellcheck)
 # shellcheck disable=SC2034
@@ -47,6 +47,10 @@ image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-
 # shellcheck disable=SC2034
 system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
     xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core fonts-open-sans)
+
+# What ssh needs on a panel besides.
+# shellcheck disable=SC2034
+ssh_packages=(openssh-server nftables)
 
 # Prints one line on standard error and exits.
 die() {
@@ -183,6 +187,17 @@ list_sources() {
         while IFS= read -r -d '' file; do
             [ ! -e "$file" ] || printf '%s\0' "$file"
         done
+}
+
+# packages_are_new FOLDER: whether it has packages newer than every file that they are made of
+packages_are_new() {
+    local package newer
+    package=$(find "$1" -maxdepth 1 -name 'talmero-bios_*.deb' -print -quit 2>/dev/null)
+    [ -n "$package" ] || return 1
+    # shellcheck disable=SC2185 # the paths come from git
+    newer=$(list_sources ':!image.sh' ':!image' ':!tests' ':!bench' ':!simulator' ':!*.sh' |
+        find -files0-from - -prune -newer "$package" -print -quit)
+    [ -z "$newer" ]
 }
 
 # The time stamp of everything that is packed: the last commit's, or the changelog's without git.

@@ -20,8 +20,8 @@ stand_in() { # NAME SHELL_TEXT
 prepare() {
     rm -rf "$checkout" "$stand_ins"
     mkdir -p "$checkout/scripts" "$checkout/simulator" "$stand_ins"
-    cp "$root/run.sh" "$root/test.sh" "$checkout"
-    cp "$root/scripts/common.sh" "$checkout/scripts"
+    cp "$root/run.sh" "$root/test.sh" "$root/package.sh" "$checkout"
+    cp "$root/scripts/common.sh" "$root/scripts/systems.sh" "$checkout/scripts"
     # shellcheck disable=SC2016
     stand_in panel 'echo "panel $*"' && mv "$stand_ins/panel" "$checkout/simulator"
     stand_in dpkg-query 'printf installed'
@@ -80,6 +80,14 @@ in_a_folder_with_blanks() {
 started_by_sh() {
     one_line 2 'run.sh: unknown option --wrong; see ./run.sh --help' sh "$checkout/run.sh" --wrong &&
         one_line 2 'test.sh: unknown option --wrong; see ./test.sh --help' sh "$checkout/test.sh" --wrong
+}
+
+wrong_package_options() {
+    one_line 2 'package.sh: unknown option --fast; see ./package.sh --help' "$checkout/package.sh" --fast &&
+        one_line 2 'package.sh: --arch needs a value; see ./package.sh --help' "$checkout/package.sh" --arch &&
+        one_line 2 'package.sh: the release is one of bookworm trixie, not sid; .*' "$checkout/package.sh" --release sid &&
+        one_line 2 'package.sh: the architecture is one of amd64 i386 arm64 armhf, not riscv64; .*' \
+            "$checkout/package.sh" --check --release trixie --arch riscv64
 }
 
 no_sudo() {
@@ -167,6 +175,7 @@ on_a_new_machine() {
 on_a_new_machine "builds and runs on a complete machine" everything_is_there
 on_a_new_machine "runs in a folder with blanks, from another folder" in_a_folder_with_blanks
 on_a_new_machine "can also be started by sh" started_by_sh
+on_a_new_machine "refuses packages for an unknown system" wrong_package_options
 on_a_new_machine "names a missing sudo" no_sudo
 on_a_new_machine "says that sudo has no terminal" sudo_without_terminal
 on_a_new_machine "says that sudo refuses" sudo_that_refuses
