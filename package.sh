@@ -128,7 +128,7 @@ sums() {
 if [ -n "$root" ]; then
     need_root
     need_space 4000
-    install_packages mmdebstrap dpkg-dev git
+    install_packages mmdebstrap arch-test dpkg-dev git
     as_root rm -rf "$work"
 else
     install_packages "${build_packages[@]}" "${package_packages[@]}"
