@@ -163,6 +163,8 @@ void TestHeaderWalk::paxRecords_data()
     QTest::newRow("length 0") << QByteArray("0 path=x\n") << malformed;
     QTest::newRow("length with a sign") << QByteArray("+10 path=x\n") << malformed;
     QTest::newRow("length beyond the end") << QByteArray("11 path=x\n") << malformed;
+    QTest::newRow("length of 10 in the lower 32 bits")
+        << QByteArray("4294967306 path=x\n") << malformed;
     QTest::newRow("length before the line feed") << QByteArray("8 path=x\n") << malformed;
     QTest::newRow("length with many digits")
         << QByteArray("99999999999999999999 path=x\n") << malformed;

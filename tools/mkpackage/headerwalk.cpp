@@ -79,7 +79,7 @@ void HeaderWalk::feed(QByteArrayView piece, qint64 pieceStart)
     const qint64 pieceEnd = pieceStart + piece.size();
     while (m_error == nullptr && !isDone() && m_next >= pieceStart
            && m_next + blockSize <= pieceEnd) {
-        const QByteArrayView block = piece.sliced(m_next - pieceStart, blockSize);
+        const QByteArrayView block = piece.sliced(qsizetype(m_next - pieceStart), blockSize);
         if (m_descriptionLeft == 0 && isZero(block)) {
             return; // the end of the archive
         }
@@ -128,7 +128,7 @@ void HeaderWalk::startDescription(QByteArrayView header)
 
 void HeaderWalk::takeDescription(QByteArrayView block)
 {
-    const qint64 size = std::min<qint64>(m_descriptionLeft, block.size());
+    const auto size = qsizetype(std::min<qint64>(m_descriptionLeft, block.size()));
     m_description += block.first(size);
     m_descriptionLeft -= size;
     if (m_descriptionLeft == 0 && (m_describing == 'x' || m_describing == 'g')) {

@@ -46,8 +46,12 @@ const char *findPaxError(QByteArrayView records, bool forAll)
     while (!records.isEmpty()) {
         const qsizetype blank = records.indexOf(' ');
         const QByteArrayView digits = records.first(std::max<qsizetype>(blank, 0));
-        const qsizetype size = isNumber(digits) ? digits.toByteArray().toLongLong() : 0;
-        if (blank < 0 || size <= blank || size > records.size() || records.at(size - 1) != '\n') {
+        const qint64 length = isNumber(digits) ? digits.toByteArray().toLongLong() : 0;
+        if (blank < 0 || length <= blank || length > records.size()) {
+            return malformed;
+        }
+        const auto size = qsizetype(length);
+        if (records.at(size - 1) != '\n') {
             return malformed;
         }
         const QByteArrayView record = records.sliced(blank + 1, size - blank - 1).chopped(1);

@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <algorithm>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,11 +44,12 @@ bool writeInPlace(const QString &path, const QByteArray &content)
         return false;
     }
     const qint64 oldSize = file.size();
-    if (!writeAt(file, oldSize, content.mid(oldSize))) {
+    const auto kept = qsizetype(std::min<qint64>(oldSize, content.size()));
+    if (!writeAt(file, kept, content.mid(kept))) {
         file.resize(oldSize);
         return false;
     }
-    return writeAt(file, 0, content.left(oldSize)) && file.resize(content.size())
+    return writeAt(file, 0, content.left(kept)) && file.resize(content.size())
         && fsync(file.handle()) == 0;
 }
 
