@@ -21,6 +21,8 @@ apt's mirror and 4 GB of free space.
                           as FOLDER/opt/talmero/bios/runapp.sh. They belong to root there.
   --size MB               Size of the disk (default: 1000). /home takes what the system
                           leaves.
+  --ssh-key FILE          Lets the owner of this public key log in as root by ssh, over Lan 1
+                          only. Nothing else can be reached then, see the integrator's guide.
   --test                  Builds dist/talmero-panel-test.img instead, for tests: a root
                           shell without a password and the kernel's console on the first
                           serial port; a tablet counts as the panel's touch controller.
@@ -33,12 +35,12 @@ usage_error() {
     exit 2
 }
 
-model='' oem='' runtime_version='' overlay='' size=1000 kind=plain image=dist/talmero-panel.img
+model='' oem='' runtime_version='' overlay='' ssh_key='' size=1000 kind=plain image=dist/talmero-panel.img
 while [ $# -gt 0 ]; do
     case $1 in
     --help) usage && exit 0 ;;
     --test) kind='test' image=dist/talmero-panel-test.img && shift && continue ;;
-    --model | --oem | --runtime-version | --overlay | --size) ;;
+    --model | --oem | --runtime-version | --overlay | --ssh-key | --size) ;;
     *) usage_error "unknown option $1" ;;
     esac
     [ -n "${2-}" ] || usage_error "$1 needs a value"
@@ -47,6 +49,7 @@ while [ $# -gt 0 ]; do
     --oem) oem=$2 ;;
     --runtime-version) runtime_version=$2 ;;
     --overlay) overlay=$2 ;;
+    --ssh-key) ssh_key=$2 ;;
     --size) size=$2 ;;
     esac
     shift 2
@@ -61,23 +64,18 @@ if [ -n "$overlay" ]; then
         usage_error "$overlay is not a folder that can be read"
     overlay=$(realpath -- "$overlay")
 fi
-
-# Whether the packages in dist/ are newer than every file that they are made of.
-packages_are_new() {
-    local package newer
-    package=$(find dist -name 'talmero-bios_*.deb' -print -quit 2>/dev/null)
-    [ -n "$package" ] || return 1
-    # shellcheck disable=SC2185 # the paths come from git
-    newer=$(list_sources ':!image.sh' ':!image' ':!tests' ':!bench' ':!simulator' ':!*.sh' |
-        find -files0-from - -prune -newer "$package" -print -quit)
-    [ -z "$newer" ]
-}
+if [ -n "$ssh_key" ]; then
+    [ -r "$ssh_key" ] || usage_error "$ssh_key is not a file that can be read"
+    [[ $(<"$ssh_key") =~ ^(ssh-|ecdsa-|sk-)[a-z0-9@.-]+\ [A-Za-z0-9+/=]+(\ [[:print:]]*)?$ ]] ||
+        usage_error "$ssh_key is not one public key of ssh"
+    ssh_key=$(realpath -- "$ssh_key")
+fi
 
 need_root
 need_space 4000
 install_packages "${image_packages[@]}"
-packages_are_new || ./package.sh
+packages_are_new dist || ./package.sh
 
 as_root env SOURCE_DATE_EPOCH="$(source_date)" image/build \
-    "$image" "$kind" "$size" "$overlay" "$model" "$oem" "$runtime_version" "$(id -u):$(id -g)"
+    "$image" "$kind" "$size" "$overlay" "$model" "$oem" "$runtime_version" "$ssh_key" "$(id -u):$(id -g)"
 ls -sh "$image"

@@ -177,10 +177,11 @@ class Machine:
     cables: whether the cables of the two ports are plugged in
     swap_ports: gives the first port the higher hardware address
     has_watchdog: lets the chipset's watchdog reset the machine
+    forwarded: for each of the two ports, a port of this machine that leads to its ssh
     """
 
     def __init__(self, disk, folder, *, state=None, sticks=(), uefi=False, clock=None,
-                 cables=(True, True), swap_ports=False, has_watchdog=False):
+                 cables=(True, True), swap_ports=False, has_watchdog=False, forwarded=()):
         self.folder = pathlib.Path(folder)
         self.plugged = [f"stick{number}" for number in range(len(sticks))]
         self.monitor = None
@@ -196,8 +197,9 @@ class Machine:
                    "-device", "qemu-xhci,id=usb", "-device", "usb-tablet,bus=usb.0",
                    "-qmp", f"unix:{self.folder}/monitor,server=on,wait=off",
                    "-rtc", f"base={clock or 'utc'}"]
-        for number, (address, network) in enumerate(zip(addresses, NETWORKS)):
-            command += ["-netdev", f"user,id=lan{number},restrict=on,{network}",
+        ways = [f",hostfwd=tcp:127.0.0.1:{port}-:22" for port in forwarded] or ["", ""]
+        for number, (address, network, way) in enumerate(zip(addresses, NETWORKS, ways)):
+            command += ["-netdev", f"user,id=lan{number},restrict=on,{network}{way}",
                         "-device", f"e1000,id=port{number},netdev=lan{number},mac={address},romfile="]
         # The shell, and two ports that are wired to each other.
         command += ["-chardev", f"socket,id=com0,path={self.folder}/shell,server=on,wait=off",
