@@ -58,7 +58,7 @@ bool isUnknownKind(Page page, const PackageHeader &header)
 
 Outcome outcomeOf(Page page, int result)
 {
-    const auto *found
+    const Row *found
         = std::find_if(std::begin(rows), std::end(rows), [page, result](const Row &row) {
               return row.page == page && row.result == result;
           });
