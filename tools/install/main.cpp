@@ -173,12 +173,7 @@ int runWith(const Options &options)
 
 int run(const QStringList &arguments)
 {
-    if (arguments == QStringList{"--help"}) {
-        print(usage);
-        return Done;
-    }
-    if (arguments == QStringList{"--version"}) {
-        print(version);
+    if (ToolReport::answerAboutTool(arguments, usage, version)) {
         return Done;
     }
     QCommandLineParser parser;

@@ -195,12 +195,7 @@ int runCommand(const Command &command, QStringList texts)
 
 int run(const QStringList &arguments)
 {
-    if (arguments == QStringList{"--help"}) {
-        print(usage);
-        return Done;
-    }
-    if (arguments == QStringList{"--version"}) {
-        print(version);
+    if (ToolReport::answerAboutTool(arguments, usage, version)) {
         return Done;
     }
     for (const Command &command : commands) {
