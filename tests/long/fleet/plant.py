@@ -1,0 +1,130 @@
+"""Many simulated panels at once, and the computer that looks after them.
+
+Everything runs in a network namespace of its own, which fleet.sh makes. Each panel is a
+simulator/panel with Debian's sshd; a bridge connects them.
+"""
+
+import contextlib
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[3]
+BRIDGE = "plant"
+CONTROL_ADDRESS = "10.66.0.1"
+STARTING_AT_ONCE = 6
+
+# Where a panel keeps what a roll-out may change. The logs of logins change with each connection.
+WATCHED = "/opt /home /etc /var /tmp /usr/bin /usr/lib/talmero-bios"
+UNWATCHED = r"-path /var/log -o -path /tmp/.ansible -o -path /etc/.pwd.lock"
+
+
+def run(*command, **options):
+    """Runs a command; fails with what it printed."""
+    result = subprocess.run(command, capture_output=True, text=True, **options)
+    if result.returncode != 0:
+        raise AssertionError(f"{' '.join(command)}: status {result.returncode}\n{result.stdout}{result.stderr}")
+    return result.stdout
+
+
+class Panel:
+    """A simulated panel with sshd. number: from 1."""
+
+    def __init__(self, number, build, files):
+        self.name = f"panel-{number:02}"
+        self.address = f"10.66.1.{number}"
+        self.cable = f"cable{number}"
+        self.log = open(files / f"{self.name}.log", "w")
+        self.process = subprocess.Popen(
+            [ROOT / "simulator/panel", "--build", build, "--", ROOT / "tests/long/fleet/panel", files, self.address],
+            stdout=self.log, stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
+        self.first = None
+
+    def find_first_process(self):
+        """The panel's first process: the first one below ours in another network."""
+        ours = os.readlink("/proc/self/ns/net")
+        process = self.process.pid
+        while True:
+            if os.readlink(f"/proc/{process}/ns/net") != ours and pathlib.Path(
+                    f"/proc/{process}/cmdline").read_bytes().startswith(b"/bin/bash"):
+                return process
+            children = pathlib.Path(f"/proc/{process}/task/{process}/children").read_text().split()
+            if not children:
+                raise ProcessLookupError
+            process = int(children[0])
+
+    def wait_until(self, is_done, what):
+        """Waits for a function to return something; fails if the panel ends."""
+        for _ in range(1200):
+            with contextlib.suppress(OSError):
+                found = is_done()
+                if found:
+                    return found
+            if self.process.poll() is not None:
+                break
+            time.sleep(0.05)
+        raise AssertionError(f"{self.name} {what}: {pathlib.Path(self.log.name).read_text()}")
+
+    def plug_in(self):
+        """Connects the panel with the plant."""
+        self.first = self.wait_until(self.find_first_process, "does not start")
+        run("ip", "link", "add", self.cable, "type", "veth", "peer", "name", BRIDGE, "netns", str(self.first))
+        run("ip", "link", "set", self.cable, "master", BRIDGE, "up")
+        self.wait_until(lambda: self.shell("cat /run/sshd.pid 2>/dev/null || true"), "has no sshd")
+
+    def shell(self, script):
+        """Runs a script as root in the panel, not by ssh. Result: what it printed."""
+        return run("nsenter", f"--target={self.first}", "--all", "--wd=/", "--", "/bin/bash", "-euc", script,
+                   env={"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/root"})
+
+    def state(self):
+        """A digest of everything that a roll-out may change."""
+        return self.shell(
+            rf"find {WATCHED} \( {UNWATCHED} \) -prune -o ! -type d -printf '%p %y %m %U:%G %s %T@ %l\n' |"
+            r" sort | sha256sum")
+
+    def application(self):
+        """What the application says that it is."""
+        return self.shell("cat /home/dest/compile/project 2>/dev/null || true").strip()
+
+    def go_away(self):
+        """Ends the panel's sshd with all its connections."""
+        self.shell("/usr/local/bin/end-ssh")
+
+    def come_back(self):
+        self.shell("setsid /usr/sbin/sshd")
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait()
+        self.log.close()
+
+
+class Plant:
+    """Some panels, connected."""
+
+    def __init__(self, count, build, files):
+        self.panels = []
+        run("ip", "link", "set", "lo", "up")
+        run("ip", "link", "add", BRIDGE, "type", "bridge")
+        run("ip", "address", "add", f"{CONTROL_ADDRESS}/16", "dev", BRIDGE)
+        run("ip", "link", "set", BRIDGE, "up")
+        for first in range(1, count + 1, STARTING_AT_ONCE):
+            some = [Panel(number, build, files)
+                    for number in range(first, min(first + STARTING_AT_ONCE, count + 1))]
+            self.panels += some
+            for panel in some:
+                panel.plug_in()
+
+    def states(self):
+        return {panel.name: panel.state() for panel in self.panels}
+
+    def applications(self):
+        return {panel.name: panel.application() for panel in self.panels}
+
+    def stop(self):
+        for panel in self.panels:
+            panel.stop()
