@@ -48,9 +48,15 @@ image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-
 system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
     xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core fonts-open-sans)
 
-# What ssh needs on a panel besides.
+# What ssh needs on a panel besides, and what Ansible needs there.
 # shellcheck disable=SC2034
-ssh_packages=(openssh-server nftables)
+ssh_packages=(openssh-server nftables python3 python3-apt)
+# What the test of many panels needs, and what it unpacks into each panel: installed on this machine,
+# a server would start.
+# shellcheck disable=SC2034
+fleet_packages=(ansible-core ansible-lint openssh-client python3 reprepro gnupg)
+# shellcheck disable=SC2034
+fleet_panel_packages=(openssh-server openssh-sftp-server libwrap0 python3-apt python-apt-common)
 
 # Prints one line on standard error and exits.
 die() {
