@@ -69,7 +69,7 @@ unpack_packages() { # FOLDER PACKAGE...
 make_panel_files() {
     local files=$work/files
     rm -rf "$work"
-    mkdir -p "$files/usr/local/bin" "$files/etc/ssh"
+    mkdir -p "$files"/usr/{bin,local/bin} "$files/etc/ssh"
     unpack_packages "$files" "${fleet_panel_packages[@]}"
     cp -r image/ssh/etc/ssh/. "$files/etc/ssh"
     cp build/bin/talmero-{doctor,install,settings} tests/long/fleet/systemctl "$files/usr/bin"

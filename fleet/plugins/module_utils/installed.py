@@ -15,7 +15,6 @@ RECORD = f"{REPLACED_FOLDER}/.talmero-package"
 RECORD_KEYS = ("digest", "file")
 
 HEADER_SIZE = 36
-BLOCK = 4096  # a file or folder takes at least one
 
 
 def parse_record(text):
@@ -130,8 +129,3 @@ def free_space(folder=FOLDER):
     except OSError:
         return 0
     return disk.f_bavail * disk.f_frsize + taken_space(f"{folder}/{REPLACED_FOLDER}")
-
-
-def needed_space(unpacked_bytes, entries):
-    """The bytes that a package takes on the disk at most."""
-    return unpacked_bytes + entries * BLOCK

@@ -14,12 +14,13 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 BRIDGE = "plant"
-CONTROL_ADDRESS = "10.66.0.1"
+CONTROL_ADDRESS = "192.168.1.5" # as in docs/many-panels.md
 STARTING_AT_ONCE = 6
 
-# Where a panel keeps what a roll-out may change. The logs of logins change with each connection.
+# Where a panel keeps what a roll-out may change. The logs of logins change with each connection, and the
+# doctor's question for fonts renews their cache.
 WATCHED = "/opt /home /etc /var /tmp /usr/bin /usr/lib/talmero-bios"
-UNWATCHED = r"-path /var/log -o -path /tmp/.ansible -o -path /etc/.pwd.lock"
+UNWATCHED = r"-path /var/log -o -path /var/cache/fontconfig -o -path /tmp/.ansible -o -path /etc/.pwd.lock"
 
 
 def run(*command, **options):
@@ -35,7 +36,7 @@ class Panel:
 
     def __init__(self, number, build, files):
         self.name = f"panel-{number:02}"
-        self.address = f"10.66.1.{number}"
+        self.address = f"192.168.1.{10 + number}"  # as in fleet/example/inventory.yml
         self.cable = f"cable{number}"
         self.log = open(files / f"{self.name}.log", "w")
         self.process = subprocess.Popen(
