@@ -14,7 +14,8 @@ panels with sshd, in a network of their own, and looks after them with Ansible: 
 settings, roll-outs with bad panels, upgrades. Takes about half an hour. Needs root or
 sudo, and apt's mirror.
 
-TEST is a class or a function, such as Application or Status.test_each_panel_has_a_row.
+TEST is a file of tests/long/fleet, a class or a function, such as test_status or
+test_settings.Settings.test_refused_value_changes_nothing.
 
   --panels N   Number of panels, at least 10 (default: 50).
   --cost       Only measures what 1, 10 and 50 panels cost the computer that looks after
@@ -29,11 +30,11 @@ usage_error() {
 }
 
 arguments=("$@")
-panels=50 script=test_fleet.py tests=()
+panels=50 script=(-m unittest --verbose) tests=()
 while [ $# -gt 0 ]; do
     case $1 in
     --help) usage && exit 0 ;;
-    --cost) script=cost.py ;;
+    --cost) script=(cost.py) ;;
     --panels)
         [[ ${2-} =~ ^[1-9][0-9]+$ ]] || usage_error "--panels takes a number from 10, not ${2-nothing}"
         panels=$2
@@ -61,7 +62,7 @@ unpack_packages() { # FOLDER PACKAGE...
     find "$work/debs" -name '*.deb' -exec dpkg-deb --extract {} "$folder" \;
     if [ -d "$folder/lib" ]; then # on a panel, /lib is a link to /usr/lib
         cp -r "$folder/lib/." "$folder/usr/lib"
-        rm -r "$folder/lib"
+        rm -r "${folder:?}/lib"
     fi
 }
 
@@ -77,10 +78,55 @@ make_panel_files() {
     ssh-keygen -q -t ed25519 -N '' -f "$work/key"
 }
 
+# The present packages, the next version of them in a repository, and a package that stands in for
+# those of Debian that a panel has and this machine lacks.
+make_repository() {
+    local package folder=$work/package lacking
+    mkdir -p "$work"/{old,new,dist/bookworm-amd64,www} "$folder"
+    find dist -maxdepth 1 -name 'talmero-*.deb' ! -name '*-dbgsym_*' -exec cp -t "$work/old" {} +
+    for package in "$work"/old/*.deb; do
+        rm -r "$folder"
+        dpkg-deb --raw-extract "$package" "$folder"
+        sed -i "s/\b1\.0\b/1.1/" "$folder/DEBIAN/control"
+        dpkg-deb --root-owner-group --build "$folder" "$work/dist/bookworm-amd64" >/dev/null
+    done
+    cp "$work"/dist/bookworm-amd64/talmero-bios-tools_*.deb "$work/new/tools.deb"
+    lacking=$(for package in "$work"/old/*.deb; do dpkg-deb --field "$package" Depends; done |
+        sed 's/([^)]*)//g; s/[,|]/\n/g' | tr -d ' ' | sort -u | grep -v ^talmero- |
+        while read -r package; do is_installed "$package" || echo "$package"; done)
+    stand_in_for "${lacking//$'\n'/, }"
+    export GNUPGHOME=$work/keys
+    mkdir -m 700 "$GNUPGHOME"
+    for package in maker other; do
+        gpg --batch --quiet --passphrase '' --quick-generate-key "$package@talmero.example" ed25519 sign never 2>/dev/null
+    done
+    gpg --armor --export other@talmero.example >"$work/other.asc"
+    scripts/repository "$work/repository" maker@talmero.example "$work/dist" >/dev/null
+    gpgconf --kill all
+    ln -s "$work/repository" "$work/www/talmero"
+}
+
+stand_in_for() { # "PACKAGE, PACKAGE"
+    local folder=$work/stand-in
+    mkdir -p "$folder/DEBIAN"
+    cat >"$folder/DEBIAN/control" <<CONTROL
+Package: stand-in
+Version: 1
+Architecture: all
+Maintainer: nobody
+Provides: $1
+Description: stands in for packages of Debian
+CONTROL
+    dpkg-deb --root-owner-group --build "$folder" "$work/old/stand-in.deb" >/dev/null
+}
+
+packages_are_new dist || ./package.sh
 build_preset release talmero-doctor talmero-install talmero-mkpackage talmero-settings
 make_panel_files
+make_repository
 echo "Checking the collection"
 scripts/check-fleet.sh
 export FLEET_BUILD=$PWD/build FLEET_FILES=$work FLEET_PANELS=$panels
 cd tests/long/fleet
-exec unshare --net python3 "$script" ${tests[@]+"${tests[@]}"}
+[ "${#tests[@]}" -gt 0 ] || [ "${script[0]}" = cost.py ] || tests=(test_*.py)
+exec unshare --net python3 "${script[@]}" ${tests[@]+"${tests[@]}"}

@@ -25,7 +25,7 @@ UNWATCHED = r"-path /var/log -o -path /var/cache/fontconfig -o -path /tmp/.ansib
 
 def run(*command, **options):
     """Runs a command; fails with what it printed."""
-    result = subprocess.run(command, capture_output=True, text=True, **options)
+    result = subprocess.run(command, capture_output=True, text=True, errors="replace", **options)
     if result.returncode != 0:
         raise AssertionError(f"{' '.join(command)}: status {result.returncode}\n{result.stdout}{result.stderr}")
     return result.stdout
@@ -76,10 +76,23 @@ class Panel:
         run("ip", "link", "set", self.cable, "master", BRIDGE, "up")
         self.wait_until(lambda: self.shell("cat /run/sshd.pid 2>/dev/null || true"), "has no sshd")
 
+    def inside(self, *command, **options):
+        """Runs a command as root in the panel, not by ssh. Result: what it printed."""
+        return run("nsenter", f"--target={self.first}", "--all", "--wd=/", "--", *command, **options,
+                   env={"PATH": "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/root"})
+
     def shell(self, script):
-        """Runs a script as root in the panel, not by ssh. Result: what it printed."""
-        return run("nsenter", f"--target={self.first}", "--all", "--wd=/", "--", "/bin/bash", "-euc", script,
-                   env={"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/root"})
+        return self.inside("/bin/bash", "-euc", script)
+
+    def put(self, source, path):
+        """Copies a file into the panel."""
+        with open(source, "rb") as file:
+            self.inside("dd", f"of={path}", stdin=file)
+
+    def install(self, package):
+        """Installs a package as from a stick. package: its path outside the panel."""
+        self.put(package, "/root/stick.kpc")
+        self.shell("/usr/bin/talmero-install /root/stick.kpc; rm /root/stick.kpc")
 
     def state(self):
         """A digest of everything that a roll-out may change."""

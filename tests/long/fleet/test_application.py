@@ -1,0 +1,164 @@
+import os
+import subprocess
+import unittest
+
+from fleettest import COUNT, FleetTest
+
+BATCH = max(2, COUNT // 5)
+
+
+class Application(FleetTest):
+    def setUp(self):
+        """Every panel has the old application, with the record that a roll-out leaves."""
+        super().setUp()
+        if not hasattr(Application, "record"):
+            run = self.desk.play("application", "-e", "application_package=old.kpc", "-e", "rollout_batch=100%")
+            self.assert_run(run, changed=self.names)
+            Application.record = self.panel(1).shell("cat /home/dest/compile/.talmero-package")
+        for panel in self.panels:
+            self.reset(panel)
+
+    def reset(self, panel):
+        if panel.application() != "old":
+            panel.install(self.desk.folder / "old.kpc")
+        panel.shell(f"printf %s '{self.record}' >/home/dest/compile/.talmero-package; rm -f /run/systemctl.log")
+
+    def play(self, package="new.kpc", *arguments):
+        return self.desk.play("application", "-e", f"application_package={package}", "-e", f"rollout_batch={BATCH}", *arguments)
+
+    def have(self, application, panels):
+        """Exactly these panels have an application; the others the old one."""
+        names = {panel.name for panel in panels}
+        self.assertEqual(self.plant.applications(),
+                         {name: application if name in names else "old" for name in self.names})
+
+    def nothing_is_left(self):
+        for panel in self.panels:
+            self.assertEqual(panel.shell("find /tmp /home -name '*.kpc' -o -name 'talmero-bios.*'; find /tmp/.ansible -type f"
+                                         " 2>/dev/null || true"), "", panel.name)
+
+    def fill_disk(self, panel):
+        panel.shell("cp -a /home/dest /root; mount -t tmpfs -o size=1m,mode=755 full /home/dest;"
+                    "cp -a /root/dest/. /home/dest; rm -r /root/dest; head -c 2M /dev/zero >/home/dest/filler 2>/dev/null || true")
+
+    def empty_disk(self, panel):
+        panel.shell("rm /home/dest/filler; cp -a /home/dest /root; umount /home/dest; rm -rf /home/dest; mv /root/dest /home")
+
+    def set_model(self, panel, model):
+        panel.shell(f"echo {model} >/opt/talmero/bios/model")
+
+    def when_copied(self, panel):
+        """Lets the panel go away as soon as the package lies on it."""
+        panel.shell("setsid bash -c 'until [ -e /tmp/talmero-fleet.kpc ]; do sleep 0.02; done; /usr/local/bin/end-ssh' >/dev/null 2>&1 &")
+
+    def test_rehearsal_changes_nothing(self):
+        before = self.plant.states()
+        self.assert_run(self.play("new.kpc", "--check"), changed=self.names)
+        self.assertEqual(self.plant.states(), before)
+
+    def test_three_bad_panels(self):
+        full, wrong, away = bad = [self.panel(3), self.panel(COUNT // 2), self.panel(COUNT - 1)]
+        good = [panel for panel in self.panels if panel not in bad]
+        bad_names = [panel.name for panel in bad]
+        self.fill_disk(full)
+        self.set_model(wrong, "RV-K25T")
+        before = {panel.name: panel.state() for panel in (full, wrong)}
+        self.when_copied(away)
+        run = self.play("new.kpc", "-e", "rollout_failures=3")
+        self.assert_run(run, named=bad_names)
+        self.have("new", good)
+        self.assertEqual({panel.name: panel.state() for panel in (full, wrong)}, before)
+        self.assertRegex(run.output, rf"fatal: \[{full.name}\].*MB are free for it")
+        self.assertRegex(run.output, rf"fatal: \[{wrong.name}\].*RV-K25T")
+        self.assertRegex(run.output, rf"fatal: \[{away.name}\].*UNREACHABLE")
+
+        # Without mending, and then after it.
+        states = self.plant.states()
+        self.assert_run(self.play("new.kpc", "-e", "rollout_failures=3"), named=bad_names, changed=[])
+        self.assertEqual(self.plant.states(), states)
+        self.empty_disk(full)
+        self.set_model(wrong, "RV-K21T")
+        away.come_back()
+        (self.desk.folder / "bad").write_text("\n".join(bad_names))
+        self.assert_run(self.play("new.kpc", "--limit", "@bad"), changed=bad_names)
+        self.have("new", self.panels)
+        self.nothing_is_left()
+        states = self.plant.states()
+        self.assert_run(self.play(), changed=[])
+        self.assertEqual(self.plant.states(), states)
+
+    def test_stops_after_the_batch_with_the_first_failure(self):
+        bad = self.panel(3)
+        self.set_model(bad, "RV-K25T")
+        run = self.play()
+        self.set_model(bad, "RV-K21T")
+        self.assert_run(run, named=[bad.name])
+        self.have("new", [panel for panel in self.panels[:1 + BATCH] if panel is not bad])
+        self.assertEqual(run.visited, self.names[:1 + BATCH])
+
+    def test_stops_if_the_first_panel_fails(self):
+        self.set_model(self.panel(1), "RV-K25T")
+        run = self.play("new.kpc", "-e", "rollout_failures=1000")
+        self.set_model(self.panel(1), "RV-K21T")
+        self.assert_run(run, named=self.names[:1])
+        self.have("new", [])
+
+    def test_panel_that_goes_away_while_it_installs(self):
+        """It completes the installation, and the next roll-out finds it in order."""
+        away = self.panel(4)
+        away.shell("mkdir -p /usr/local/bin; printf '#!/bin/sh\n/usr/local/bin/end-ssh\nexec /usr/bin/talmero-install \"$@\"\n'"
+                   " >/usr/local/bin/talmero-install; chmod 755 /usr/local/bin/talmero-install")
+        run = self.play()
+        away.shell("rm /usr/local/bin/talmero-install")
+        self.assert_run(run, named=[away.name])
+        away.wait_until(lambda: away.application() == "new", "did not complete the installation")
+        away.come_back()
+        self.assert_run(self.play("new.kpc", "--limit", away.name))
+        self.have("new", self.panels[:1 + BATCH])
+
+    def test_application_from_a_stick_is_replaced(self):
+        self.desk.make_package("stick", {})
+        panel = self.panel(2)
+        self.assert_run(self.play("new.kpc", "--limit", panel.name), changed=[panel.name])
+        panel.install(self.desk.folder / "stick.kpc")
+        self.assert_run(self.play("new.kpc", "--limit", panel.name), changed=[panel.name])
+        self.have("new", [panel])
+
+    def test_incomplete_application_is_noticed(self):
+        """tar cannot write one of the files, which talmero-install does not report."""
+        panel = self.panel(2)
+        panel.shell("rm -rf /home/dest/recipes; mkdir -p /home/dest/recipes/first/in-the-way")
+        run = self.play("new.kpc", "--limit", panel.name)
+        self.assert_run(run, named=[panel.name])
+        self.assertIn("not complete: recipes/first", run.output)
+        self.assertEqual(panel.shell("ls -A /home/dest/compile | grep record || true"), "")
+        panel.shell("rm -r /home/dest/recipes")
+        self.assert_run(self.play("new.kpc", "--limit", panel.name), changed=[panel.name])
+        self.nothing_is_left()
+
+    def test_busy_panel_is_named(self):
+        panel = self.panel(2)
+        panel.shell("setsid flock /run/talmero-install.lock sleep infinity >/dev/null 2>&1 & echo $! >/run/busy")
+        run = self.play("new.kpc", "--limit", panel.name)
+        panel.shell("kill -- -$(cat /run/busy)")
+        self.assert_run(run, named=[panel.name])
+        self.assertIn("another program is installing a package", run.output)
+        self.have("new", [])
+
+    def test_package_that_is_refused_at_the_desk(self):
+        os.makedirs(self.desk.folder / "escaping/compile")
+        os.symlink("/etc", self.desk.folder / "escaping/compile/link")
+        states = self.plant.states()
+        escaping = self.desk.make_package("escaping", {})
+        firmware = self.desk.folder / "runtime.fmw"
+        subprocess.run(["talmero-mkpackage", "make", "--kind", "firmware", "--version", "13", "--target", "TALMERO",
+                        "--output", firmware, self.desk.folder / "old"], env=self.desk.environment, check=True)
+        for package, reason in ((escaping, "leads out"), (firmware, "it is no application"), ("none.kpc", "exist")):
+            run = self.play(str(package))
+            self.assert_run(run, named=self.names[:1], changed=[])
+            self.assertIn(reason, run.output)
+        self.assertEqual(self.plant.states(), states)
+
+
+if __name__ == "__main__":
+    unittest.main()
