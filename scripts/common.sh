@@ -15,7 +15,7 @@ clean_root_packages=(debootstrap lintian)
 # shellcheck disable=SC2034
 test_packages=(mandoc systemd reprepro gnupg)
 # shellcheck disable=SC2034
-check_packages=(clang-format clang-tidy cppcheck shellcheck)
+check_packages=(clang-format clang-tidy cppcheck shellcheck ansible-core ansible-lint)
 # shellcheck disable=SC2034
 coverage_packages=(gcovr)
 # shellcheck disable=SC2034
@@ -54,7 +54,7 @@ ssh_packages=(openssh-server nftables python3 python3-apt)
 # What the test of many panels needs, and what it unpacks into each panel: installed on this machine,
 # a server would start.
 # shellcheck disable=SC2034
-fleet_packages=(ansible-core ansible-lint openssh-client python3 reprepro gnupg)
+fleet_packages=(ansible-core openssh-client python3 reprepro gnupg)
 # shellcheck disable=SC2034
 fleet_panel_packages=(openssh-server openssh-sftp-server libwrap0 python3-apt python-apt-common)
 
