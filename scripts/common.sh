@@ -201,7 +201,7 @@ packages_are_new() {
     package=$(find "$1" -maxdepth 1 -name 'talmero-bios_*.deb' -print -quit 2>/dev/null)
     [ -n "$package" ] || return 1
     # shellcheck disable=SC2185 # the paths come from git
-    newer=$(list_sources ':!image.sh' ':!image' ':!tests' ':!bench' ':!simulator' ':!*.sh' |
+    newer=$(list_sources ':!image.sh' ':!image' ':!fleet' ':!tests' ':!bench' ':!simulator' ':!*.sh' |
         find -files0-from - -prune -newer "$package" -print -quit)
     [ -z "$newer" ]
 }

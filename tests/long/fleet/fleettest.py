@@ -47,6 +47,8 @@ class FleetTest(unittest.TestCase):
         self.plant, self.desk = everything()
         self.panels = self.plant.panels
         self.names = [panel.name for panel in self.panels]
+        for panel in self.panels:
+            panel.come_back()
 
     def panel(self, number):
         return self.panels[number - 1]

@@ -109,7 +109,8 @@ class Panel:
         self.shell("/usr/local/bin/end-ssh")
 
     def come_back(self):
-        self.shell("setsid /usr/sbin/sshd")
+        """Starts the panel's sshd unless it runs."""
+        self.shell("[ -e /run/sshd.pid ] || setsid /usr/sbin/sshd")
 
     def stop(self):
         self.process.terminate()

@@ -1,3 +1,4 @@
+import functools
 import os
 import subprocess
 import unittest
@@ -34,22 +35,40 @@ class Application(FleetTest):
 
     def nothing_is_left(self):
         for panel in self.panels:
-            self.assertEqual(panel.shell("find /tmp /home -name '*.kpc' -o -name 'talmero-bios.*'; find /tmp/.ansible -type f"
-                                         " 2>/dev/null || true"), "", panel.name)
+            left = panel.shell("find /tmp /home -name '*.kpc' -o -name 'talmero-bios.*' -o -path '/tmp/.ansible/*' -type f")
+            self.assertEqual(left, "", panel.name)
 
     def fill_disk(self, panel):
-        panel.shell("cp -a /home/dest /root; mount -t tmpfs -o size=1m,mode=755 full /home/dest;"
-                    "cp -a /root/dest/. /home/dest; rm -r /root/dest; head -c 2M /dev/zero >/home/dest/filler 2>/dev/null || true")
+        """Leaves no room beside the application. Result: a function that gives it back."""
+        panel.shell("""
+            cp -a /home/dest /root
+            mount -t tmpfs -o size=1m,mode=755 full /home/dest
+            cp -a /root/dest/. /home/dest
+            rm -r /root/dest
+            head -c 2M /dev/zero >/home/dest/filler 2>/dev/null || true""")
+        return self.undone(lambda: panel.shell("""
+            rm /home/dest/filler
+            cp -a /home/dest /root
+            umount /home/dest
+            rm -rf /home/dest
+            mv /root/dest /home"""))
 
-    def empty_disk(self, panel):
-        panel.shell("rm /home/dest/filler; cp -a /home/dest /root; umount /home/dest; rm -rf /home/dest; mv /root/dest /home")
+    def make_another_model(self, panel):
+        panel.shell("echo RV-K25T >/opt/talmero/bios/model")
+        return self.undone(lambda: panel.shell("echo RV-K21T >/opt/talmero/bios/model"))
 
-    def set_model(self, panel, model):
-        panel.shell(f"echo {model} >/opt/talmero/bios/model")
-
-    def when_copied(self, panel):
+    def let_go_when_copied(self, panel):
         """Lets the panel go away as soon as the package lies on it."""
-        panel.shell("setsid bash -c 'until [ -e /tmp/talmero-fleet.kpc ]; do sleep 0.02; done; /usr/local/bin/end-ssh' >/dev/null 2>&1 &")
+        panel.shell("""
+            setsid bash -c 'until [ -e /tmp/talmero-fleet.kpc ]; do sleep 0.02; done
+                /usr/local/bin/end-ssh' >/dev/null 2>&1 &""")
+        return self.undone(panel.come_back)
+
+    def undone(self, undo):
+        """Lets a function run once: when it is called, or after the test."""
+        once = functools.lru_cache(maxsize=None)(undo)
+        self.addCleanup(once)
+        return once
 
     def test_rehearsal_changes_nothing(self):
         before = self.plant.states()
@@ -60,25 +79,24 @@ class Application(FleetTest):
         full, wrong, away = bad = [self.panel(3), self.panel(COUNT // 2), self.panel(COUNT - 1)]
         good = [panel for panel in self.panels if panel not in bad]
         bad_names = [panel.name for panel in bad]
-        self.fill_disk(full)
-        self.set_model(wrong, "RV-K25T")
+        mend_full, mend_wrong = self.fill_disk(full), self.make_another_model(wrong)
         before = {panel.name: panel.state() for panel in (full, wrong)}
-        self.when_copied(away)
+        mend_away = self.let_go_when_copied(away)
         run = self.play("new.kpc", "-e", "rollout_failures=3")
         self.assert_run(run, named=bad_names)
         self.have("new", good)
         self.assertEqual({panel.name: panel.state() for panel in (full, wrong)}, before)
         self.assertRegex(run.output, rf"fatal: \[{full.name}\].*MB are free for it")
-        self.assertRegex(run.output, rf"fatal: \[{wrong.name}\].*RV-K25T")
+        self.assertRegex(run.output, rf"fatal: \[{wrong.name}\].*panel: .*Panel Model")
         self.assertRegex(run.output, rf"fatal: \[{away.name}\].*UNREACHABLE")
 
         # Without mending, and then after it.
         states = self.plant.states()
         self.assert_run(self.play("new.kpc", "-e", "rollout_failures=3"), named=bad_names, changed=[])
         self.assertEqual(self.plant.states(), states)
-        self.empty_disk(full)
-        self.set_model(wrong, "RV-K21T")
-        away.come_back()
+        mend_full()
+        mend_wrong()
+        mend_away()
         (self.desk.folder / "bad").write_text("\n".join(bad_names))
         self.assert_run(self.play("new.kpc", "--limit", "@bad"), changed=bad_names)
         self.have("new", self.panels)
@@ -89,25 +107,28 @@ class Application(FleetTest):
 
     def test_stops_after_the_batch_with_the_first_failure(self):
         bad = self.panel(3)
-        self.set_model(bad, "RV-K25T")
+        self.make_another_model(bad)
         run = self.play()
-        self.set_model(bad, "RV-K21T")
         self.assert_run(run, named=[bad.name])
         self.have("new", [panel for panel in self.panels[:1 + BATCH] if panel is not bad])
         self.assertEqual(run.visited, self.names[:1 + BATCH])
 
     def test_stops_if_the_first_panel_fails(self):
-        self.set_model(self.panel(1), "RV-K25T")
+        self.make_another_model(self.panel(1))
         run = self.play("new.kpc", "-e", "rollout_failures=1000")
-        self.set_model(self.panel(1), "RV-K21T")
         self.assert_run(run, named=self.names[:1])
         self.have("new", [])
 
     def test_panel_that_goes_away_while_it_installs(self):
         """It completes the installation, and the next roll-out finds it in order."""
-        away = self.panel(4)
-        away.shell("mkdir -p /usr/local/bin; printf '#!/bin/sh\n/usr/local/bin/end-ssh\nexec /usr/bin/talmero-install \"$@\"\n'"
-                   " >/usr/local/bin/talmero-install; chmod 755 /usr/local/bin/talmero-install")
+        away = self.panel(2)
+        away.shell("""
+            cat >/usr/local/bin/talmero-install <<'END'
+#!/bin/sh
+/usr/local/bin/end-ssh
+exec /usr/bin/talmero-install "$@"
+END
+            chmod 755 /usr/local/bin/talmero-install""")
         run = self.play()
         away.shell("rm /usr/local/bin/talmero-install")
         self.assert_run(run, named=[away.name])
