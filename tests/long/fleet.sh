@@ -17,7 +17,7 @@ Needs root or sudo, and apt's mirror.
 TEST is a file of tests/long/fleet, a class or a function, such as test_status or
 test_settings.Settings.test_refused_value_changes_nothing.
 
-  --panels N   Number of panels, at least 10 (default: 50).
+  --panels N   Number of panels, at least 7 (default: 50).
   --cost       Only measures what 1, 10 and 50 panels cost the computer that looks after
                them, and prints the table of docs/performance.md.
   --help       Shows this text.
@@ -36,7 +36,7 @@ while [ $# -gt 0 ]; do
     --help) usage && exit 0 ;;
     --cost) script=(cost.py) ;;
     --panels)
-        [[ ${2-} =~ ^[1-9][0-9]+$ ]] || usage_error "--panels takes a number from 10, not ${2-nothing}"
+        [[ ${2-} =~ ^([7-9]|[1-9][0-9]+)$ ]] || usage_error "--panels takes a number from 7, not ${2-nothing}"
         panels=$2
         shift
         ;;

@@ -23,7 +23,9 @@ def parse_record(text):
         record = json.loads(text)
     except ValueError:
         return {}
-    if not isinstance(record, dict) or not all(isinstance(record.get(key), str) for key in RECORD_KEYS):
+    if not isinstance(record, dict) or not all(
+        isinstance(record.get(key), str) for key in RECORD_KEYS
+    ):
         return {}
     return {key: record[key] for key in RECORD_KEYS}
 

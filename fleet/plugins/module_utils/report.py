@@ -9,7 +9,9 @@ def parse_packages(output):
 
 def findings(doctor, level):
     """The findings of one level as lines."""
-    return [f"{item['check']}: {item['found']}" for item in doctor["findings"] if item["level"] == level]
+    return [
+        f"{item['check']}: {item['found']}" for item in doctor["findings"] if item["level"] == level
+    ]
 
 
 def summary(doctor):

@@ -71,7 +71,9 @@ def install(module, package, digest):
 
 def restart_session(module):
     """Restarts the panel's session if it runs."""
-    status, output, errors = panel.run(module, ["systemctl", "try-restart", "talmero-session.service"])
+    status, output, errors = panel.run(
+        module, ["systemctl", "try-restart", "talmero-session.service"]
+    )
     if status != 0:
         module.fail_json(msg=f"the session cannot be restarted: {panel.last_line(errors, output)}")
 

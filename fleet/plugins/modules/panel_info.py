@@ -62,7 +62,12 @@ from ansible_collections.talmero.panels.plugins.module_utils import installed, p
 
 def packages(module):
     """The versions of the panel's packages; none if there is no dpkg."""
-    query = ["dpkg-query", "--show", "--showformat=${db:Status-Status} ${Package} ${Version}\\n", "talmero-*"]
+    query = [
+        "dpkg-query",
+        "--show",
+        "--showformat=${db:Status-Status} ${Package} ${Version}\\n",
+        "talmero-*",
+    ]
     return report.parse_packages(panel.run(module, query)[1])
 
 
@@ -72,7 +77,9 @@ def ask_doctor(module):
     try:
         return report.summary(json.loads(output))
     except ValueError:
-        return module.fail_json(msg=f"talmero-doctor: {panel.last_line(errors, output)}", status=status)
+        return module.fail_json(
+            msg=f"talmero-doctor: {panel.last_line(errors, output)}", status=status
+        )
 
 
 def main():

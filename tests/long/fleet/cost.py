@@ -10,7 +10,9 @@ def line_through(points):
     """The line with the least squares through points: its height at 0, and its slope."""
     mean_x = sum(x for x, _ in points) / len(points)
     mean_y = sum(y for _, y in points) / len(points)
-    slope = sum((x - mean_x) * (y - mean_y) for x, y in points) / sum((x - mean_x) ** 2 for x, _ in points)
+    slope = sum((x - mean_x) * (y - mean_y) for x, y in points) / sum(
+        (x - mean_x) ** 2 for x, _ in points
+    )
     return mean_y - slope * mean_x, slope
 
 
@@ -27,12 +29,16 @@ def measure(play):
 
 def print_rows(what, costs):
     for name, unit, figures in (
-            ("time", "s", [cost.seconds for cost in costs]),
-            ("processor time", "s", [cost.processor for cost in costs]),
-            ("peak memory", "MB", [cost.peak for cost in costs])):
+        ("time", "s", [cost.seconds for cost in costs]),
+        ("processor time", "s", [cost.processor for cost in costs]),
+        ("peak memory", "MB", [cost.peak for cost in costs]),
+    ):
         start, slope = line_through(list(zip(COUNTS, figures)))
-        print(f"| {what}, {name}, {unit} | {' | '.join(f'{figure:.0f}' for figure in figures)} |"
-              f" {start:.1f} + {slope:.2f} n | {start + slope * FAR:.0f} |", flush=True)
+        print(
+            f"| {what}, {name}, {unit} | {' | '.join(f'{figure:.0f}' for figure in figures)} |"
+            f" {start:.1f} + {slope:.2f} n | {start + slope * FAR:.0f} |",
+            flush=True,
+        )
 
 
 def main():
@@ -40,10 +46,22 @@ def main():
     print(f"| | {' | '.join(map(str, COUNTS))} | line | {FAR} |")
     print("|---|" + "--:|" * (len(COUNTS) + 2), flush=True)
     print_rows("status", measure(lambda names: desk.play("status", "--limit", names)))
-    print_rows("application", measure(
-        lambda names: desk.play("application", "-e", "application_package=new.kpc", "--limit", names)))
-    print_rows("application again", measure(
-        lambda names: desk.play("application", "-e", "application_package=new.kpc", "--limit", names)))
+    print_rows(
+        "application",
+        measure(
+            lambda names: desk.play(
+                "application", "-e", "application_package=new.kpc", "--limit", names
+            )
+        ),
+    )
+    print_rows(
+        "application again",
+        measure(
+            lambda names: desk.play(
+                "application", "-e", "application_package=new.kpc", "--limit", names
+            )
+        ),
+    )
 
 
 if __name__ == "__main__":

@@ -12,7 +12,9 @@ import time
 
 from plant import ROOT
 
-RECAP = re.compile(r"^(\S+)\s+: ok=\d+\s+changed=(\d+)\s+unreachable=(\d+)\s+failed=(\d+)", re.MULTILINE)
+RECAP = re.compile(
+    r"^(\S+)\s+: ok=\d+\s+changed=(\d+)\s+unreachable=(\d+)\s+failed=(\d+)", re.MULTILINE
+)
 SAMPLING_PAUSE = 0.2
 
 
@@ -65,7 +67,9 @@ class Cost:
                 break
             if namespace == self.ours:
                 continue  # not made yet
-            total = sum(self.memory_of(entry, namespace) for entry in os.listdir("/proc") if entry.isdigit())
+            total = sum(
+                self.memory_of(entry, namespace) for entry in os.listdir("/proc") if entry.isdigit()
+            )
             self.peak = max(self.peak, total / 1000)
             time.sleep(SAMPLING_PAUSE)
 
@@ -73,7 +77,9 @@ class Cost:
         self.seconds = time.monotonic() - self.started
         self.sampler.join()
         after = resource.getrusage(resource.RUSAGE_CHILDREN)
-        self.processor = after.ru_utime + after.ru_stime - self.before.ru_utime - self.before.ru_stime
+        self.processor = (
+            after.ru_utime + after.ru_stime - self.before.ru_utime - self.before.ru_stime
+        )
 
 
 class Desk:
@@ -84,7 +90,9 @@ class Desk:
     def __init__(self, folder, panels, build, key):
         self.folder = pathlib.Path(folder)
         self.environment = {
-            "HOME": str(self.folder), "LC_ALL": "C.UTF-8", "PATH": f"{build}/bin:/usr/bin:/bin:/usr/sbin:/sbin",
+            "HOME": str(self.folder),
+            "LC_ALL": "C.UTF-8",
+            "PATH": f"{build}/bin:/usr/bin:/bin:/usr/sbin:/sbin",
         }
         shutil.copy(ROOT / "fleet/example/ansible.cfg", self.folder)
         shutil.copy(key, self.folder / "panels_key")
@@ -107,13 +115,20 @@ class Desk:
         with tempfile.TemporaryFile("w+") as output:
             process = subprocess.Popen(
                 ["unshare", "--pid", "--fork", "--kill-child", "--mount-proc", *command],
-                cwd=self.folder, env=self.environment, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
+                cwd=self.folder,
+                env=self.environment,
+                stdin=subprocess.DEVNULL,
+                stdout=output,
+                stderr=subprocess.STDOUT,
+            )
             cost = Cost(process)
             status = process.wait()
             cost.end()
             output.seek(0)
             text = output.read()
-        named = [name for retry in self.folder.glob("*.retry") for name in retry.read_text().split()]
+        named = [
+            name for retry in self.folder.glob("*.retry") for name in retry.read_text().split()
+        ]
         return Run(status, text, sorted(named), cost)
 
     def play(self, role, *arguments):
@@ -127,7 +142,22 @@ class Desk:
             (folder / path).write_bytes(content)
         package = self.folder / f"{name}.kpc"
         subprocess.run(
-            ["talmero-mkpackage", "make", "--kind", "application", "--version", "12", "--target", "RV-K21T",
-             "--output", package, *options, folder],
-            env=self.environment, check=True, capture_output=True)
+            [
+                "talmero-mkpackage",
+                "make",
+                "--kind",
+                "application",
+                "--version",
+                "12",
+                "--target",
+                "RV-K21T",
+                "--output",
+                package,
+                *options,
+                folder,
+            ],
+            env=self.environment,
+            check=True,
+            capture_output=True,
+        )
         return package

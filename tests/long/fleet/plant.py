@@ -14,20 +14,24 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 BRIDGE = "plant"
-CONTROL_ADDRESS = "192.168.1.5" # as in docs/many-panels.md
+CONTROL_ADDRESS = "192.168.1.5"  # as in docs/many-panels.md
 STARTING_AT_ONCE = 6
 
 # Where a panel keeps what a roll-out may change. The logs of logins change with each connection, and the
 # doctor's question for fonts renews their cache.
 WATCHED = "/opt /home /etc /var /tmp /usr/bin /usr/lib/talmero-bios"
-UNWATCHED = r"-path /var/log -o -path /var/cache/fontconfig -o -path /tmp/.ansible -o -path /etc/.pwd.lock"
+UNWATCHED = (
+    r"-path /var/log -o -path /var/cache/fontconfig -o -path /tmp/.ansible -o -path /etc/.pwd.lock"
+)
 
 
 def run(*command, **options):
     """Runs a command; fails with what it printed."""
     result = subprocess.run(command, capture_output=True, text=True, errors="replace", **options)
     if result.returncode != 0:
-        raise AssertionError(f"{' '.join(command)}: status {result.returncode}\n{result.stdout}{result.stderr}")
+        raise AssertionError(
+            f"{' '.join(command)}: status {result.returncode}\n{result.stdout}{result.stderr}"
+        )
     return result.stdout
 
 
@@ -40,8 +44,19 @@ class Panel:
         self.cable = f"cable{number}"
         self.log = open(files / f"{self.name}.log", "w")
         self.process = subprocess.Popen(
-            [ROOT / "simulator/panel", "--build", build, "--", ROOT / "tests/long/fleet/panel", files, self.address],
-            stdout=self.log, stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
+            [
+                ROOT / "simulator/panel",
+                "--build",
+                build,
+                "--",
+                ROOT / "tests/long/fleet/panel",
+                files,
+                self.address,
+            ],
+            stdout=self.log,
+            stderr=subprocess.STDOUT,
+            stdin=subprocess.DEVNULL,
+        )
         self.first = None
 
     def find_first_process(self):
@@ -50,7 +65,8 @@ class Panel:
         process = self.process.pid
         while True:
             if os.readlink(f"/proc/{process}/ns/net") != ours and pathlib.Path(
-                    f"/proc/{process}/cmdline").read_bytes().startswith(b"/bin/bash"):
+                f"/proc/{process}/cmdline"
+            ).read_bytes().startswith(b"/bin/bash"):
                 return process
             children = pathlib.Path(f"/proc/{process}/task/{process}/children").read_text().split()
             if not children:
@@ -72,14 +88,38 @@ class Panel:
     def plug_in(self):
         """Connects the panel with the plant."""
         self.first = self.wait_until(self.find_first_process, "does not start")
-        run("ip", "link", "add", self.cable, "type", "veth", "peer", "name", BRIDGE, "netns", str(self.first))
+        run(
+            "ip",
+            "link",
+            "add",
+            self.cable,
+            "type",
+            "veth",
+            "peer",
+            "name",
+            BRIDGE,
+            "netns",
+            str(self.first),
+        )
         run("ip", "link", "set", self.cable, "master", BRIDGE, "up")
         self.wait_until(lambda: self.shell("cat /run/sshd.pid 2>/dev/null || true"), "has no sshd")
 
     def inside(self, *command, **options):
         """Runs a command as root in the panel, not by ssh. Result: what it printed."""
-        return run("nsenter", f"--target={self.first}", "--all", "--wd=/", "--", *command, **options,
-                   env={"PATH": "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8", "HOME": "/root"})
+        return run(
+            "nsenter",
+            f"--target={self.first}",
+            "--all",
+            "--wd=/",
+            "--",
+            *command,
+            **options,
+            env={
+                "PATH": "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin",
+                "LC_ALL": "C.UTF-8",
+                "HOME": "/root",
+            },
+        )
 
     def shell(self, script):
         return self.inside("/bin/bash", "-euc", script)
@@ -98,7 +138,8 @@ class Panel:
         """A digest of everything that a roll-out may change."""
         return self.shell(
             rf"find {WATCHED} \( {UNWATCHED} \) -prune -o ! -type d -printf '%p %y %m %U:%G %s %T@ %l\n' |"
-            r" sort | sha256sum")
+            r" sort | sha256sum"
+        )
 
     def application(self):
         """What the application says that it is."""
@@ -128,8 +169,10 @@ class Plant:
         run("ip", "address", "add", f"{CONTROL_ADDRESS}/16", "dev", BRIDGE)
         run("ip", "link", "set", BRIDGE, "up")
         for first in range(1, count + 1, STARTING_AT_ONCE):
-            some = [Panel(number, build, files)
-                    for number in range(first, min(first + STARTING_AT_ONCE, count + 1))]
+            some = [
+                Panel(number, build, files)
+                for number in range(first, min(first + STARTING_AT_ONCE, count + 1))
+            ]
             self.panels += some
             for panel in some:
                 panel.plug_in()

@@ -13,8 +13,19 @@ OLD, NEW = "1.0", "1.1"
 def serve_repository():
     """Serves it at http://CONTROL_ADDRESS/talmero. Result: the server's process."""
     server = subprocess.Popen(
-        [sys.executable, "-m", "http.server", "80", "--bind", CONTROL_ADDRESS, "--directory", FILES / "www"],
-        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        [
+            sys.executable,
+            "-m",
+            "http.server",
+            "80",
+            "--bind",
+            CONTROL_ADDRESS,
+            "--directory",
+            FILES / "www",
+        ],
+        stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL,
+    )
     return server
 
 

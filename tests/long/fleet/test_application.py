@@ -1,4 +1,6 @@
 import functools
+import hashlib
+import json
 import os
 import subprocess
 import unittest
@@ -12,46 +14,58 @@ class Application(FleetTest):
     def setUp(self):
         """Every panel has the old application, with the record that a roll-out leaves."""
         super().setUp()
-        if not hasattr(Application, "record"):
-            run = self.desk.play("application", "-e", "application_package=old.kpc", "-e", "rollout_batch=100%")
-            self.assert_run(run, changed=self.names)
-            Application.record = self.panel(1).shell("cat /home/dest/compile/.talmero-package")
+        old = self.desk.folder / "old.kpc"
+        record = {"digest": hashlib.sha256(old.read_bytes()).hexdigest(), "file": old.name}
         for panel in self.panels:
-            self.reset(panel)
-
-    def reset(self, panel):
-        if panel.application() != "old":
-            panel.install(self.desk.folder / "old.kpc")
-        panel.shell(f"printf %s '{self.record}' >/home/dest/compile/.talmero-package; rm -f /run/systemctl.log")
+            if panel.application() != "old":
+                panel.install(old)
+            panel.shell(f"echo '{json.dumps(record)}' >/home/dest/compile/.talmero-package")
 
     def play(self, package="new.kpc", *arguments):
-        return self.desk.play("application", "-e", f"application_package={package}", "-e", f"rollout_batch={BATCH}", *arguments)
+        return self.desk.play(
+            "application",
+            "-e",
+            f"application_package={package}",
+            "-e",
+            f"rollout_batch={BATCH}",
+            *arguments,
+        )
 
     def have(self, application, panels):
-        """Exactly these panels have an application; the others the old one."""
+        """Exactly these panels have an application, and the others the old one."""
         names = {panel.name for panel in panels}
-        self.assertEqual(self.plant.applications(),
-                         {name: application if name in names else "old" for name in self.names})
+        self.assertEqual(
+            self.plant.applications(),
+            {name: application if name in names else "old" for name in self.names},
+        )
 
     def nothing_is_left(self):
         for panel in self.panels:
-            left = panel.shell("find /tmp /home -name '*.kpc' -o -name 'talmero-bios.*' -o -path '/tmp/.ansible/*' -type f")
+            left = panel.shell(
+                "find /tmp /home -name '*.kpc' -o -name 'talmero-bios.*' -o -path '/tmp/.ansible/*' -type f"
+            )
             self.assertEqual(left, "", panel.name)
 
     def fill_disk(self, panel):
         """Leaves no room beside the application. Result: a function that gives it back."""
-        panel.shell("""
+        panel.shell(
+            """
             cp -a /home/dest /root
             mount -t tmpfs -o size=1m,mode=755 full /home/dest
             cp -a /root/dest/. /home/dest
             rm -r /root/dest
-            head -c 2M /dev/zero >/home/dest/filler 2>/dev/null || true""")
-        return self.undone(lambda: panel.shell("""
+            head -c 2M /dev/zero >/home/dest/filler 2>/dev/null || true"""
+        )
+        return self.undone(
+            lambda: panel.shell(
+                """
             rm /home/dest/filler
             cp -a /home/dest /root
             umount /home/dest
             rm -rf /home/dest
-            mv /root/dest /home"""))
+            mv /root/dest /home"""
+            )
+        )
 
     def make_another_model(self, panel):
         panel.shell("echo RV-K25T >/opt/talmero/bios/model")
@@ -59,9 +73,11 @@ class Application(FleetTest):
 
     def let_go_when_copied(self, panel):
         """Lets the panel go away as soon as the package lies on it."""
-        panel.shell("""
+        panel.shell(
+            """
             setsid bash -c 'until [ -e /tmp/talmero-fleet.kpc ]; do sleep 0.02; done
-                /usr/local/bin/end-ssh' >/dev/null 2>&1 &""")
+                /usr/local/bin/end-ssh' >/dev/null 2>&1 &"""
+        )
         return self.undone(panel.come_back)
 
     def undone(self, undo):
@@ -76,7 +92,7 @@ class Application(FleetTest):
         self.assertEqual(self.plant.states(), before)
 
     def test_three_bad_panels(self):
-        full, wrong, away = bad = [self.panel(3), self.panel(COUNT // 2), self.panel(COUNT - 1)]
+        full, wrong, away = bad = [self.panel(3), self.panel(COUNT // 2 + 2), self.panel(COUNT - 1)]
         good = [panel for panel in self.panels if panel not in bad]
         bad_names = [panel.name for panel in bad]
         mend_full, mend_wrong = self.fill_disk(full), self.make_another_model(wrong)
@@ -92,7 +108,9 @@ class Application(FleetTest):
 
         # Without mending, and then after it.
         states = self.plant.states()
-        self.assert_run(self.play("new.kpc", "-e", "rollout_failures=3"), named=bad_names, changed=[])
+        self.assert_run(
+            self.play("new.kpc", "-e", "rollout_failures=3"), named=bad_names, changed=[]
+        )
         self.assertEqual(self.plant.states(), states)
         mend_full()
         mend_wrong()
@@ -110,8 +128,8 @@ class Application(FleetTest):
         self.make_another_model(bad)
         run = self.play()
         self.assert_run(run, named=[bad.name])
-        self.have("new", [panel for panel in self.panels[:1 + BATCH] if panel is not bad])
-        self.assertEqual(run.visited, self.names[:1 + BATCH])
+        self.have("new", [panel for panel in self.panels[: 1 + BATCH] if panel is not bad])
+        self.assertEqual(run.visited, self.names[: 1 + BATCH])
 
     def test_stops_if_the_first_panel_fails(self):
         self.make_another_model(self.panel(1))
@@ -122,20 +140,22 @@ class Application(FleetTest):
     def test_panel_that_goes_away_while_it_installs(self):
         """It completes the installation, and the next roll-out finds it in order."""
         away = self.panel(2)
-        away.shell("""
+        away.shell(
+            """
             cat >/usr/local/bin/talmero-install <<'END'
 #!/bin/sh
 /usr/local/bin/end-ssh
 exec /usr/bin/talmero-install "$@"
 END
-            chmod 755 /usr/local/bin/talmero-install""")
+            chmod 755 /usr/local/bin/talmero-install"""
+        )
         run = self.play()
         away.shell("rm /usr/local/bin/talmero-install")
         self.assert_run(run, named=[away.name])
         away.wait_until(lambda: away.application() == "new", "did not complete the installation")
         away.come_back()
         self.assert_run(self.play("new.kpc", "--limit", away.name))
-        self.have("new", self.panels[:1 + BATCH])
+        self.have("new", self.panels[: 1 + BATCH])
 
     def test_application_from_a_stick_is_replaced(self):
         self.desk.make_package("stick", {})
@@ -159,7 +179,9 @@ END
 
     def test_busy_panel_is_named(self):
         panel = self.panel(2)
-        panel.shell("setsid flock /run/talmero-install.lock sleep infinity >/dev/null 2>&1 & echo $! >/run/busy")
+        panel.shell(
+            "setsid flock /run/talmero-install.lock sleep infinity >/dev/null 2>&1 & echo $! >/run/busy"
+        )
         run = self.play("new.kpc", "--limit", panel.name)
         panel.shell("kill -- -$(cat /run/busy)")
         self.assert_run(run, named=[panel.name])
@@ -172,9 +194,28 @@ END
         states = self.plant.states()
         escaping = self.desk.make_package("escaping", {})
         firmware = self.desk.folder / "runtime.fmw"
-        subprocess.run(["talmero-mkpackage", "make", "--kind", "firmware", "--version", "13", "--target", "TALMERO",
-                        "--output", firmware, self.desk.folder / "old"], env=self.desk.environment, check=True)
-        for package, reason in ((escaping, "leads out"), (firmware, "it is no application"), ("none.kpc", "exist")):
+        subprocess.run(
+            [
+                "talmero-mkpackage",
+                "make",
+                "--kind",
+                "firmware",
+                "--version",
+                "13",
+                "--target",
+                "TALMERO",
+                "--output",
+                firmware,
+                self.desk.folder / "old",
+            ],
+            env=self.desk.environment,
+            check=True,
+        )
+        for package, reason in (
+            (escaping, "leads out"),
+            (firmware, "it is no application"),
+            ("none.kpc", "there is no file"),
+        ):
             run = self.play(str(package))
             self.assert_run(run, named=self.names[:1], changed=[])
             self.assertIn(reason, run.output)

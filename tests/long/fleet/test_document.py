@@ -22,8 +22,11 @@ def read_tasks(text):
     sections = re.split(r"^## (\d+)\. .*$", text, flags=re.MULTILINE)
     blocks = re.compile(r"(?:^(?:    .*)?\n)+", re.MULTILINE)
     return {
-        int(number): [re.sub(r"^    ", "", block, flags=re.MULTILINE).strip() for block in blocks.findall(section)
-                      if block.strip()]
+        int(number): [
+            re.sub(r"^    ", "", block, flags=re.MULTILINE).strip()
+            for block in blocks.findall(section)
+            if block.strip()
+        ]
         for number, section in zip(sections[1::2], sections[2::2])
     }
 
@@ -42,7 +45,9 @@ class Document(FleetTest):
         cls.tasks = read_tasks(DOCUMENT.read_text(encoding="utf-8"))
         cls.addClassCleanup(serve_repository().terminate)
         for panel in cls.four:
-            panel.shell("rm -rf /home/dest/compile; cp /root/bios.ini /opt/talmero/bios 2>/dev/null || true")
+            panel.shell(
+                "rm -rf /home/dest/compile; cp /root/bios.ini /opt/talmero/bios 2>/dev/null || true"
+            )
 
     def setUp(self):
         super().setUp()
@@ -58,7 +63,10 @@ class Document(FleetTest):
         return outputs
 
     def states(self):
-        return dict(line.split('","')[0:3:2] for line in (self.desk.folder / "panels.csv").read_text().splitlines()[1:])
+        return dict(
+            line.split('","')[0:3:2]
+            for line in (self.desk.folder / "panels.csv").read_text().splitlines()[1:]
+        )
 
     def applications(self):
         return [panel.application() for panel in self.four]
@@ -117,20 +125,29 @@ class Document(FleetTest):
 
         with self.subTest("9. upgrade"):
             for panel in self.four:
-                if "talmero" not in panel.shell("dpkg-query --show 'talmero-*' 2>/dev/null || true"):
+                if "talmero" not in panel.shell(
+                    "dpkg-query --show 'talmero-*' 2>/dev/null || true"
+                ):
                     install_programs(panel)
                 panel.shell("rm -f /run/systemctl.log")
             shutil.copy(FILES / "repository/talmero.asc", self.desk.folder)
             self.do(9)
             for panel in self.four:
-                self.assertIn(f"talmero-bios\t{NEW}\n", panel.shell("dpkg-query --show 'talmero-*'"))
-            restarts = [panel.shell("grep -c try-restart.*session /run/systemctl.log || true") for panel in self.four]
+                self.assertIn(
+                    f"talmero-bios\t{NEW}\n", panel.shell("dpkg-query --show 'talmero-*'")
+                )
+            restarts = [
+                panel.shell("grep -c try-restart.*session /run/systemctl.log || true")
+                for panel in self.four
+            ]
             self.assertEqual(restarts, ["1\n", "1\n", "0\n", "0\n"])
 
         with self.subTest("10. replace"):
             new = self.four[2]
-            new.shell("rm -r /home/dest/compile; talmero-settings unset bios.brightness;"
-                      "rm /etc/ssh/ssh_host_*; ssh-keygen -q -t ed25519 -N '' -f /etc/ssh/ssh_host_ed25519_key")
+            new.shell(
+                "rm -r /home/dest/compile; talmero-settings unset bios.brightness;"
+                "rm /etc/ssh/ssh_host_*; ssh-keygen -q -t ed25519 -N '' -f /etc/ssh/ssh_host_ed25519_key"
+            )
             new.go_away()
             new.come_back()
             refused = self.desk.run("bash", "-euc", self.tasks[10][0].splitlines()[1])

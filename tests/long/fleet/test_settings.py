@@ -10,8 +10,10 @@ class Settings(FleetTest):
     def setUp(self):
         super().setUp()
         for panel in self.panels:
-            panel.shell("cp --preserve=mode /root/bios.ini /opt/talmero/bios 2>/dev/null || cp /opt/talmero/bios/bios.ini /root;"
-                        " rm -f /run/systemctl.log /run/talmero-settings.pending")
+            panel.shell(
+                "cp --preserve=mode /root/bios.ini /opt/talmero/bios 2>/dev/null || cp /opt/talmero/bios/bios.ini /root;"
+                " rm -f /run/systemctl.log /run/talmero-settings.pending"
+            )
 
     def play(self, wanted, *arguments):
         return self.desk.play("settings", "-e", json.dumps({"settings_wanted": wanted}), *arguments)
@@ -29,8 +31,12 @@ class Settings(FleetTest):
 
         self.assert_run(self.play(self.WANTED), changed=self.names)
         for panel in self.panels:
-            self.assertEqual(panel.shell("talmero-settings get bios.brightness; talmero-settings get app.buzzer || true"),
-                             "0.7\n")
+            self.assertEqual(
+                panel.shell(
+                    "talmero-settings get bios.brightness; talmero-settings get app.buzzer || true"
+                ),
+                "0.7\n",
+            )
             self.assertEqual(self.restarts(panel), 1)
 
         after = self.plant.states()
@@ -50,7 +56,10 @@ class Settings(FleetTest):
     def test_interrupted_run_is_completed(self):
         """As if the connection were lost after the settings were stored."""
         panel = self.panel(3)
-        self.assert_run(self.play(self.WANTED, "-e", "settings_apply=false", "--limit", panel.name), changed=[panel.name])
+        self.assert_run(
+            self.play(self.WANTED, "-e", "settings_apply=false", "--limit", panel.name),
+            changed=[panel.name],
+        )
         self.assertEqual(self.restarts(panel), 0)
         self.assert_run(self.play(self.WANTED, "--limit", panel.name), changed=[panel.name])
         self.assertEqual(self.restarts(panel), 1)

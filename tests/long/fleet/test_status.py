@@ -42,7 +42,9 @@ class Status(FleetTest):
         gone, strange, empty = self.panel(2), self.panel(3), self.panel(4)
         before = self.plant.states()
         gone.go_away()
-        strange.shell(f"cp -a /opt/talmero/bios/model /root/model; printf '%s\\n' '{hostile}' >/opt/talmero/bios/model")
+        strange.shell(
+            f"cp -a /opt/talmero/bios/model /root/model; printf '%s\\n' '{hostile}' >/opt/talmero/bios/model"
+        )
         empty.shell("mv /usr/bin/talmero-doctor /root")
         run = self.desk.play("status")
         strange.shell("mv /root/model /opt/talmero/bios/model")
@@ -57,7 +59,7 @@ class Status(FleetTest):
         states = {row[0]: row[2] for row in rows[1:]}
         self.assertEqual(states.pop(gone.name), "does not answer")
         self.assertEqual(states.pop(empty.name), "cannot be asked")
-        self.assertEqual(set(states.values()), {"errors"}) # no panel has a display here
+        self.assertEqual(set(states.values()), {"errors"})  # no panel has a display here
         self.assertEqual(rows[3][3], "'" + hostile)
         self.assertEqual(rows[1][3:7], ["RV-K21T", "TALMERO", "12", "3"])
         self.assertEqual(rows[1][1].split()[0], "hall_1")
@@ -65,9 +67,13 @@ class Status(FleetTest):
 
         self.assertEqual(page.resources, [])
         self.assertEqual(page.rows[3][3], hostile)
-        unquoted = [[cell.removeprefix("'") if cell[1:2] == "=" else cell for cell in row] for row in rows]
-        self.assertEqual([[" ".join(cell.split()) for cell in row] for row in page.rows],
-                         [[" ".join(cell.split()) for cell in row] for row in unquoted])
+        unquoted = [
+            [cell.removeprefix("'") if cell[1:2] == "=" else cell for cell in row] for row in rows
+        ]
+        self.assertEqual(
+            [[" ".join(cell.split()) for cell in row] for row in page.rows],
+            [[" ".join(cell.split()) for cell in row] for row in unquoted],
+        )
 
 
 if __name__ == "__main__":

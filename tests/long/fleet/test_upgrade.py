@@ -5,7 +5,12 @@ import unittest
 from fleettest import FILES, FleetTest, everything
 from repository import NEW, OLD, install_programs, serve_repository
 
-VARIABLES = ["-e", "upgrade_repository=http://192.168.1.5/talmero", "-e", f"upgrade_key={FILES}/repository/talmero.asc"]
+VARIABLES = [
+    "-e",
+    "upgrade_repository=http://192.168.1.5/talmero",
+    "-e",
+    f"upgrade_key={FILES}/repository/talmero.asc",
+]
 
 
 class Upgrade(FleetTest):
@@ -18,7 +23,9 @@ class Upgrade(FleetTest):
             install_programs(panel)
 
     def play(self, *arguments):
-        return self.desk.play("upgrade", *VARIABLES, "--limit", ",".join(self.chosen_names()), *arguments)
+        return self.desk.play(
+            "upgrade", *VARIABLES, "--limit", ",".join(self.chosen_names()), *arguments
+        )
 
     def chosen_names(self):
         return [panel.name for panel in self.chosen]
@@ -29,7 +36,9 @@ class Upgrade(FleetTest):
 
     def test_upgrade(self):
         """A rehearsal, an upgrade over an interrupted one, and a repetition."""
-        others = [panel.shell("dpkg-query --show | grep -v talmero- | sha256sum") for panel in self.chosen]
+        others = [
+            panel.shell("dpkg-query --show | grep -v talmero- | sha256sum") for panel in self.chosen
+        ]
         before = [panel.state() for panel in self.chosen]
         self.assert_run(self.play("--check"), changed=self.chosen_names())
         self.assertEqual([panel.state() for panel in self.chosen], before)
@@ -40,7 +49,13 @@ class Upgrade(FleetTest):
         self.assertIn("unpacked", self.versions()[1])
         self.assert_run(self.play("-e", f"upgrade_version={NEW}"), changed=self.chosen_names())
         self.assertEqual(self.versions(), [f"installed {NEW}\n"] * 2)
-        self.assertEqual([panel.shell("dpkg-query --show | grep -v talmero- | sha256sum") for panel in self.chosen], others)
+        self.assertEqual(
+            [
+                panel.shell("dpkg-query --show | grep -v talmero- | sha256sum")
+                for panel in self.chosen
+            ],
+            others,
+        )
 
         self.assert_run(self.play("-e", f"upgrade_version={NEW}"), changed=[])
         run = self.play("-e", "upgrade_version=1.2")

@@ -5,4 +5,6 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[3] / "fleet/plugins/module_utils"))
-changes, installed, panel, report = map(importlib.import_module, ("changes", "installed", "panel", "report"))
+changes, installed, panel, report = map(
+    importlib.import_module, ("changes", "installed", "panel", "report")
+)

@@ -25,16 +25,24 @@ class Changes(unittest.TestCase):
             ("new key", {"c": "4"}, [("c", None, "4")]),
             ("removed", {"a": None}, [("a", "1", None)]),
             ("removed before", {"d": None}, []),
-            ("in the order of the keys", {"b": "3", "a": None}, [("a", "1", None), ("b", "2", "3")]),
+            (
+                "in the order of the keys",
+                {"b": "3", "a": None},
+                [("a", "1", None), ("b", "2", "3")],
+            ),
         ]
         for name, wanted, expected in rows:
             with self.subTest(name):
                 found = changes.wanted_changes(stored, wanted)
-                self.assertEqual([(item["key"], item["before"], item["after"]) for item in found], expected)
+                self.assertEqual(
+                    [(item["key"], item["before"], item["after"]) for item in found], expected
+                )
 
     def test_commands(self):
         change = {"key": "a", "before": None, "after": "--force"}
-        self.assertEqual(changes.command_for(change, ["--dry-run"]), ["set", "--dry-run", "a", "--force"])
+        self.assertEqual(
+            changes.command_for(change, ["--dry-run"]), ["set", "--dry-run", "a", "--force"]
+        )
         self.assertEqual(changes.command_for({**change, "after": None}, []), ["unset", "a"])
 
     def test_settings_after_the_changes(self):

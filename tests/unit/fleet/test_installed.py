@@ -67,14 +67,22 @@ class Installed(unittest.TestCase):
         self.write("other", b"of the panel")
         os.symlink("sub/main", f"{self.dest}/compile/link")
         os.link(f"{self.dest}/compile/sub/main", f"{self.dest}/compile/hard")
-        self.assertIsNone(self.difference(
-            member("compile", tarfile.DIRTYPE), member("./compile/sub/main", content=b"1"),
-            member("compile/link", tarfile.SYMTYPE, link="sub/main"),
-            member("compile/hard", tarfile.LNKTYPE, link="compile/sub/main")))
+        self.assertIsNone(
+            self.difference(
+                member("compile", tarfile.DIRTYPE),
+                member("./compile/sub/main", content=b"1"),
+                member("compile/link", tarfile.SYMTYPE, link="sub/main"),
+                member("compile/hard", tarfile.LNKTYPE, link="compile/sub/main"),
+            )
+        )
 
     def test_later_member_replaces_an_earlier_one(self):
         self.write("compile/a", b"second")
-        self.assertIsNone(self.difference(member("compile/a", content=b"first"), member("compile/a", content=b"second")))
+        self.assertIsNone(
+            self.difference(
+                member("compile/a", content=b"first"), member("compile/a", content=b"second")
+            )
+        )
 
     def test_differences(self):
         self.write("file", b"1")
@@ -92,7 +100,9 @@ class Installed(unittest.TestCase):
         ]
         for name, wanted in rows:
             with self.subTest(name):
-                self.assertEqual(self.difference(member("file", content=b"1"), wanted), wanted[0].name)
+                self.assertEqual(
+                    self.difference(member("file", content=b"1"), wanted), wanted[0].name
+                )
 
     def test_space(self):
         self.write("compile/a", b"x" * 50000)

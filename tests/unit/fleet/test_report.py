@@ -12,16 +12,33 @@ class Report(unittest.TestCase):
         self.assertEqual(report.parse_packages(""), {})
 
     def test_summary_leaves_out_what_is_ok(self):
-        doctor = {"status": 2, "findings": [
-            {"level": "ok", "check": "tools", "found": "all"},
-            {"level": "warning", "check": "space", "found": "12 MiB", "advice": "remove something"},
-            {"level": "error", "check": "touch", "found": "none", "advice": "plug it in"},
-        ]}
-        self.assertEqual(report.summary(doctor),
-                         {"status": 2, "errors": ["touch: none"], "warnings": ["space: 12 MiB"]})
+        doctor = {
+            "status": 2,
+            "findings": [
+                {"level": "ok", "check": "tools", "found": "all"},
+                {
+                    "level": "warning",
+                    "check": "space",
+                    "found": "12 MiB",
+                    "advice": "remove something",
+                },
+                {"level": "error", "check": "touch", "found": "none", "advice": "plug it in"},
+            ],
+        }
+        self.assertEqual(
+            report.summary(doctor),
+            {"status": 2, "errors": ["touch: none"], "warnings": ["space: 12 MiB"]},
+        )
 
     def test_first_lines(self):
-        rows = [(b"12\n", "12"), (b"12", "12"), (b"", ""), (b"\nx", ""), (b"a\r\nb", "a"), (b"\xff\n", "\ufffd")]
+        rows = [
+            (b"12\n", "12"),
+            (b"12", "12"),
+            (b"", ""),
+            (b"\nx", ""),
+            (b"a\r\nb", "a"),
+            (b"\xff\n", "\ufffd"),
+        ]
         for text, line in rows:
             with self.subTest(text=text):
                 self.assertEqual(panel.first_line(text), line)
@@ -30,7 +47,10 @@ class Report(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             pathlib.Path(folder, "model").write_text("RV-K21T\n")
             pathlib.Path(folder, "fwver").mkdir()
-            self.assertEqual(panel.read_versions(folder), {"model": "RV-K21T", "oem": "", "runtime": "", "bios": ""})
+            self.assertEqual(
+                panel.read_versions(folder),
+                {"model": "RV-K21T", "oem": "", "runtime": "", "bios": ""},
+            )
 
     def test_reasons(self):
         rows = [
