@@ -154,7 +154,7 @@ END
         self.assert_run(run, named=[away.name])
         away.wait_until(lambda: away.application() == "new", "did not complete the installation")
         away.come_back()
-        self.assert_run(self.play("new.kpc", "--limit", away.name))
+        self.assert_run(self.play("new.kpc", "--limit", away.name), changed=[])
         self.have("new", self.panels[: 1 + BATCH])
 
     def test_application_from_a_stick_is_replaced(self):
