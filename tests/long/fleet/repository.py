@@ -1,5 +1,6 @@
 """A repository with the next version of the real packages, and panels that have the present one."""
 
+import contextlib
 import shlex
 import subprocess
 import sys
@@ -10,23 +11,17 @@ from plant import CONTROL_ADDRESS
 OLD, NEW = "1.0", "1.1"
 
 
+@contextlib.contextmanager
 def serve_repository():
-    """Serves it at http://CONTROL_ADDRESS/talmero. Result: the server's process."""
-    server = subprocess.Popen(
-        [
-            sys.executable,
-            "-m",
-            "http.server",
-            "80",
-            "--bind",
-            CONTROL_ADDRESS,
-            "--directory",
-            FILES / "www",
-        ],
+    """Serves it at http://CONTROL_ADDRESS/talmero."""
+    command = [sys.executable, "-m", "http.server", "80", "--bind", CONTROL_ADDRESS]
+    with subprocess.Popen(
+        [*command, "--directory", FILES / "www"],
         stdout=subprocess.DEVNULL,
         stderr=subprocess.DEVNULL,
-    )
-    return server
+    ) as server:
+        yield
+        server.terminate()
 
 
 def install_programs(panel):

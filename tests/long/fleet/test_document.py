@@ -43,7 +43,7 @@ class Document(FleetTest):
                 entry.unlink()
         os.symlink(ROOT / "fleet", cls.folder / "fleet")
         cls.tasks = read_tasks(DOCUMENT.read_text(encoding="utf-8"))
-        cls.addClassCleanup(serve_repository().terminate)
+        cls.enterClassContext(serve_repository())
         for panel in cls.four:
             panel.shell(
                 "rm -rf /home/dest/compile; cp /root/bios.ini /opt/talmero/bios 2>/dev/null || true"
@@ -81,7 +81,7 @@ class Document(FleetTest):
             self.desk.folder /= "plant"
             shutil.copy(FILES / "key", self.desk.folder / "panels_key")
             graph = self.desk.run("bash", "-euc", graph).output
-            self.assertIn("  |  |--@line_1:\n  |  |  |--panel-01\n", graph)
+            self.assertIn("|--@line_1:\n  |  |  |  |--panel-01\n", graph)
 
         with self.subTest("2. meet"):
             outputs = self.do(2)
@@ -94,7 +94,7 @@ class Document(FleetTest):
 
         with self.subTest("4. versions"):
             outputs = self.do(4)
-            self.assertRegex(outputs[0], r'\n *4 "RV-K21T","12","","",""\n')
+            self.assertIn('\n      4 "RV-K21T","12","","",""\n', outputs[0])
 
         with self.subTest("5. settings"):
             self.do(5)
