@@ -16,13 +16,16 @@ def line_through(points):
     return mean_y - slope * mean_x, slope
 
 
-def measure(play):
-    """The cost of a play with each count of panels. play: gets their names."""
-    plant, _ = everything()
+def measure(role, packages=(None,) * len(COUNTS), changes=False):
+    """The cost of a role with each count of panels, and with a package for each."""
+    plant, desk = everything()
     costs = []
-    for count in COUNTS:
-        run = play(",".join(panel.name for panel in plant.panels[:count]))
-        assert run.status == 0 and len(run.visited) == count, run.output
+    for count, package in zip(COUNTS, packages):
+        names = [panel.name for panel in plant.panels[:count]]
+        variables = {"application_package": package} if package else {}
+        run = desk.play(role, "--limit", ",".join(names), **variables)
+        assert run.status == 0 and run.visited == names, run.output
+        assert run.changed == (names if changes else []), run.output
         costs.append(run.cost)
     return costs
 
@@ -42,26 +45,13 @@ def print_rows(what, costs):
 
 
 def main():
-    _, desk = everything()
     print(f"| | {' | '.join(map(str, COUNTS))} | line | {FAR} |")
     print("|---|" + "--:|" * (len(COUNTS) + 2), flush=True)
-    print_rows("status", measure(lambda names: desk.play("status", "--limit", names)))
-    print_rows(
-        "application",
-        measure(
-            lambda names: desk.play(
-                "application", "-e", "application_package=new.kpc", "--limit", names
-            )
-        ),
-    )
-    print_rows(
-        "application again",
-        measure(
-            lambda names: desk.play(
-                "application", "-e", "application_package=new.kpc", "--limit", names
-            )
-        ),
-    )
+    print_rows("status", measure("status"))
+    # Each count gets another package than the count before.
+    packages = ["new.kpc", "old.kpc", "new.kpc", "old.kpc"][: len(COUNTS)]
+    print_rows("application", measure("application", packages, changes=True))
+    print_rows("application again", measure("application", packages[-1:] * len(COUNTS)))
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 """The computer that looks after the panels: its folder, and running Ansible there."""
 
+import json
 import os
 import pathlib
 import re
@@ -109,17 +110,14 @@ class Desk:
         (self.folder / "inventory.yml").write_text("\n".join(lines) + "\n")
 
     def run(self, *command):
-        """Runs a command here. What it leaves running ends with it, such as shared connections of ssh."""
+        """Runs a command here. What it leaves running, such as shared connections, ends with it."""
         for retry in () if self.keeps_retry_files else self.folder.glob("*.retry"):
             retry.unlink()
+        apart = ["unshare", "--pid", "--fork", "--kill-child", "--mount-proc"]
         with tempfile.TemporaryFile("w+") as output:
             process = subprocess.Popen(
-                ["unshare", "--pid", "--fork", "--kill-child", "--mount-proc", *command],
-                cwd=self.folder,
-                env=self.environment,
-                stdin=subprocess.DEVNULL,
-                stdout=output,
-                stderr=subprocess.STDOUT,
+                [*apart, *command], cwd=self.folder, env=self.environment,
+                stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
             )
             cost = Cost(process)
             status = process.wait()
@@ -131,33 +129,22 @@ class Desk:
         ]
         return Run(status, text, sorted(named), cost)
 
-    def play(self, role, *arguments):
-        return self.run("ansible-playbook", f"talmero.panels.{role}", *arguments)
+    def play(self, role, *arguments, **variables):
+        """Runs a playbook of the collection."""
+        extra = ["-e", json.dumps(variables)] if variables else []
+        return self.run("ansible-playbook", f"talmero.panels.{role}", *arguments, *extra)
 
-    def make_package(self, name, contents, *options):
-        """Makes an application whose compile/project says its name. contents: more files."""
+    def make_package(self, name, contents=(), kind="application"):
+        """Makes a package whose compile/project says its name.
+
+        contents: more files, as pairs of path and bytes.
+        """
         folder = self.folder / name
-        for path, content in {"compile/project": name.encode(), **contents}.items():
+        for path, content in [("compile/project", name.encode()), *contents]:
             (folder / path).parent.mkdir(parents=True, exist_ok=True)
             (folder / path).write_bytes(content)
         package = self.folder / f"{name}.kpc"
-        subprocess.run(
-            [
-                "talmero-mkpackage",
-                "make",
-                "--kind",
-                "application",
-                "--version",
-                "12",
-                "--target",
-                "RV-K21T",
-                "--output",
-                package,
-                *options,
-                folder,
-            ],
-            env=self.environment,
-            check=True,
-            capture_output=True,
-        )
+        options = f"--kind {kind} --version 12 --target RV-K21T --output {package}"
+        make = ["talmero-mkpackage", "make", *options.split(), folder]
+        subprocess.run(make, env=self.environment, check=True, capture_output=True)
         return package

@@ -1,4 +1,4 @@
-"""What the tests of the Ansible collection share: the panels, and the desk that looks after them."""
+"""What the tests of the Ansible collection share: the panels, and the desk."""
 
 import atexit
 import functools
@@ -35,7 +35,9 @@ def everything():
     desk = Desk(temporary_folder(), plant.panels, BUILD, FILES / "key")
     data = random.Random(1).randbytes(300000)
     for name in ("old", "new"):
-        desk.make_package(name, {"compile/data": data, "recipes/first": b"1\n"})
+        desk.make_package(name, [("compile/data", data), ("recipes/first", b"1\n")])
+    for panel in plant.panels:
+        panel.shell("cp /opt/talmero/bios/bios.ini /root")
     install_collection(desk)
     return plant, desk
 

@@ -7,8 +7,6 @@ simulator/panel with Debian's sshd; a bridge connects them.
 import contextlib
 import os
 import pathlib
-import re
-import shutil
 import subprocess
 import time
 
@@ -16,9 +14,14 @@ ROOT = pathlib.Path(__file__).resolve().parents[3]
 BRIDGE = "plant"
 CONTROL_ADDRESS = "192.168.1.5"  # as in docs/many-panels.md
 STARTING_AT_ONCE = 6
+PANEL_ENVIRONMENT = {
+    "PATH": "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin",
+    "LC_ALL": "C.UTF-8",
+    "HOME": "/root",
+}
 
-# Where a panel keeps what a roll-out may change. The logs of logins change with each connection, and the
-# doctor's question for fonts renews their cache.
+# Where a panel keeps what a roll-out may change. The logs of logins change with each connection,
+# and the doctor's question for fonts renews their cache.
 WATCHED = "/opt /home /etc /var /tmp /usr/bin /usr/lib/talmero-bios"
 UNWATCHED = (
     r"-path /var/log -o -path /var/cache/fontconfig -o -path /tmp/.ansible -o -path /etc/.pwd.lock"
@@ -43,19 +46,10 @@ class Panel:
         self.address = f"192.168.1.{10 + number}"  # as in fleet/example/inventory.yml
         self.cable = f"cable{number}"
         self.log = open(files / f"{self.name}.log", "w")
+        simulator = [ROOT / "simulator/panel", "--build", build]
         self.process = subprocess.Popen(
-            [
-                ROOT / "simulator/panel",
-                "--build",
-                build,
-                "--",
-                ROOT / "tests/long/fleet/panel",
-                files,
-                self.address,
-            ],
-            stdout=self.log,
-            stderr=subprocess.STDOUT,
-            stdin=subprocess.DEVNULL,
+            [*simulator, "--", ROOT / "tests/long/fleet/panel", files, self.address],
+            stdin=subprocess.DEVNULL, stdout=self.log, stderr=subprocess.STDOUT,
         )
         self.first = None
 
@@ -88,38 +82,15 @@ class Panel:
     def plug_in(self):
         """Connects the panel with the plant."""
         self.first = self.wait_until(self.find_first_process, "does not start")
-        run(
-            "ip",
-            "link",
-            "add",
-            self.cable,
-            "type",
-            "veth",
-            "peer",
-            "name",
-            BRIDGE,
-            "netns",
-            str(self.first),
-        )
+        peer = f"type veth peer name {BRIDGE} netns {self.first}"
+        run("ip", "link", "add", self.cable, *peer.split())
         run("ip", "link", "set", self.cable, "master", BRIDGE, "up")
         self.wait_until(lambda: self.shell("cat /run/sshd.pid 2>/dev/null || true"), "has no sshd")
 
     def inside(self, *command, **options):
         """Runs a command as root in the panel, not by ssh. Result: what it printed."""
-        return run(
-            "nsenter",
-            f"--target={self.first}",
-            "--all",
-            "--wd=/",
-            "--",
-            *command,
-            **options,
-            env={
-                "PATH": "/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin",
-                "LC_ALL": "C.UTF-8",
-                "HOME": "/root",
-            },
-        )
+        enter = ["nsenter", f"--target={self.first}", "--all", "--wd=/"]
+        return run(*enter, "--", *command, **options, env=PANEL_ENVIRONMENT)
 
     def shell(self, script):
         return self.inside("/bin/bash", "-euc", script)
@@ -136,10 +107,9 @@ class Panel:
 
     def state(self):
         """A digest of everything that a roll-out may change."""
-        return self.shell(
-            rf"find {WATCHED} \( {UNWATCHED} \) -prune -o ! -type d -printf '%p %y %m %U:%G %s %T@ %l\n' |"
-            r" sort | sha256sum"
-        )
+        form = r"%p %y %m %U:%G %s %T@ %l\n"
+        found = rf"find {WATCHED} \( {UNWATCHED} \) -prune -o ! -type d -printf '{form}'"
+        return self.shell(f"{found} | sort | sha256sum")
 
     def application(self):
         """What the application says that it is."""

@@ -8,7 +8,7 @@ import sys
 from fleettest import FILES
 from plant import CONTROL_ADDRESS
 
-OLD, NEW = "1.0", "1.1"
+NEW = "1.1"
 
 
 @contextlib.contextmanager

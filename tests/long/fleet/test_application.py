@@ -2,12 +2,43 @@ import functools
 import hashlib
 import json
 import os
-import subprocess
 import unittest
 
 from fleettest import COUNT, FleetTest
 
 BATCH = max(2, COUNT // 5)
+
+FILL_DISK = """
+cp -a /home/dest /root
+mount -t tmpfs -o size=1m,mode=755 full /home/dest
+cp -a /root/dest/. /home/dest
+rm -r /root/dest
+head -c 2M /dev/zero >/home/dest/filler 2>/dev/null || true
+"""
+EMPTY_DISK = """
+rm /home/dest/filler
+cp -a /home/dest /root
+umount /home/dest
+rm -rf /home/dest
+mv /root/dest /home
+"""
+LET_GO_WHEN_COPIED = """
+setsid bash -c '
+    until [ -e /tmp/talmero-fleet.kpc ]; do sleep 0.02; done
+    /usr/local/bin/end-ssh' >/dev/null 2>&1 &
+"""
+LET_GO_WHILE_INSTALLING = """
+cat >/usr/local/bin/talmero-install <<'END'
+#!/bin/sh
+/usr/local/bin/end-ssh
+exec /usr/bin/talmero-install "$@"
+END
+chmod 755 /usr/local/bin/talmero-install
+"""
+KEEP_BUSY = """
+setsid flock /run/talmero-install.lock sleep infinity >/dev/null 2>&1 &
+echo $! >/run/busy
+"""
 
 
 class Application(FleetTest):
@@ -21,51 +52,25 @@ class Application(FleetTest):
                 panel.install(old)
             panel.shell(f"echo '{json.dumps(record)}' >/home/dest/compile/.talmero-package")
 
-    def play(self, package="new.kpc", *arguments):
-        return self.desk.play(
-            "application",
-            "-e",
-            f"application_package={package}",
-            "-e",
-            f"rollout_batch={BATCH}",
-            *arguments,
-        )
+    def play(self, *arguments, **variables):
+        variables = {"application_package": "new.kpc", "rollout_batch": BATCH, **variables}
+        return self.desk.play("application", *arguments, **variables)
 
     def have(self, application, panels):
         """Exactly these panels have an application, and the others the old one."""
         names = {panel.name for panel in panels}
-        self.assertEqual(
-            self.plant.applications(),
-            {name: application if name in names else "old" for name in self.names},
-        )
+        expected = {name: application if name in names else "old" for name in self.names}
+        self.assertEqual(self.plant.applications(), expected)
 
     def nothing_is_left(self):
+        names = "-name '*.kpc' -o -name 'talmero-bios.*' -o -path '/tmp/.ansible/*' -type f"
         for panel in self.panels:
-            left = panel.shell(
-                "find /tmp /home -name '*.kpc' -o -name 'talmero-bios.*' -o -path '/tmp/.ansible/*' -type f"
-            )
-            self.assertEqual(left, "", panel.name)
+            self.assertEqual(panel.shell(f"find /tmp /home {names}"), "", panel.name)
 
     def fill_disk(self, panel):
         """Leaves no room beside the application. Result: a function that gives it back."""
-        panel.shell(
-            """
-            cp -a /home/dest /root
-            mount -t tmpfs -o size=1m,mode=755 full /home/dest
-            cp -a /root/dest/. /home/dest
-            rm -r /root/dest
-            head -c 2M /dev/zero >/home/dest/filler 2>/dev/null || true"""
-        )
-        return self.undone(
-            lambda: panel.shell(
-                """
-            rm /home/dest/filler
-            cp -a /home/dest /root
-            umount /home/dest
-            rm -rf /home/dest
-            mv /root/dest /home"""
-            )
-        )
+        panel.shell(FILL_DISK)
+        return self.undone(lambda: panel.shell(EMPTY_DISK))
 
     def make_another_model(self, panel):
         panel.shell("echo RV-K25T >/opt/talmero/bios/model")
@@ -73,11 +78,7 @@ class Application(FleetTest):
 
     def let_go_when_copied(self, panel):
         """Lets the panel go away as soon as the package lies on it."""
-        panel.shell(
-            """
-            setsid bash -c 'until [ -e /tmp/talmero-fleet.kpc ]; do sleep 0.02; done
-                /usr/local/bin/end-ssh' >/dev/null 2>&1 &"""
-        )
+        panel.shell(LET_GO_WHEN_COPIED)
         return self.undone(panel.come_back)
 
     def undone(self, undo):
@@ -88,7 +89,7 @@ class Application(FleetTest):
 
     def test_rehearsal_changes_nothing(self):
         before = self.plant.states()
-        self.assert_run(self.play("new.kpc", "--check"), changed=self.names)
+        self.assert_run(self.play("--check"), changed=self.names)
         self.assertEqual(self.plant.states(), before)
 
     def test_three_bad_panels(self):
@@ -98,7 +99,7 @@ class Application(FleetTest):
         mend_full, mend_wrong = self.fill_disk(full), self.make_another_model(wrong)
         before = {panel.name: panel.state() for panel in (full, wrong)}
         mend_away = self.let_go_when_copied(away)
-        run = self.play("new.kpc", "-e", "rollout_failures=3")
+        run = self.play(rollout_failures=3)
         self.assert_run(run, named=bad_names)
         self.have("new", good)
         self.assertEqual({panel.name: panel.state() for panel in (full, wrong)}, before)
@@ -108,15 +109,13 @@ class Application(FleetTest):
 
         # Without mending, and then after it.
         states = self.plant.states()
-        self.assert_run(
-            self.play("new.kpc", "-e", "rollout_failures=3"), named=bad_names, changed=[]
-        )
+        self.assert_run(self.play(rollout_failures=3), named=bad_names, changed=[])
         self.assertEqual(self.plant.states(), states)
         mend_full()
         mend_wrong()
         mend_away()
         (self.desk.folder / "bad").write_text("\n".join(bad_names))
-        self.assert_run(self.play("new.kpc", "--limit", "@bad"), changed=bad_names)
+        self.assert_run(self.play("--limit", "@bad"), changed=bad_names)
         self.have("new", self.panels)
         self.nothing_is_left()
         states = self.plant.states()
@@ -133,56 +132,46 @@ class Application(FleetTest):
 
     def test_stops_if_the_first_panel_fails(self):
         self.make_another_model(self.panel(1))
-        run = self.play("new.kpc", "-e", "rollout_failures=1000")
+        run = self.play(rollout_failures=1000)
         self.assert_run(run, named=self.names[:1])
         self.have("new", [])
 
     def test_panel_that_goes_away_while_it_installs(self):
         """It completes the installation, and the next roll-out finds it in order."""
         away = self.panel(2)
-        away.shell(
-            """
-            cat >/usr/local/bin/talmero-install <<'END'
-#!/bin/sh
-/usr/local/bin/end-ssh
-exec /usr/bin/talmero-install "$@"
-END
-            chmod 755 /usr/local/bin/talmero-install"""
-        )
+        away.shell(LET_GO_WHILE_INSTALLING)
         run = self.play()
         away.shell("rm /usr/local/bin/talmero-install")
         self.assert_run(run, named=[away.name])
         away.wait_until(lambda: away.application() == "new", "did not complete the installation")
         away.come_back()
-        self.assert_run(self.play("new.kpc", "--limit", away.name), changed=[])
+        self.assert_run(self.play("--limit", away.name), changed=[])
         self.have("new", self.panels[: 1 + BATCH])
 
     def test_application_from_a_stick_is_replaced(self):
-        self.desk.make_package("stick", {})
+        self.desk.make_package("stick")
         panel = self.panel(2)
-        self.assert_run(self.play("new.kpc", "--limit", panel.name), changed=[panel.name])
+        self.assert_run(self.play("--limit", panel.name), changed=[panel.name])
         panel.install(self.desk.folder / "stick.kpc")
-        self.assert_run(self.play("new.kpc", "--limit", panel.name), changed=[panel.name])
+        self.assert_run(self.play("--limit", panel.name), changed=[panel.name])
         self.have("new", [panel])
 
     def test_incomplete_application_is_noticed(self):
         """tar cannot write one of the files, which talmero-install does not report."""
         panel = self.panel(2)
         panel.shell("rm -rf /home/dest/recipes; mkdir -p /home/dest/recipes/first/in-the-way")
-        run = self.play("new.kpc", "--limit", panel.name)
+        run = self.play("--limit", panel.name)
         self.assert_run(run, named=[panel.name])
         self.assertIn("not complete: recipes/first", run.output)
-        self.assertEqual(panel.shell("ls -A /home/dest/compile | grep record || true"), "")
+        self.assertNotIn(".talmero-package", panel.shell("ls -A /home/dest/compile"))
         panel.shell("rm -r /home/dest/recipes")
-        self.assert_run(self.play("new.kpc", "--limit", panel.name), changed=[panel.name])
+        self.assert_run(self.play("--limit", panel.name), changed=[panel.name])
         self.nothing_is_left()
 
     def test_busy_panel_is_named(self):
         panel = self.panel(2)
-        panel.shell(
-            "setsid flock /run/talmero-install.lock sleep infinity >/dev/null 2>&1 & echo $! >/run/busy"
-        )
-        run = self.play("new.kpc", "--limit", panel.name)
+        panel.shell(KEEP_BUSY)
+        run = self.play("--limit", panel.name)
         panel.shell("kill -- -$(cat /run/busy)")
         self.assert_run(run, named=[panel.name])
         self.assertIn("another program is installing a package", run.output)
@@ -191,32 +180,14 @@ END
     def test_package_that_is_refused_at_the_desk(self):
         os.makedirs(self.desk.folder / "escaping/compile")
         os.symlink("/etc", self.desk.folder / "escaping/compile/link")
-        states = self.plant.states()
-        escaping = self.desk.make_package("escaping", {})
-        firmware = self.desk.folder / "runtime.fmw"
-        subprocess.run(
-            [
-                "talmero-mkpackage",
-                "make",
-                "--kind",
-                "firmware",
-                "--version",
-                "13",
-                "--target",
-                "TALMERO",
-                "--output",
-                firmware,
-                self.desk.folder / "old",
-            ],
-            env=self.desk.environment,
-            check=True,
-        )
-        for package, reason in (
-            (escaping, "leads out"),
-            (firmware, "it is no application"),
+        packages = (
+            (self.desk.make_package("escaping"), "leads out"),
+            (self.desk.make_package("runtime", kind="firmware"), "it is no application"),
             ("none.kpc", "there is no file"),
-        ):
-            run = self.play(str(package))
+        )
+        states = self.plant.states()
+        for package, reason in packages:
+            run = self.play(application_package=str(package))
             self.assert_run(run, named=self.names[:1], changed=[])
             self.assertIn(reason, run.output)
         self.assertEqual(self.plant.states(), states)

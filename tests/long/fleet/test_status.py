@@ -42,9 +42,8 @@ class Status(FleetTest):
         gone, strange, empty = self.panel(2), self.panel(3), self.panel(4)
         before = self.plant.states()
         gone.go_away()
-        strange.shell(
-            f"cp -a /opt/talmero/bios/model /root/model; printf '%s\\n' '{hostile}' >/opt/talmero/bios/model"
-        )
+        strange.shell("cp -a /opt/talmero/bios/model /root")
+        strange.shell(f"printf '%s\\n' '{hostile}' >/opt/talmero/bios/model")
         empty.shell("mv /usr/bin/talmero-doctor /root")
         run = self.desk.play("status")
         strange.shell("mv /root/model /opt/talmero/bios/model")
