@@ -8,6 +8,7 @@ import contextlib
 import os
 import pathlib
 import subprocess
+import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
@@ -45,7 +46,7 @@ class Panel:
         self.name = f"panel-{number:02}"
         self.address = f"192.168.1.{10 + number}"  # as in fleet/example/inventory.yml
         self.cable = f"cable{number}"
-        self.log = open(files / f"{self.name}.log", "w")
+        self.log = tempfile.TemporaryFile("w+")
         simulator = [ROOT / "simulator/panel", "--build", build]
         self.process = subprocess.Popen(
             [*simulator, "--", ROOT / "tests/long/fleet/panel", files, self.address],
@@ -77,7 +78,8 @@ class Panel:
             if self.process.poll() is not None:
                 break
             time.sleep(0.05)
-        raise AssertionError(f"{self.name} {what}: {pathlib.Path(self.log.name).read_text()}")
+        self.log.seek(0)
+        raise AssertionError(f"{self.name} {what}: {self.log.read()}")
 
     def plug_in(self):
         """Connects the panel with the plant."""

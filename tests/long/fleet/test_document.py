@@ -131,7 +131,8 @@ class Document(FleetTest):
                 versions = panel.shell("dpkg-query --show 'talmero-*'")
                 self.assertIn(f"talmero-bios\t{NEW}\n", versions)
             calls = [panel.shell("cat /run/systemctl.log || true") for panel in self.four]
-            self.assertEqual([call.count("try-restart talmero-session") for call in calls], [1, 1, 0, 0])
+            restarts = [call.count("try-restart talmero-session") for call in calls]
+            self.assertEqual(restarts, [1, 1, 0, 0])
 
         with self.subTest("10. replace"):
             new = self.four[2]
