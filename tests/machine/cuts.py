@@ -46,6 +46,7 @@ class Save:
     button: the place of the last tap
     has_stick: whether it needs a stick
     from_start: whether the stick must be plugged in at power-on
+    installs: whether it replaces the application
     """
     name: str
     choose: Callable
@@ -53,6 +54,7 @@ class Save:
     button: tuple = places.OK
     has_stick: bool = False
     from_start: bool = False
+    installs: bool = False
 
 
 def choose_network(panel):
@@ -83,9 +85,10 @@ def choose_factory(panel):
     panel.choose(places.TYPE, places.TYPE_ROWS, 1, height=places.FACTORY_LIST_ROW)
 
 
-SAVES = (Save("network", choose_network), Save("miscellaneous", choose_miscellaneous),
+# The emulated panel writes the network files about 5 s after the tap.
+SAVES = (Save("network", choose_network, limit=9), Save("miscellaneous", choose_miscellaneous),
          Save("factory", choose_factory, button=places.FACTORY_SAVE, has_stick=True, from_start=True),
-         Save("installation", choose_installation, limit=15, has_stick=True))
+         Save("installation", choose_installation, limit=15, has_stick=True, installs=True))
 
 
 def make_sticks(folder, model, runtime):
@@ -213,7 +216,10 @@ class Cut:
             with Panel(disk, folder, name=name) as panel:
                 panel.wait_for_countdown()
                 self.countdown = time.monotonic() - began
+                panel.tap(*places.COUNTDOWN)
+                panel.wait_for_main_page()
                 panel.wait_for_shell()
+                panel.wait_for_end_of_start()  # a broken network file fails a unit after the countdown
                 self._look(panel)
 
     def _cut(self, panel):
@@ -241,6 +247,8 @@ class Cut:
                 self.faults.append(f"{path} {left}")
         if {self.fates[path] for path in SETTINGS[:2]} == {"old", "new"}:
             self.faults.append("bios.ini and interfaces disagree")
+        if not self.save.installs and self._installed("lost"):
+            self.faults.append("files missing that nobody had touched")
         if (self.page_back or 0) > FLUSH_LIMIT and self._installed("lost", "old"):
             self.faults.append("files missing that the page had reported")
 
