@@ -1,10 +1,21 @@
 """Reads what dpkg-query and talmero-doctor print."""
 
 
+# What dpkg says of a package that is not there.
+ABSENT = ("not-installed", "config-files")
+
+
 def parse_packages(output):
-    """The versions of the installed packages in lines of status, name and version."""
+    """The versions of the packages in lines of status, name and version.
+
+    The status follows the version of a package that was interrupted, such as "1.1 unpacked".
+    """
     fields = [line.split() for line in output.splitlines()]
-    return {field[1]: field[2] for field in fields if len(field) == 3 and field[0] == "installed"}
+    return {
+        name: version if status == "installed" else f"{version} {status}"
+        for status, name, version in (field for field in fields if len(field) == 3)
+        if status not in ABSENT
+    }
 
 
 def findings(doctor, level):

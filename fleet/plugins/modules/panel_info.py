@@ -34,7 +34,8 @@ versions:
   type: dict
   sample: {"model": "RV-K21T", "oem": "TALMERO", "runtime": "12", "bios": "3"}
 packages:
-  description: The versions of the panel's own Debian packages.
+  description: The versions of the panel's own Debian packages. The status follows if the package
+    was interrupted, such as "1.1 unpacked".
   returned: always
   type: dict
   sample: {"talmero-bios": "1.0"}

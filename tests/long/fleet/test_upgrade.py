@@ -9,6 +9,13 @@ REPOSITORY = "http://192.168.1.5/talmero"
 KEY = f"{FILES}/repository/talmero.asc"
 
 
+# dpkg notes this before it unpacks the first file.
+CUT_WHILE_UNPACKING = """
+sed -i '/^Package: talmero-bios-guard$/,/^$/ s/^Status: .*/Status: install reinstreq half-installed/' \\
+    /var/lib/dpkg/status
+"""
+
+
 class Upgrade(FleetTest):
     @classmethod
     def setUpClass(cls):
@@ -37,16 +44,19 @@ class Upgrade(FleetTest):
         return [panel.shell(query) for panel in self.chosen]
 
     def test_upgrade(self):
-        """A rehearsal, an upgrade over an interrupted one, and a repetition."""
+        """A rehearsal, an upgrade over two interrupted ones, and a repetition."""
         others = self.other_packages()
         before = [panel.state() for panel in self.chosen]
         self.assert_run(self.play("--check"), changed=self.chosen_names())
         self.assertEqual([panel.state() for panel in self.chosen], before)
 
-        interrupted = self.chosen[1]
+        cut, interrupted = self.chosen
+        cut.shell(CUT_WHILE_UNPACKING)
         interrupted.put(FILES / "new" / "tools.deb", "/root/tools.deb")
         interrupted.shell("dpkg --unpack /root/tools.deb")
-        self.assertIn("unpacked", self.versions()[1])
+        cut, interrupted = self.versions()
+        self.assertIn("half-installed", cut)
+        self.assertIn("unpacked", interrupted)
         self.assert_run(self.play(upgrade_version=NEW), changed=self.chosen_names())
         self.assertEqual(self.versions(), [f"installed {NEW}\n"] * 2)
         self.assertEqual(self.other_packages(), others)
