@@ -10,9 +10,9 @@ def parse_packages(output):
 
     The status follows the version of a package that was interrupted, such as "1.1 unpacked".
     """
-    fields = [line.split() for line in output.splitlines()]
+    fields = [line.split(" ") for line in output.splitlines()]
     return {
-        name: version if status == "installed" else f"{version} {status}"
+        name: version if status == "installed" else f"{version} {status}".strip()
         for status, name, version in (field for field in fields if len(field) == 3)
         if status not in ABSENT
     }

@@ -7,9 +7,18 @@ from modules import panel, report
 
 class Report(unittest.TestCase):
     def test_packages(self):
-        output = "installed talmero-bios 1.0\nconfig-files talmero-old 0.9\nunpacked talmero-bios-tools 1.1\nno such\n"
-        self.assertEqual(report.parse_packages(output), {"talmero-bios": "1.0"})
-        self.assertEqual(report.parse_packages(""), {})
+        rows = [
+            ("installed talmero-bios 1.0", {"talmero-bios": "1.0"}),
+            ("unpacked talmero-bios 1.1", {"talmero-bios": "1.1 unpacked"}),
+            ("half-installed talmero-bios ", {"talmero-bios": "half-installed"}),
+            ("config-files talmero-bios 0.9", {}),
+            ("not-installed talmero-bios ", {}),
+            ("no packages", {}),
+            ("", {}),
+        ]
+        for output, packages in rows:
+            with self.subTest(output=output):
+                self.assertEqual(report.parse_packages(output + "\n"), packages)
 
     def test_summary_leaves_out_what_is_ok(self):
         doctor = {
