@@ -43,7 +43,9 @@ class Changes(unittest.TestCase):
         self.assertEqual(
             changes.command_for(change, ["--dry-run"]), ["set", "--dry-run", "a", "--force"]
         )
-        self.assertEqual(changes.command_for({**change, "after": None}, []), ["unset", "a"])
+        self.assertEqual(
+            changes.command_for({**change, "after": None}, ["--force"]), ["unset", "--force", "a"]
+        )
 
     def test_settings_after_the_changes(self):
         stored = {"a": "1", "b": "2"}
