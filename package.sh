@@ -67,6 +67,8 @@ done
 [ -z "$arch" ] || is_one_of "$arch" "${architectures[@]}" || usage_error "the architecture is one of ${architectures[*]}, not $arch"
 
 if [ -n "$repository" ]; then
+    [ -z "$release$arch" ] || usage_error "a repository has all releases and architectures: leave out --release and --arch"
+    [ "$check" = no ] || usage_error "--check compares two builds and makes no repository"
     install_packages reprepro gnupg git
     for release in "${releases[@]}"; do
         for arch in "${architectures[@]}"; do
@@ -75,6 +77,7 @@ if [ -n "$repository" ]; then
     done
     exec scripts/repository "$repository" "$key" dist
 fi
+[ -z "$key" ] || usage_error "--key is for --repository"
 
 umask 022 # the packed files have the same modes whoever builds them
 work=build-package

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks format, include rules, documents, scripts, man pages and code.
+# Checks format, include rules, documents, scripts, man pages, the Ansible collection and code.
 # Usage: scripts/check-code.sh BUILD_FOLDER [--thorough]
 # The folder must be configured, because clang-tidy reads its compile_commands.json. Without
 # --thorough, clang-tidy reads sixteen source files at once, as the compiler does: most of its time goes
@@ -116,6 +116,13 @@ shellcheck --external-sources "${scripts[@]}"
 
 echo "Manual pages"
 sources '*.[1-8]' | xargs mandoc -T lint -W warning
+
+echo "Ansible collection" # its roles have full names once it is installed
+collection=$(mktemp -d)
+trap 'rm -rf "$collection"' EXIT
+HOME=$collection ansible-galaxy collection install fleet >/dev/null
+cp -r fleet "$collection"
+(cd "$collection/fleet" && HOME=$collection ansible-lint --offline -q --nocolor --profile production)
 
 echo "Code"
 # The tests are left out, so that a function used only by tests is reported as unused.

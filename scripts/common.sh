@@ -15,7 +15,7 @@ clean_root_packages=(debootstrap lintian)
 # shellcheck disable=SC2034
 test_packages=(mandoc systemd reprepro gnupg)
 # shellcheck disable=SC2034
-check_packages=(clang-format clang-tidy cppcheck shellcheck)
+check_packages=(clang-format clang-tidy cppcheck shellcheck ansible-core ansible-lint)
 # shellcheck disable=SC2034
 coverage_packages=(gcovr)
 # shellcheck disable=SC2034
@@ -41,7 +41,7 @@ machine_packages=(qemu-system-x86 qemu-system-gui ovmf mtools novnc websockify)
 # What the tests on that machine need besides.
 # shellcheck disable=SC2034
 machine_test_packages=(qemu-system-x86 qemu-utils ovmf mtools fdisk e2fsprogs exfatprogs python3 busybox
-    reprepro gnupg)
+    reprepro gnupg openssh-client ansible-core)
 # What image.sh needs, and what the image consists of besides our own packages.
 # shellcheck disable=SC2034
 image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-amd64-bin grub-common git)
@@ -49,9 +49,15 @@ image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-
 system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
     xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core fonts-open-sans)
 
-# What ssh needs on a panel besides.
+# What ssh needs on a panel besides, and what Ansible needs there.
 # shellcheck disable=SC2034
-ssh_packages=(openssh-server nftables)
+ssh_packages=(openssh-server nftables python3 python3-apt)
+# What the test of many panels needs, and what it unpacks into each panel: installed on this machine,
+# a server would start.
+# shellcheck disable=SC2034
+fleet_packages=(ansible-core openssh-client python3 reprepro gnupg)
+# shellcheck disable=SC2034
+fleet_panel_packages=(openssh-server openssh-sftp-server libwrap0 python3-apt python-apt-common)
 
 # Prints one line on standard error and exits.
 die() {
@@ -196,7 +202,7 @@ packages_are_new() {
     package=$(find "$1" -maxdepth 1 -name 'talmero-bios_*.deb' -print -quit 2>/dev/null)
     [ -n "$package" ] || return 1
     # shellcheck disable=SC2185 # the paths come from git
-    newer=$(list_sources ':!image.sh' ':!image' ':!tests' ':!bench' ':!simulator' ':!*.sh' |
+    newer=$(list_sources ':!image.sh' ':!image' ':!fleet' ':!tests' ':!bench' ':!simulator' ':!*.sh' |
         find -files0-from - -prune -newer "$package" -print -quit)
     [ -z "$newer" ]
 }

@@ -67,7 +67,7 @@ image_is_new() {
     local newer
     [ -e "$1" ] || return 1
     # shellcheck disable=SC2185 # the paths come from git
-    newer=$(list_sources ':!tests' ':!bench' ':!docs' ':!*.md' |
+    newer=$(list_sources ':!fleet' ':!tests' ':!bench' ':!docs' ':!*.md' |
         find -files0-from - -prune -newer "$1" -print -quit)
     [ -z "$newer" ]
 }

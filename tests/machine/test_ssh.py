@@ -5,14 +5,18 @@ The environment variable PANEL_SSH_KEY names the file of the private key.
 
 import contextlib
 import os
+import pathlib
+import shutil
 import socket
 import subprocess
 import tempfile
 
+import sticks
 from machinetest import MachineTest
 
 KEY = os.environ.get("PANEL_SSH_KEY", "")
 HOST_KEY = "/etc/ssh/ssh_host_"
+FLEET = pathlib.Path(__file__).resolve().parents[2] / "fleet"
 
 
 def free_port():
@@ -58,6 +62,43 @@ class Ssh(MachineTest):
             # It is the firewall that closes Lan 2, not a missing route or server.
             panel.shell.run("nft flush ruleset")
             self.assertEqual(self.ssh(ports[1]).stdout, "inside\n")
+
+    def desk(self, port):
+        """A folder of the computer that looks after a panel, with an inventory of this one."""
+        desk = self.folder / "desk"
+        shutil.copytree(FLEET / "example", desk)
+        inventory = (desk / "inventory.yml").read_text().partition("  children:")[0]
+        shutil.copy(KEY, desk / "panels_key")
+        (desk / "inventory.yml").write_text(
+            f"{inventory}  hosts:\n    panel-01: {{ansible_host: 127.0.0.1, ansible_port: {port}}}\n")
+        return desk
+
+    def ansible(self, desk, *command):
+        run = subprocess.run(command, cwd=desk, capture_output=True, text=True, timeout=1200,
+                             env={"HOME": str(desk), "LC_ALL": "C.UTF-8", "PATH": f"{sticks.MKPACKAGE.parent}:{os.environ['PATH']}"})
+        self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+        return run.stdout
+
+    def test_panel_has_all_that_ansible_needs(self):
+        with self.panel_with_ssh() as (panel, ports):
+            desk = self.desk(ports[0])
+            self.ansible(desk, "ansible-galaxy", "collection", "install", str(FLEET))
+            (desk / "group_vars").mkdir()
+            (desk / "group_vars/panels.yml").write_text("settings_wanted: {app.mouse: 1}\n")
+            self.ansible(desk, "ansible-playbook", "talmero.panels.settings")
+            self.assertEqual(self.settings(panel)["app.mouse"], "1")
+
+            self.make_package(desk / "line1.kpc", [("compile/project", b"line 1")])
+            roll_out = ["ansible-playbook", "talmero.panels.application", "-e", "application_package=line1.kpc",
+                        "-e", "application_spare=0"]
+            self.ansible(desk, *roll_out)
+            self.assertEqual(panel.file("/home/dest/compile/project"), "line 1")
+            self.assertIn("changed=0 ", self.ansible(desk, *roll_out))
+
+            self.ansible(desk, "ansible-playbook", "talmero.panels.status")
+            rows = (desk / "panels.csv").read_text().splitlines()
+            self.assertRegex(rows[1], '^"panel-01","panels","(ok|warnings)","RV-K21T",.*"line1.kpc"', rows[1])
+            panel.shell.run("python3 -c 'import apt'") # for Ansible's module apt
 
     def test_empty_host_key_is_made_again(self):
         with self.panel_with_ssh() as (panel, ports):

@@ -87,7 +87,12 @@ wrong_package_options() {
         one_line 2 'package.sh: --arch needs a value; see ./package.sh --help' "$checkout/package.sh" --arch &&
         one_line 2 'package.sh: the release is one of bookworm trixie, not sid; .*' "$checkout/package.sh" --release sid &&
         one_line 2 'package.sh: the architecture is one of amd64 i386 arm64 armhf, not riscv64; .*' \
-            "$checkout/package.sh" --check --release trixie --arch riscv64
+            "$checkout/package.sh" --check --release trixie --arch riscv64 &&
+        one_line 2 'package.sh: a repository has all releases and architectures: leave out --release and --arch; .*' \
+            "$checkout/package.sh" --repository "$work/repository" --arch amd64 &&
+        one_line 2 'package.sh: --check compares two builds and makes no repository; .*' \
+            "$checkout/package.sh" --repository "$work/repository" --check &&
+        one_line 2 'package.sh: --key is for --repository; .*' "$checkout/package.sh" --key maker@example.com
 }
 
 no_sudo() {

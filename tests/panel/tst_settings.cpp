@@ -45,6 +45,7 @@ private slots:
     void forceStoresWhatTheFileCanHold();
     void unset();
     void unchangedFileIsNotWritten();
+    void dryRunWritesNothing();
     void otherKeysStay();
     void missingFileIsMade();
     void unreadableFileIsNotReplaced();
@@ -236,6 +237,22 @@ void TestSettings::unchangedFileIsNotWritten()
     QCOMPARE(run.output, QByteArray("unchanged\n"));
     QCOMPARE(run.status, 0);
     QCOMPARE(readPanelFile("bios.ini"), QByteArray("# note\napp.mouse=1\n"));
+}
+
+void TestSettings::dryRunWritesNothing()
+{
+    const QByteArray before = "# note\napp.mouse=1\n";
+    writePanelFile("bios.ini", before);
+    QCOMPARE(settingsTool({"set", "--dry-run", "app.mouse", "1"}).output,
+             QByteArray("unchanged\n"));
+    QCOMPARE(settingsTool({"set", "--dry-run", "app.buzzer", "1"}).output, QByteArray("changed\n"));
+    QCOMPARE(settingsTool({"set", "--dry-run", "app.buzzer", "2"}).status, 2);
+    QCOMPARE(settingsTool({"set", "--dry-run", "--force", "app.buzzer", "2"}).output,
+             QByteArray("changed\n"));
+    QCOMPARE(settingsTool({"unset", "--force", "--dry-run", "app.mouse"}).output,
+             QByteArray("changed\n"));
+    QCOMPARE(settingsTool({"unset", "--dry-run", "bios.debug"}).status, 2);
+    QCOMPARE(readPanelFile("bios.ini"), before);
 }
 
 void TestSettings::otherKeysStay()

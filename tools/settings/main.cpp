@@ -10,6 +10,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 
 using namespace Settings;
@@ -18,8 +20,8 @@ using ToolReport::print;
 namespace {
 constexpr char usage[] =
     R"(Usage: talmero-settings get KEY
-       talmero-settings set [--force] KEY VALUE
-       talmero-settings unset [--force] KEY
+       talmero-settings set [--force] [--dry-run] KEY VALUE
+       talmero-settings unset [--force] [--dry-run] KEY
        talmero-settings list [--json]
        talmero-settings apply [--force]
        talmero-settings --help | --version
@@ -37,6 +39,7 @@ program does.
              then, the settings program may overwrite what was set.
   --force    set, unset: any key and any value that the file can hold.
              apply: replaces an interfaces file that the program has not written.
+  --dry-run  Writes nothing; prints and refuses the same.
   --json     Prints one JSON object for programs.
   --help     Shows this text.
   --version  Shows the version.
@@ -47,6 +50,10 @@ written; 74 standard output cannot be written.
 )";
 constexpr char version[] = "talmero-settings " PANEL_VERSION "\n";
 
+constexpr char forceOption[] = "--force";
+constexpr char dryRunOption[] = "--dry-run";
+constexpr char jsonOption[] = "--json";
+
 /// Others are from sysexits.h(3head).
 enum ExitStatus : int { Done = 0, HasNoValue = 1, Refused = 2 };
 
@@ -55,6 +62,7 @@ struct Arguments
 {
     QStringList texts;
     bool force = false;
+    bool dryRun = false;
     bool json = false;
 };
 
@@ -88,13 +96,13 @@ int list(const SettingsMap &settings, const Arguments &arguments)
 }
 
 /// Stores @p changed unless it is the same as @p before.
-int store(const SettingsMap &before, const SettingsMap &changed)
+int store(const SettingsMap &before, const SettingsMap &changed, bool dryRun)
 {
     if (changed == before) {
         print("unchanged\n");
         return Done;
     }
-    if (!storeSettings(changed)) {
+    if (!dryRun && !storeSettings(changed)) {
         say("the settings cannot be written");
         return EX_CANTCREAT;
     }
@@ -121,7 +129,7 @@ int set(const SettingsMap &settings, const Arguments &arguments)
     }
     SettingsMap changed = settings;
     changed.insert(key, value);
-    return store(settings, changed);
+    return store(settings, changed, arguments.dryRun);
 }
 
 int unset(const SettingsMap &settings, const Arguments &arguments)
@@ -133,7 +141,7 @@ int unset(const SettingsMap &settings, const Arguments &arguments)
     }
     SettingsMap changed = settings;
     changed.remove(key);
-    return store(settings, changed);
+    return store(settings, changed, arguments.dryRun);
 }
 
 int apply(const SettingsMap &settings, const Arguments &arguments)
@@ -152,16 +160,16 @@ struct Command
     const char *name;
     int (*run)(const SettingsMap &settings, const Arguments &arguments);
     qsizetype texts; ///< number of arguments that are no options
-    const char *option;
+    std::array<const char *, 2> options;
 };
 
 // clang-format off
 constexpr Command commands[] = {
-    {"get",   printValue, 1, nullptr},
-    {"set",   set,        2, "--force"},
-    {"unset", unset,      1, "--force"},
-    {"list",  list,       0, "--json"},
-    {"apply", apply,      0, "--force"},
+    {"get",   printValue, 1, {}},
+    {"set",   set,        2, {forceOption, dryRunOption}},
+    {"unset", unset,      1, {forceOption, dryRunOption}},
+    {"list",  list,       0, {jsonOption}},
+    {"apply", apply,      0, {forceOption}},
 };
 // clang-format on
 
@@ -171,13 +179,19 @@ int refuseUsage(const QString &reason)
     return EX_USAGE;
 }
 
-/// Runs @p command with what follows it. Its option comes first, so that a value may look like one.
+bool isOption(const Command &command, const QString &text)
+{
+    return std::any_of(command.options.begin(), command.options.end(), [&text](const char *option) {
+        return option != nullptr && text == QLatin1String(option);
+    });
+}
+
+/// Runs @p command with what follows it. Its options come first, so that a value may look like one.
 int runCommand(const Command &command, QStringList texts)
 {
-    const bool hasOption
-        = command.option != nullptr && texts.value(0) == QLatin1String(command.option);
-    if (hasOption) {
-        texts.removeFirst();
+    QStringList options;
+    while (!texts.isEmpty() && isOption(command, texts.first())) {
+        options += texts.takeFirst();
     }
     if (texts.size() != command.texts) {
         return refuseUsage(QString("\"%1\" takes %2 arguments, not %3")
@@ -190,7 +204,11 @@ int runCommand(const Command &command, QStringList texts)
         say("the settings cannot be read");
         return EX_NOINPUT;
     }
-    return command.run(*settings, {.texts = texts, .force = hasOption, .json = hasOption});
+    return command.run(*settings,
+                       {.texts = texts,
+                        .force = options.contains(forceOption),
+                        .dryRun = options.contains(dryRunOption),
+                        .json = options.contains(jsonOption)});
 }
 
 int run(const QStringList &arguments)
