@@ -72,8 +72,8 @@ if [ -n "$ssh_key" ]; then
 fi
 
 need_root
-need_space 4000
 install_packages "${image_packages[@]}"
+need_space 4000
 packages_are_new dist || ./package.sh
 
 as_root env SOURCE_DATE_EPOCH="$(source_date)" image/build \
