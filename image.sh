@@ -9,10 +9,10 @@ usage() {
     cat <<'TEXT'
 Usage: ./image.sh [OPTION]...
 
-Builds dist/talmero-panel.img: the whole disk of a panel, with Debian 12 and the packages
-of ./package.sh, which is run first unless dist/ is up to date. Write it to the panel's
-disk, or try it with ./run.sh --machine. It boots by BIOS and by UEFI. Needs root or sudo,
-apt's mirror and 4 GB of free space.
+Builds dist/talmero-panel.img: the whole disk of a panel, with this system's release of
+Debian, 12 or 13, and the packages of ./package.sh, which is run first unless dist/ is up
+to date. Write it to the panel's disk, or try it with ./run.sh --machine. It boots by BIOS
+and by UEFI. Needs root or sudo, apt's mirror and 4 GB of free space.
 
   --model NAME            The panel's model, such as RV-K21T.
   --oem NAME              The OEM name that firmware packages must carry.

@@ -16,19 +16,21 @@ own_packages() {
     sed -n 's/^Package: //p' "$work/repository/Packages"
 }
 
-# make_debian "PACKAGE..." [MMDEBSTRAP-OPTION...]: a Debian in the folder $root
+# make_debian "PACKAGE..." [MMDEBSTRAP-OPTION...]: a Debian in the folder $root, of this system's
+# release, because the packages in dist/ were built on it
 make_debian() {
-    local packages own options=()
+    local packages own release options=()
+    release=$(os_release VERSION_CODENAME)
     mapfile -t own < <(own_packages)
     packages="$1 ${own[*]}"
     shift
     unshare --mount true 2>/dev/null || options+=(--skip=chroot/mount) # an unprivileged container
     mmdebstrap --mode=root --variant=minbase "${options[@]}" --include="${packages// /,}" "$@" \
         --aptopt='Apt::Install-Recommends "false"' --aptopt='APT::Sandbox::User "root"' \
-        bookworm "$root" - >>"$log" 2>&1 <<SOURCES || die "Debian could not be installed, see $log: $(grep -m 1 '^E: ' "$log" || tail -n 1 "$log")"
-deb http://deb.debian.org/debian bookworm main
-deb http://deb.debian.org/debian bookworm-updates main
-deb http://security.debian.org/debian-security bookworm-security main
+        "$release" "$root" - >>"$log" 2>&1 <<SOURCES || die "Debian could not be installed, see $log: $(grep -m 1 '^E: ' "$log" || tail -n 1 "$log")"
+deb http://deb.debian.org/debian $release main
+deb http://deb.debian.org/debian $release-updates main
+deb http://security.debian.org/debian-security $release-security main
 deb [trusted=yes] copy:$work/repository ./
 SOURCES
     sed -i '/copy:/d' "$root/etc/apt/sources.list"
