@@ -83,7 +83,8 @@ def choose_factory(panel):
     panel.choose(places.TYPE, places.TYPE_ROWS, 1, height=places.FACTORY_LIST_ROW)
 
 
-SAVES = (Save("network", choose_network), Save("miscellaneous", choose_miscellaneous),
+# The emulated panel writes the network files about 5 s after the tap.
+SAVES = (Save("network", choose_network, limit=9), Save("miscellaneous", choose_miscellaneous),
          Save("factory", choose_factory, button=places.FACTORY_SAVE, has_stick=True, from_start=True),
          Save("installation", choose_installation, limit=15, has_stick=True))
 
@@ -213,7 +214,10 @@ class Cut:
             with Panel(disk, folder, name=name) as panel:
                 panel.wait_for_countdown()
                 self.countdown = time.monotonic() - began
+                panel.tap(*places.COUNTDOWN)
+                panel.wait_for_main_page()
                 panel.wait_for_shell()
+                panel.wait_for_end_of_start()  # a broken network file fails a unit after the countdown
                 self._look(panel)
 
     def _cut(self, panel):
