@@ -46,9 +46,14 @@ machine_packages=(qemu-system-x86 qemu-system-gui ovmf mtools novnc websockify)
 machine_test_packages=(qemu-system-x86 qemu-utils ovmf mtools fdisk e2fsprogs exfatprogs python3)
 # What image.sh needs, and what the image consists of besides our own packages.
 # shellcheck disable=SC2034
-image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-amd64-bin grub-common git)
+image_packages=(mmdebstrap arch-test dpkg-dev e2fsprogs mtools fdisk grub-common git)
+# The boot loaders. That of ARM can only be downloaded, because no other processor has the package.
 # shellcheck disable=SC2034
-system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
+pc_packages=(grub-pc-bin grub-efi-amd64-bin grub-efi-ia32-bin)
+# shellcheck disable=SC2034
+arm_packages=(qemu-user-static)
+# shellcheck disable=SC2034
+system_packages=(initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
     xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core fonts-open-sans)
 
 # What ssh needs on a panel besides.

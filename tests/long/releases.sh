@@ -38,6 +38,7 @@ make_root() {
         --customize-hook='echo "developer ALL=(ALL) NOPASSWD: ALL" >"$1/etc/sudoers.d/developer"' \
         "$release" "$root" http://deb.debian.org/debian >"$log" 2>&1 ||
         die "Debian could not be installed, see $log: $(grep -m 1 '^E: ' "$log" || tail -n 1 "$log")"
+    echo "127.0.0.1 localhost $(hostname)" >"$root/etc/hosts" # sudo asks for this machine's name
     touch "$folder/made"
 }
 
