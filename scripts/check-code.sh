@@ -44,8 +44,14 @@ mapfile -t scripts < <(sources '*.sh' .ci/run simulator compat session image ben
     if head -n 1 "$file" | grep -qE '^#!.*\b(ba)?sh\b' || [[ $file == *.sh ]]; then echo "$file"; fi
 done)
 
-echo "Format"
-clang-format --dry-run --Werror "${code[@]}"
+# Each version breaks some lines and empty braces in its own way. The code looks as version 14 of
+# Debian 12 wants it.
+if [[ $(clang-format --version) == *" version 14."* ]]; then
+    echo "Format"
+    clang-format --dry-run --Werror "${code[@]}"
+else
+    echo "Format: left to Debian 12, whose clang-format the code is for"
+fi
 
 echo "Include rules"
 # folder, then the folders that it may include

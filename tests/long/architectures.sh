@@ -79,9 +79,10 @@ build_tests() {
     in_builder cmake --build build --parallel "$(nproc)" --target "${tests[@]}" talmero-mkpackage >>"$log" 2>&1 ||
         die "the build for $architecture failed, see $log"
     rm -rf "${root:?}$place"
-    mkdir -p "$root$place/build"
+    mkdir -p "$root$place/build/simulator"
     copy_sources "$root$place"
     cp -a "$builder$place/build/bin" "$root$place/build"
+    cp -a build/simulator/stick "$root$place/build/simulator" # amd64's packages
 }
 
 # in_panel COMMAND...: in a simulated panel whose programs are those of the architecture
@@ -108,7 +109,7 @@ run_tests() {
     printf '%s\0' "${tests[@]}" | xargs -0 -n 1 -P "$(nproc)" bash -c 'run_test "$1"' run_test
 }
 
-# report PANEL_OPTION... -- COMMAND...: what the packages of this processor are like
+# Makes packages on this processor and verifies the hostile ones.
 compare_packages() {
     in_panel tests/long/architectures/packages.sh "$shared" >"$folder/report" 2>&1 ||
         die "the packages could not be made for $architecture, see $folder/report"
@@ -123,7 +124,6 @@ compare_packages() {
 
 # The hostile packages, one with a file of 3 GiB, and what amd64 makes of them.
 make_reference() {
-    build_preset release talmero-mkpackage
     rm -rf "$shared"
     mkdir -p "$shared/contents"
     echo "Making the packages"
@@ -176,6 +176,8 @@ fi
 need_space 10000
 release=$(os_release VERSION_CODENAME)
 readonly place=/build/tests/talmero-bios shared=$PWD/build-architectures/shared
+build_preset release talmero-mkpackage panel-stick
+mkdir -p "$shared"
 [ -n "$only" ] || make_reference
 failed=no
 for architecture in "${chosen[@]}"; do
