@@ -125,7 +125,7 @@ sources '*.[1-8]' | xargs mandoc -T lint -W warning
 
 echo "Code"
 # The tests are left out, so that a function used only by tests is reported as unused.
-cppcheck --quiet --error-exitcode=1 --std=c++20 --library=qt -I src \
+cppcheck --quiet --error-exitcode=1 --std=c++20 --library=qt -D PANEL_VERSION='"1"' -I src \
     -I tools -I tools/mkpackage -I tools/doctor -I tools/guard \
     --enable=warning,style,performance,portability,unusedFunction \
     --suppress-xml=scripts/cppcheck.xml src tools
