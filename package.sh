@@ -4,8 +4,6 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/common.sh
 . scripts/common.sh
-# shellcheck source=scripts/systems.sh
-. scripts/systems.sh
 
 usage() {
     cat <<'TEXT'
@@ -36,15 +34,6 @@ TEXT
 usage_error() {
     printf 'package.sh: %s; see ./package.sh --help\n' "$1" >&2
     exit 2
-}
-
-# is_one_of WORD WORD...: whether the first is among the others
-is_one_of() {
-    local word
-    for word in "${@:2}"; do
-        [ "$word" != "$1" ] || return 0
-    done
-    return 1
 }
 
 check=no release='' arch='' repository='' key=''
@@ -84,20 +73,11 @@ work=build-package
 output=dist
 root=''
 if [ -n "$release$arch" ]; then
-    : "${release:=$(. /etc/os-release && echo "$VERSION_CODENAME")}" "${arch:=$(dpkg --print-architecture)}"
+    : "${release:=$(os_release VERSION_CODENAME)}" "${arch:=$(dpkg --print-architecture)}"
     output=dist/$release-$arch
     work=build-package/$release-$arch
     root=$PWD/$work/root
 fi
-
-# copy_sources FOLDER
-copy_sources() {
-    rm -rf "$1"
-    mkdir -p "$1"
-    list_sources . | xargs -0 --no-run-if-empty cp --parents -P -t "$1" || true
-    [ -e "$1/debian/control" ] ||
-        die "the files could not be copied to $1: this must be a git checkout with enough free space"
-}
 
 # build NAME: leaves the packages in $work/NAME
 build() {
@@ -117,7 +97,7 @@ build() {
 # build_apart FOLDER: the same in a clean Debian. Two releases cannot share a version, because their
 # packages differ.
 build_apart() {
-    sed -i "1s/(\([^)]*\)) [a-z]*;/(\1+deb$(release_number "$release")) $release;/" \
+    sed -i "1s/(\([^)]*\)) [a-z]*;/(\1+deb${release_number[$release]}) $release;/" \
         "$1/talmero-bios/debian/changelog"
     as_root env SOURCE_DATE_EPOCH="$SOURCE_DATE_EPOCH" \
         scripts/clean-build "$release" "$arch" "$root" "$1/talmero-bios" "$1"

@@ -1,5 +1,5 @@
 # Makes a disk of a root file system, without root's help: no loop device, no mount. Sourced by build.
-# shellcheck shell=bash disable=SC2154 # build sets root, work and size
+# shellcheck shell=bash disable=SC2154 # build sets architecture, root, work and size
 
 # The same on every panel, so that two builds give the same bytes. Nothing refers to them:
 # the system finds its partitions by their names.
@@ -49,18 +49,34 @@ CONFIG
 
 readonly grub_modules=(normal configfile search search_label part_gpt ext2 linux test echo sleep reboot)
 
-# make_boot_files: core.img for BIOS, esp.img for UEFI
+# make_loader FORMAT FILE [MODULE...]
+make_loader() {
+    local folder=/usr/lib/grub/$1
+    [ -d "$folder" ] || folder=$work/loaders$folder
+    grub-mkimage --directory="$folder" --format="$1" --prefix=/boot/grub --config="$work/early.cfg" \
+        --output="$2" "${grub_modules[@]}" "${@:3}" >>"$log" 2>&1 || die "grub-mkimage failed, see $log"
+}
+
+# add_uefi_loader FORMAT NAME: the firmware looks for the name
+add_uefi_loader() {
+    make_loader "$1" "$work/$2"
+    touch --date "@$SOURCE_DATE_EPOCH" "$work/$2"
+    mcopy -m -i "$work/esp.img" "$work/$2" "::/EFI/BOOT/$2"
+}
+
+# make_boot_files: esp.img for UEFI and, for a PC, core.img for BIOS
 make_boot_files() {
     boot_loader_config >"$work/early.cfg"
-    grub-mkimage --format=i386-pc --prefix=/boot/grub --config="$work/early.cfg" --output="$work/core.img" \
-        biosdisk "${grub_modules[@]}" >>"$log" 2>&1 || die "grub-mkimage failed, see $log"
-    grub-mkimage --format=x86_64-efi --prefix=/boot/grub --config="$work/early.cfg" --output="$work/bootx64.efi" \
-        "${grub_modules[@]}" >>"$log" 2>&1 || die "grub-mkimage failed, see $log"
     truncate --size 8M "$work/esp.img"
     mformat -i "$work/esp.img" -v TALMERO -N 7a1e0002 -T 16384 -h 16 -s 32 ::
     mmd -i "$work/esp.img" ::/EFI ::/EFI/BOOT
-    touch --date "@$SOURCE_DATE_EPOCH" "$work/bootx64.efi"
-    mcopy -m -i "$work/esp.img" "$work/bootx64.efi" ::/EFI/BOOT/BOOTX64.EFI
+    if [ "$architecture" = arm64 ]; then
+        add_uefi_loader arm64-efi BOOTAA64.EFI
+    else
+        make_loader i386-pc "$work/core.img" biosdisk
+        add_uefi_loader x86_64-efi BOOTX64.EFI
+        add_uefi_loader i386-efi BOOTIA32.EFI # some PCs of 64 bits have firmware of 32 bits
+    fi
 }
 
 # put IMAGE FILE OFFSET: writes FILE into IMAGE
@@ -115,7 +131,7 @@ start=2MiB, size=8MiB, type=uefi, name=talmero-uefi, uuid=7A1E0000-0000-4000-800
 start=10MiB, size=${root_size}MiB, type=linux, name=talmero-root, uuid=$root_id
 start=$((10 + root_size))MiB, size=${home_size}MiB, type=linux, name=talmero-home, uuid=$home_id
 PARTITIONS
-    install_bios_loader "$image" "$mib"
+    [ ! -e "$work/core.img" ] || install_bios_loader "$image" "$mib"
     put "$image" "$work/esp.img" $((2 * mib))
     put "$image" "$work/root.img" $((10 * mib))
     put "$image" "$work/home.img" $(((10 + root_size) * mib))

@@ -3,8 +3,11 @@
 
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export project_root
+# shellcheck source=scripts/systems.sh
+. "$project_root/scripts/systems.sh"
 
-# Debian packages by purpose.
+# Debian packages by purpose. The names are those of all releases in systems.sh; clang, llvm and
+# libclang-rt-dev stand for the release's own version.
 # shellcheck disable=SC2034
 build_packages=(g++ ninja-build cmake mold qt6-base-dev qt6-base-private-dev qt6-serialport-dev
     libgl-dev libarchive-dev zlib1g-dev libfuse3-dev)
@@ -19,7 +22,7 @@ check_packages=(clang-format clang-tidy cppcheck shellcheck ansible-core ansible
 # shellcheck disable=SC2034
 coverage_packages=(gcovr)
 # shellcheck disable=SC2034
-fuzz_packages=(clang-14 libclang-rt-14-dev llvm-14 python3)
+fuzz_packages=(clang libclang-rt-dev llvm python3)
 # shellcheck disable=SC2034
 bench_packages=(libxcb1-dev libxcb-damage0-dev)
 # The peers of the benchmarks.
@@ -44,9 +47,14 @@ machine_test_packages=(qemu-system-x86 qemu-utils ovmf mtools fdisk e2fsprogs ex
     reprepro gnupg openssh-client ansible-core)
 # What image.sh needs, and what the image consists of besides our own packages.
 # shellcheck disable=SC2034
-image_packages=(mmdebstrap dpkg-dev e2fsprogs mtools fdisk grub-pc-bin grub-efi-amd64-bin grub-common git)
+image_packages=(mmdebstrap arch-test dpkg-dev e2fsprogs mtools fdisk grub-common git)
+# The boot loaders. That of ARM can only be downloaded, because no other processor has the package.
 # shellcheck disable=SC2034
-system_packages=(linux-image-amd64 initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
+pc_packages=(grub-pc-bin grub-efi-amd64-bin grub-efi-ia32-bin)
+# shellcheck disable=SC2034
+arm_packages=(qemu-user-static)
+# shellcheck disable=SC2034
+system_packages=(initramfs-tools lz4 systemd-sysv udev xserver-xorg-core
     xserver-xorg-input-libinput xserver-xorg-video-fbdev fontconfig fonts-dejavu-core fonts-open-sans)
 
 # What ssh needs on a panel besides, and what Ansible needs there.
@@ -78,6 +86,15 @@ read_seeds() {
         esac
     done
     [ "${#seeds[@]}" -gt 0 ] || seeds=(1 2)
+}
+
+# is_one_of WORD WORD...: whether the first is among the others
+is_one_of() {
+    local word
+    for word in "${@:2}"; do
+        [ "$word" != "$1" ] || return 0
+    done
+    return 1
 }
 
 # Runs a command as root, with sudo if necessary.
@@ -121,21 +138,25 @@ is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
-# The name of this system, if it is not Debian 12.
-foreign_system() {
-    (
-        ID='' VERSION_ID='' PRETTY_NAME="an unknown system"
-        # shellcheck source=/dev/null
-        . /etc/os-release || true
-        [ "$ID $VERSION_ID" = "debian 12" ] || echo "$PRETTY_NAME"
-    ) 2>/dev/null
+# os_release KEY: what this system says of itself
+os_release() {
+    sed -n "s/^$1=\"\\?\\([^\"]*\\)\"\\?$/\\1/p" /etc/os-release 2>/dev/null || true
+}
+
+# Exits if this is no release of Debian that the lists of packages are for.
+need_debian() {
+    local name
+    if [ "$(os_release ID)" = debian ] && is_one_of "$(os_release VERSION_CODENAME)" "${releases[@]}"; then
+        return
+    fi
+    name=$(os_release PRETTY_NAME)
+    die "this is ${name:-an unknown system}, but Debian ${release_number[bookworm]} or ${release_number[trixie]} is needed"
 }
 
 # explain_apt OUTPUT_OF_UPDATE OUTPUT_OF_INSTALL: one line that says why apt-get failed.
 explain_apt() {
-    local reason system
+    local reason
     reason=$(grep -m 1 'No space left on device' <<<"$2" || grep -m 1 '^E: ' <<<"$2" || tail -n 1 <<<"$2")
-    system=$(foreign_system)
     case $reason in
     "E: Unable to locate"* | "E: Package "*)
         # apt knows no packages without its lists, so the cause is whatever kept them from loading.
@@ -143,17 +164,17 @@ explain_apt() {
         ;;
     esac
     reason=${reason#[EW]:}
-    echo "${reason# }${system:+; this is $system, and Debian 12 is needed}"
+    echo "${reason# }"
 }
 
 # Installs the given Debian packages that are missing. Silent if none is.
 install_packages() {
     local package updated installed missing=()
+    need_debian
     for package in "$@"; do
         is_installed "$package" || missing+=("$package")
     done
     [ "${#missing[@]}" -gt 0 ] || return 0
-    command -v apt-get >/dev/null || die "there is no apt-get here: Debian 12 is needed"
     need_root
     echo "Installing, which can take some minutes: ${missing[*]}"
     # A broken source matters only if a package cannot be installed.
@@ -178,8 +199,10 @@ build_preset() {
         die "CMake cannot build below $project_root: rename the folder, it has one of # ; \" \\ < > | ? [ ]"
         ;;
     esac
-    # CMake refuses a folder that was configured for make.
-    ! grep -qs '^CMAKE_GENERATOR:.*Makefiles' "$folder/CMakeCache.txt" || fresh=(--fresh)
+    # CMake refuses a folder that was configured for make, and forgets all options when the compiler
+    # changes: the fuzz targets were once built with clang++-14.
+    ! grep -qsE '^CMAKE_GENERATOR:.*Makefiles|^CMAKE_CXX_COMPILER:.*clang\+\+-14$' "$folder/CMakeCache.txt" ||
+        fresh=(--fresh)
     cmake "${fresh[@]}" --preset "$preset" >/dev/null || die "cmake could not configure the preset $preset"
     cmake --build --preset "$preset" --parallel "$(nproc)" ${1+--target "$@"} |
         sed --unbuffered '/^ninja: no work to do/d'
@@ -194,6 +217,15 @@ list_sources() {
         while IFS= read -r -d '' file; do
             [ ! -e "$file" ] || printf '%s\0' "$file"
         done
+}
+
+# copy_sources FOLDER: makes a folder with a copy of the sources; the files keep their times, so that
+# a build folder in it stays useful
+copy_sources() {
+    mkdir -p "$1"
+    list_sources . | xargs -0 --no-run-if-empty cp --parents -P --preserve=mode,timestamps -t "$1" || true
+    [ -e "$1/debian/control" ] ||
+        die "the files could not be copied to $1: this must be a git checkout with enough free space"
 }
 
 # packages_are_new FOLDER: whether it has packages newer than every file that they are made of

@@ -23,6 +23,7 @@ test_pages.Pages.test_calibration_is_kept. With TEST, no power is cut.
                        adds to them.
   --without-guard      The same without the package talmero-bios-guard.
   --jobs N             Machines at a time during the cuts (default: 2).
+  --arch NAME          Tests the image for i386 or arm64 (default: amd64).
   --image FILE         Tests this image, which must have been made with --test, --model,
                        --oem and --runtime-version.
   --help               Shows this text.
@@ -34,13 +35,13 @@ usage_error() {
     exit 2
 }
 
-short=no cuts='' image='' cut_options=() tests=()
+short=no cuts='' image='' arch=amd64 cut_options=() tests=()
 while [ $# -gt 0 ]; do
     case $1 in
     --help) usage && exit 0 ;;
     --short) short=yes && shift && continue ;;
     --without-guard) cut_options+=(--without-guard) && shift && continue ;;
-    --cuts | --jobs | --image) [ -n "${2-}" ] || usage_error "$1 needs a value" ;;
+    --cuts | --jobs | --image | --arch) [ -n "${2-}" ] || usage_error "$1 needs a value" ;;
     -*) usage_error "unknown option $1" ;;
     *) tests+=("$1") && shift && continue ;;
     esac
@@ -48,10 +49,13 @@ while [ $# -gt 0 ]; do
     --cuts) cuts=$2 ;;
     --jobs) cut_options+=(--jobs "$2") ;;
     --image) image=$2 ;;
+    --arch) arch=$2 ;;
     esac
     shift 2
 done
 [[ -z $cuts || $cuts =~ ^[0-9]+(-[0-9]+)?$ ]] || usage_error "--cuts takes seeds such as 1-50, not $cuts"
+is_one_of "$arch" "${image_architectures[@]}" ||
+    usage_error "the architecture is one of ${image_architectures[*]}, not $arch"
 [ -z "$image" ] || [ -r "$image" ] || usage_error "there is no image $image"
 
 run_tests() {
@@ -72,6 +76,10 @@ image_is_new() {
     [ -z "$newer" ]
 }
 
+case $arch in
+i386) machine_test_packages+=(ovmf-ia32) ;;
+arm64) machine_test_packages+=(qemu-system-arm qemu-efi-aarch64) ;;
+esac
 # A short run is part of every test run, also of one on a machine that cannot have QEMU.
 if ! (install_packages "${machine_test_packages[@]}"); then
     [ "$short" = no ] || exit 77
@@ -79,10 +87,11 @@ if ! (install_packages "${machine_test_packages[@]}"); then
 fi
 if [ -z "$image" ]; then
     image=dist/talmero-panel-test.img
-    image_is_new "$image" || ./image.sh --test --model RV-K21T --oem TALMERO --runtime-version 12
+    [ "$arch" = "$(dpkg --print-architecture)" ] || image=dist/talmero-panel-test-$arch.img
+    image_is_new "$image" || ./image.sh --test --arch "$arch" --model RV-K21T --oem TALMERO --runtime-version 12
 fi
-PANEL_IMAGE=$(realpath -- "$image")
-export PANEL_IMAGE
+PANEL_IMAGE=$(realpath -- "$image") PANEL_ARCHITECTURE=$arch
+export PANEL_IMAGE PANEL_ARCHITECTURE
 if [ "$short" = yes ]; then
     run_tests short
     exit

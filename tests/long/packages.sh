@@ -9,11 +9,12 @@ usage() {
     cat <<'TEXT'
 Usage: tests/long/packages.sh [OPTION]
 
-Builds the packages twice and checks them with lintian. Creates a minimal Debian 12
-with debootstrap, installs the packages with apt, without recommended ones, and boots
-it in the simulated panel. Tests, by touch: countdown, runtime, settings, a package
-from a stick, a DHCP lease and a calibration. Also tests that the session comes back
-whenever it ends. Takes about six minutes. Needs root or sudo, and apt's mirror.
+Builds the packages twice and checks them with lintian. Creates a minimal Debian of
+this release with debootstrap, installs the packages with apt, without recommended
+ones, and boots it in the simulated panel. Tests, by touch: countdown, runtime,
+settings, a package from a stick, a DHCP lease and a calibration. Also tests that the
+session comes back whenever it ends. Takes about six minutes. Needs root or sudo, and
+apt's mirror.
 
   --keep-root   Reuses the Debian of the last run, with the packages installed then.
   --help        Shows this text.
@@ -35,6 +36,7 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 install_packages "${build_packages[@]}" "${panel_packages[@]}" "${package_packages[@]}" \
     "${clean_root_packages[@]}"
+release=$(os_release VERSION_CODENAME)
 work=$PWD/build-packages
 root=$work/root
 mkdir -p "$work/debs/partial" "$work/pictures"
@@ -43,7 +45,7 @@ mkdir -p "$work/debs/partial" "$work/pictures"
 mirror() {
     # shellcheck disable=SC2016 # apt fills it in
     apt-get indextargets --format '$(REPO_URI) $(RELEASE)' 'Created-By: Packages' |
-        sed -n 's/ bookworm$//p' | head -n 1
+        sed -n "s/ $release\$//p" | head -n 1
 }
 
 # apart COMMAND...: runs it with its own mounts and processes, which end with it
@@ -54,7 +56,7 @@ apart() {
 make_root() {
     echo "Creating a clean Debian"
     rm -rf "$root"
-    debootstrap --variant=minbase bookworm "$root" "$(mirror)" >"$work/debootstrap.log" ||
+    debootstrap --variant=minbase "$release" "$root" "$(mirror)" >"$work/debootstrap.log" ||
         die "debootstrap failed, see $work/debootstrap.log"
     cp dist/talmero-bios_*.deb dist/talmero-bios-tools_*.deb dist/talmero-bios-compat_*.deb \
         dist/talmero-bios-guard_*.deb \

@@ -4,7 +4,9 @@ The processor is emulated, because nested hardware virtualisation is often slowe
 """
 
 import contextlib
+import dataclasses
 import json
+import os
 import pathlib
 import re
 import select
@@ -28,8 +30,33 @@ HARDWARE_ADDRESSES = ("02:00:00:00:00:0a", "02:00:00:00:00:0b")
 NETWORKS = ("net=192.168.5.0/24,dhcpstart=192.168.5.15",
             "net=192.168.0.0/24,dhcpstart=192.168.0.15,guestfwd=tcp:192.168.0.30:33-cmd:cat")
 WEB_SERVER = "192.168.5.30"  # behind the first port
-UEFI_CODE = "/usr/share/OVMF/OVMF_CODE_4M.fd"
-UEFI_VARIABLES = "/usr/share/OVMF/OVMF_VARS_4M.fd"
+
+
+@dataclasses.dataclass(frozen=True)
+class Kind:
+    """The machine for panels of an architecture. Its parts are QEMU's names of devices."""
+
+    program: str
+    machine: str
+    processor: str
+    screen: str
+    disk: str
+    serial_port: str
+    uefi_code: str
+    uefi_variables: str
+    has_bios: bool = True
+
+
+KINDS = {
+    "amd64": Kind("qemu-system-x86_64", "q35", "max", "VGA", "ide-hd", "isa-serial",
+                  "/usr/share/OVMF/OVMF_CODE_4M.fd", "/usr/share/OVMF/OVMF_VARS_4M.fd"),
+    "i386": Kind("qemu-system-i386", "q35", "max", "VGA", "ide-hd", "isa-serial",
+                 "/usr/share/OVMF/OVMF32_CODE_4M.secboot.fd", "/usr/share/OVMF/OVMF32_VARS_4M.fd"),
+    "arm64": Kind("qemu-system-aarch64", "virt", "cortex-a72", "virtio-gpu-pci", "virtio-blk-pci",
+                  "pci-serial", "/usr/share/AAVMF/AAVMF_CODE.fd", "/usr/share/AAVMF/AAVMF_VARS.fd",
+                  has_bios=False),
+}
+KIND = KINDS[os.environ.get("PANEL_ARCHITECTURE", "amd64")]
 
 
 class MachineError(Exception):
@@ -190,12 +217,12 @@ class Machine:
         self.shell = None
         addresses = reversed(HARDWARE_ADDRESSES) if swap_ports else HARDWARE_ADDRESSES
         # QEMU ends with this process, however that ends.
-        command = ["setpriv", "--pdeathsig", "KILL", "qemu-system-x86_64", "-nodefaults",
+        command = ["setpriv", "--pdeathsig", "KILL", KIND.program, "-nodefaults",
                    "-no-user-config", "-display", "none",
-                   "-machine", "q35", "-accel", "tcg", "-cpu", "max", "-smp", "1", "-m", str(MEMORY),
-                   "-device", f"VGA,xres={WIDTH},yres={HEIGHT}",
+                   "-machine", KIND.machine, "-accel", "tcg", "-cpu", KIND.processor, "-smp", "1",
+                   "-m", str(MEMORY), "-device", f"{KIND.screen},xres={WIDTH},yres={HEIGHT}",
                    "-drive", f"if=none,id=disk,format=qcow2,cache=writeback,file={disk}",
-                   "-device", "ide-hd,drive=disk,bootindex=0",
+                   "-device", f"{KIND.disk},drive=disk,bootindex=0",
                    "-device", "qemu-xhci,id=usb", "-device", "usb-tablet,bus=usb.0",
                    "-qmp", f"unix:{self.folder}/monitor,server=on,wait=off",
                    "-rtc", f"base={clock or 'utc'}"]
@@ -210,15 +237,15 @@ class Machine:
                     "-chardev", f"socket,id=com1,path={self.folder}/wire,server=on,wait=off",
                     "-chardev", f"socket,id=com2,path={self.folder}/wire,reconnect=1"]
         for number in range(3):
-            command += ["-device", f"isa-serial,chardev=com{number}"]
+            command += ["-device", f"{KIND.serial_port},chardev=com{number}"]
         for name, file in zip(self.plugged, sticks):
             command += ["-drive", f"if=none,id={name}-disk,format=raw,snapshot=on,file={file}",
                         "-device", f"usb-storage,id={name},bus=usb.0,drive={name}-disk,removable=on"]
-        if uefi:
+        if uefi or not KIND.has_bios:
             variables = self.folder / "variables"
             if not variables.exists():
-                shutil.copyfile(UEFI_VARIABLES, variables)
-            command += ["-drive", f"if=pflash,format=raw,readonly=on,file={UEFI_CODE}",
+                shutil.copyfile(KIND.uefi_variables, variables)
+            command += ["-drive", f"if=pflash,format=raw,readonly=on,file={KIND.uefi_code}",
                         "-drive", f"if=pflash,format=raw,file={variables}"]
         if has_watchdog:
             command += ["-global", "ICH9-LPC.noreboot=off"]

@@ -1,8 +1,10 @@
 """What the guard does outside the program, where only a machine can show it."""
 
 import time
+import unittest
 
 import screen
+from machine import KIND
 from machinetest import MachineTest
 from states import disk_of, main_page
 
@@ -41,6 +43,7 @@ class Guard(MachineTest):
             self.assertGreater(used, JOURNAL_LIMIT / 2, "the lines are not stored")
             self.assertLessEqual(used, JOURNAL_LIMIT)
 
+    @unittest.skipUnless(KIND.has_bios, "this machine's watchdog is another one")
     def test_watchdog_restarts_a_panel_that_hangs(self):
         with self.panel(disk_of(main_page()), has_watchdog=True) as panel:
             panel.open_main_page()

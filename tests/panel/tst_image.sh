@@ -28,6 +28,7 @@ wrong_options() {
         refuses "the size is a number of MB" --size 99 &&
         refuses "the runtime's version is a number" --runtime-version 1.2 &&
         refuses "one line of text" --oem $'A\nB' &&
+        refuses "the architecture is one of amd64 i386 arm64, not armhf" --arch armhf &&
         refuses "is not a folder" --overlay "$work/nothing"
 }
 

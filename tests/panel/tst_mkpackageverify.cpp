@@ -127,7 +127,7 @@ void TestMkpackageVerify::packagesOfTheTestsAreGood()
         packageBytes(Kinds::application, 12, "K21T", largeArchive()),
         packageBytes(Kinds::firmware, 13, "TALMERO", smallArchive()),
         packageBytes(Kinds::biosImage, 4, "", biosArchive()),
-        packageBytes(Kinds::application, 12, "K21T", {{"compile/new", "new"}}),
+        packageBytes(Kinds::application, 12, "K21T", PackageMembers{{"compile/new", "new"}}),
     };
     for (const QByteArray &package : packages) {
         writeFile(path("package").toUtf8(), package);

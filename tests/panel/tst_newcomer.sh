@@ -16,11 +16,15 @@ stand_in() { # NAME SHELL_TEXT
     printf '#!/bin/sh\n%s\n' "$2" >"$stand_ins/$1" && chmod 755 "$stand_ins/$1"
 }
 
+be_system() { # ID CODENAME NAME
+    printf 'ID=%s\nVERSION_CODENAME=%s\nPRETTY_NAME="%s"\n' "$@" >/etc/os-release
+}
+
 # A machine that has everything.
 prepare() {
     rm -rf "$checkout" "$stand_ins"
     mkdir -p "$checkout/scripts" "$checkout/simulator" "$stand_ins"
-    cp "$root/run.sh" "$root/test.sh" "$root/package.sh" "$checkout"
+    cp "$root/run.sh" "$root/test.sh" "$root/package.sh" "$root/image.sh" "$checkout"
     cp "$root/scripts/common.sh" "$root/scripts/systems.sh" "$checkout/scripts"
     # shellcheck disable=SC2016
     stand_in panel 'echo "panel $*"' && mv "$stand_ins/panel" "$checkout/simulator"
@@ -31,7 +35,7 @@ prepare() {
     # shellcheck disable=SC2016
     stand_in sudo '[ "$1" != --non-interactive ] || shift; "$@"'
     stand_in unshare '' # succeeds, although the stand-in for sudo gives no rights
-    printf 'ID=debian\nVERSION_ID="12"\nPRETTY_NAME="Debian GNU/Linux 12 (bookworm)"\n' >/etc/os-release
+    be_system debian bookworm "Debian GNU/Linux 12 (bookworm)"
     chmod 755 "$work"
     chown -R "$user" "$checkout"
 }
@@ -135,12 +139,6 @@ folder_with_special_characters() {
         one_line 0 'panel .* -- .*/build/bin/talmero-bios' "${as_user[@]}" "$checkout's (\$1)/run.sh"
 }
 
-no_apt() {
-    stand_in dpkg-query 'exit 1'
-    rm /usr/bin/apt-get
-    both 'there is no apt-get here: Debian 12 is needed'
-}
-
 readonly no_name="Temporary failure resolving 'deb.debian.org'"
 
 no_network() {
@@ -156,10 +154,24 @@ E: Unable to locate package make"
     both "the packages could not be installed: Failed to fetch http://deb/InRelease  $no_name"
 }
 
-other_system() {
-    failing_apt '' 'E: Unable to locate package clang-14'
-    printf 'ID=ubuntu\nVERSION_ID="24.04"\nPRETTY_NAME="Ubuntu 24.04 LTS"\n' >/etc/os-release
-    both 'the packages could not be installed: Unable to locate package clang-14; this is Ubuntu 24.04 LTS, and Debian 12 is needed'
+debian_13() {
+    be_system debian trixie "Debian GNU/Linux 13 (trixie)"
+    everything_is_there
+}
+
+# is_refused NAME: every script says that it cannot work on the system with this name
+is_refused() {
+    local script
+    for script in run.sh test.sh package.sh image.sh; do
+        one_line 1 "$script: this is $1, but Debian 12 or 13 is needed" "$checkout/$script" || return
+    done
+}
+
+other_systems() {
+    be_system ubuntu noble "Ubuntu 24.04 LTS" && is_refused "Ubuntu 24.04 LTS" &&
+        be_system debian bullseye "Debian 11" && is_refused "Debian 11" &&
+        be_system debian "" Debian && is_refused Debian &&
+        rm /etc/os-release && is_refused "an unknown system"
 }
 
 disk_full_while_unpacking() {
@@ -190,8 +202,8 @@ on_a_new_machine "names a folder that CMake refuses" folder_that_cmake_refuses
 on_a_new_machine "runs in a folder with special characters" folder_with_special_characters
 on_a_new_machine "names the missing network" no_network
 on_a_new_machine "names the missing network when apt has no package lists" no_network_and_no_lists
-on_a_new_machine "names a system other than Debian 12" other_system
+on_a_new_machine "runs on Debian 13" debian_13
+on_a_new_machine "names a system that is not supported" other_systems
 on_a_new_machine "names a disk that gets full while unpacking" disk_full_while_unpacking
-on_a_new_machine "names a missing apt-get" no_apt
 
 [ "$failures" -eq 0 ]

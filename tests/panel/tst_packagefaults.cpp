@@ -273,7 +273,7 @@ void TestPackageFaults::stickPulledAtEachBlock()
     QRandomGenerator random(1);
     random.generate(reinterpret_cast<quint32 *>(noise.begin()),
                     reinterpret_cast<quint32 *>(noise.end()));
-    const QByteArray package = packageBytes(application, 12, "K21T", {{"a", noise}});
+    const QByteArray package = packageBytes(application, 12, "K21T", PackageMembers{{"a", noise}});
     QVERIFY(package.size() > noise.size());
     writeFile(packagePath, package);
     for (qsizetype offset = 0; offset < package.size() + blockSize; offset += blockSize) {

@@ -74,7 +74,7 @@ other_bytes_of_one_version_are_refused() {
 
 other_key_is_refused() {
     new_key other@talmero.example && gpg --batch --export --armor other@talmero.example >"$work/other.asc" &&
-        says 'NO_PUBKEY|not signed' panel_apt bookworm amd64 "$work/other.asc" apt-get update
+        says 'NO_PUBKEY|Missing key|not signed' panel_apt bookworm amd64 "$work/other.asc" apt-get update
 }
 
 changed_package_list_is_refused() {

@@ -9,6 +9,8 @@ namespace {
 constexpr int unlimited = -1;
 int entriesLeft = unlimited;
 bool untyped = false;
+// On 32-bit processors, the headers of the C library turn the name "readdir" into another one.
+constexpr const char *nextName = sizeof(long) == sizeof(qint64) ? "readdir" : "readdir64";
 } // namespace
 
 FailingListings::FailingListings(int entries)
@@ -41,7 +43,7 @@ extern "C" dirent *readdir(DIR *folder)
     if (entriesLeft > 0) {
         --entriesLeft;
     }
-    static const auto next = reinterpret_cast<dirent *(*)(DIR *)>(dlsym(RTLD_NEXT, "readdir"));
+    static const auto next = reinterpret_cast<dirent *(*)(DIR *)>(dlsym(RTLD_NEXT, nextName));
     dirent *const entry = next(folder);
     if (entry && untyped) {
         entry->d_type = DT_UNKNOWN;

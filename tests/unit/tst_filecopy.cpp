@@ -71,6 +71,7 @@ class TestFileCopy : public QObject
 private slots:
     void initTestCase();
     void opensPlainFilesOnly();
+    void opensFilesOver2GiB();
     void unreadable_data() { addUnreadablePathRows(); }
     void unreadable();
     void copiesTheRest_data();
@@ -116,6 +117,22 @@ void TestFileCopy::opensPlainFilesOnly()
     QCOMPARE(read("/dev/zero"), QByteArray("not read"));
     QCOMPARE(read(""), QByteArray("not read"));
     QVERIFY(timer.elapsed() < 10000);
+}
+
+/// 32-bit processors have functions of the C library that fail for such files.
+void TestFileCopy::opensFilesOver2GiB()
+{
+    constexpr qint64 size = 3LL << 30; // bytes, of which the disk holds the last ones
+    QFile written(path("huge"));
+    QVERIFY(written.open(QIODevice::WriteOnly));
+    QVERIFY(written.seek(size - 3) && written.write("end") == 3);
+    written.close();
+    QFile file;
+    QVERIFY(openPlainFile(file, path("huge")));
+    QCOMPARE(file.size(), size);
+    QVERIFY(file.seek(size - 3));
+    QCOMPARE(file.readAll(), QByteArray("end"));
+    QVERIFY(QFile::remove(path("huge")));
 }
 
 void TestFileCopy::unreadable()

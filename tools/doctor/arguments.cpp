@@ -14,7 +14,7 @@ void readLimit(const QString &text, Arguments &arguments)
         arguments.error = "--limit must be a number of seconds, up to 60";
         return;
     }
-    arguments.limit = std::chrono::milliseconds(qMax(1, int(seconds * 1000)));
+    arguments.limit = std::chrono::milliseconds(qMax(1, qRound(seconds * 1000)));
 }
 } // namespace
 

@@ -98,9 +98,9 @@ for target in "${targets[@]}"; do
 done
 
 echo "Lines of the parsers that were reached"
-llvm-profdata-14 merge -o "$output/profiles/merged" \
+llvm-profdata merge -o "$output/profiles/merged" \
     "${targets[@]/#/$output/profiles/raw-}"
-llvm-cov-14 export --summary-only --instr-profile="$output/profiles/merged" \
+llvm-cov export --summary-only --instr-profile="$output/profiles/merged" \
     "${targets[@]/#/--object=$output/bin/fuzz_}" |
     python3 -c 'import json, os, sys
 for file in json.load(sys.stdin)["data"][0]["files"]:

@@ -53,7 +53,7 @@ const QByteArray &noise()
 const QByteArray &largePackage()
 {
     static const QByteArray bytes
-        = packageBytes(PackageKind::Application, 12, "RV-K21T", {{"a", noise()}});
+        = packageBytes(PackageKind::Application, 12, "RV-K21T", PackageMembers{{"a", noise()}});
     return bytes;
 }
 
