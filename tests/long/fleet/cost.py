@@ -1,5 +1,7 @@
 """Measures what panels cost the computer that looks after them. fleet.sh --cost runs it."""
 
+import sys
+
 from fleettest import COUNT, everything
 
 COUNTS = [count for count in (1, 10, 50, 100) if count <= COUNT]
@@ -26,7 +28,10 @@ def measure(role, packages=(None,) * len(COUNTS), changes=False):
         run = desk.play(role, "--limit", ",".join(names), **variables)
         assert run.status == 0 and run.visited == names, run.output
         assert run.changed == (names if changes else []), run.output
-        costs.append(run.cost)
+        cost = run.cost
+        print(f"{role}, {count}: {cost.seconds:.0f} s, {cost.processor:.1f} s of processor time,",
+              f"{cost.peak:.0f} MB", file=sys.stderr, flush=True)
+        costs.append(cost)
     return costs
 
 

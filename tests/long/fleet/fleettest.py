@@ -32,6 +32,7 @@ def install_collection(desk):
 def everything():
     """The plant and the desk with two applications, which all tests share."""
     plant = Plant(COUNT, BUILD, FILES)
+    atexit.register(plant.stop)
     desk = Desk(temporary_folder(), plant.panels, BUILD, FILES / "key")
     data = random.Random(1).randbytes(300000)
     for name in ("old", "new"):

@@ -47,7 +47,8 @@ class Panel:
         self.address = f"192.168.1.{10 + number}"  # as in fleet/example/inventory.yml
         self.cable = f"cable{number}"
         self.log = tempfile.TemporaryFile("w+")
-        simulator = [ROOT / "simulator/panel", "--build", build]
+        # It ends with us, however we end.
+        simulator = ["setpriv", "--pdeathsig", "TERM", ROOT / "simulator/panel", "--build", build]
         self.process = subprocess.Popen(
             [*simulator, "--", ROOT / "tests/long/fleet/panel", files, self.address],
             stdin=subprocess.DEVNULL, stdout=self.log, stderr=subprocess.STDOUT,
