@@ -14,15 +14,19 @@ Installs missing Debian packages, builds, checks the format and the code, fuzzes
 the parsers, and runs all tests twice: as released, and with the address and
 undefined-behaviour sanitizers. Needs root or sudo.
 
-  --quick   Skips the code checks, the fuzzing and the run with sanitizers.
-  --help    Shows this text.
+  --quick    Skips the code checks, the fuzzing and the run with sanitizers.
+  --machine  Also boots the panel's disk image in a virtual machine: a start, a save, a
+             power cut, another start. Builds the image first unless dist/ has a new one.
+             Takes up to ten minutes more.
+  --help     Shows this text.
 TEXT
 }
 
-quick=no
+quick=no machine=no
 for argument in "$@"; do
     case $argument in
     --quick) quick=yes ;;
+    --machine) machine=yes ;;
     --help) usage && exit 0 ;;
     *) echo "test.sh: unknown option $argument; see ./test.sh --help" >&2 && exit 2 ;;
     esac
@@ -31,6 +35,10 @@ done
 run_tests() { # PRESET
     need_root # the build may have outlasted sudo's password timeout
     ctest --preset "$1" --parallel "$places" --label-exclude machine --output-log build/tests.log
+}
+
+run_on_machine() {
+    [ "$machine" = no ] || ctest --preset release --label-regex machine
 }
 
 build_with_sanitizers() {
@@ -78,9 +86,11 @@ places=$((4 * $(nproc)))
 build_preset release
 if [ "$quick" = yes ]; then
     run_tests release
+    run_on_machine
     exit
 fi
 
 run_tests_beside release build_with_sanitizers
 run_tests_beside sanitize check_and_fuzz
 sed -n '/tests passed/,$p' build/tests.log # the summary again, below what ran beside the tests
+run_on_machine

@@ -43,7 +43,8 @@ panel_packages=(util-linux libarchive-tools iproute2 busybox python3 procps isc-
 machine_packages=(qemu-system-x86 qemu-system-gui ovmf mtools novnc websockify)
 # What the tests on that machine need besides.
 # shellcheck disable=SC2034
-machine_test_packages=(qemu-system-x86 qemu-utils ovmf mtools fdisk e2fsprogs exfatprogs python3)
+machine_test_packages=(qemu-system-x86 qemu-utils ovmf mtools fdisk e2fsprogs exfatprogs python3 busybox
+    reprepro gnupg)
 # What image.sh needs, and what the image consists of besides our own packages.
 # shellcheck disable=SC2034
 image_packages=(mmdebstrap arch-test dpkg-dev e2fsprogs mtools fdisk grub-common git)

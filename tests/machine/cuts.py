@@ -46,6 +46,7 @@ class Save:
     button: the place of the last tap
     has_stick: whether it needs a stick
     from_start: whether the stick must be plugged in at power-on
+    installs: whether it replaces the application
     """
     name: str
     choose: Callable
@@ -53,6 +54,7 @@ class Save:
     button: tuple = places.OK
     has_stick: bool = False
     from_start: bool = False
+    installs: bool = False
 
 
 def choose_network(panel):
@@ -86,7 +88,7 @@ def choose_factory(panel):
 # The emulated panel writes the network files about 5 s after the tap.
 SAVES = (Save("network", choose_network, limit=9), Save("miscellaneous", choose_miscellaneous),
          Save("factory", choose_factory, button=places.FACTORY_SAVE, has_stick=True, from_start=True),
-         Save("installation", choose_installation, limit=15, has_stick=True))
+         Save("installation", choose_installation, limit=15, has_stick=True, installs=True))
 
 
 def make_sticks(folder, model, runtime):
@@ -245,6 +247,8 @@ class Cut:
                 self.faults.append(f"{path} {left}")
         if {self.fates[path] for path in SETTINGS[:2]} == {"old", "new"}:
             self.faults.append("bios.ini and interfaces disagree")
+        if not self.save.installs and self._installed("lost"):
+            self.faults.append("files missing that nobody had touched")
         if (self.page_back or 0) > FLUSH_LIMIT and self._installed("lost", "old"):
             self.faults.append("files missing that the page had reported")
 

@@ -29,6 +29,7 @@ HARDWARE_ADDRESSES = ("02:00:00:00:00:0a", "02:00:00:00:00:0b")
 # QEMU's own DHCP server answers on each port. The second also reaches the peer of the echo test.
 NETWORKS = ("net=192.168.5.0/24,dhcpstart=192.168.5.15",
             "net=192.168.0.0/24,dhcpstart=192.168.0.15,guestfwd=tcp:192.168.0.30:33-cmd:cat")
+WEB_SERVER = "192.168.5.30"  # behind the first port
 
 
 @dataclasses.dataclass(frozen=True)
@@ -204,11 +205,12 @@ class Machine:
     cables: whether the cables of the two ports are plugged in
     swap_ports: gives the first port the higher hardware address
     has_watchdog: lets the chipset's watchdog reset the machine
+    web: folder that WEB_SERVER offers
     forwarded: for each of the two ports, a port of this machine that leads to its ssh
     """
 
     def __init__(self, disk, folder, *, state=None, sticks=(), uefi=False, clock=None,
-                 cables=(True, True), swap_ports=False, has_watchdog=False, forwarded=()):
+                 cables=(True, True), swap_ports=False, has_watchdog=False, web=None, forwarded=()):
         self.folder = pathlib.Path(folder)
         self.plugged = [f"stick{number}" for number in range(len(sticks))]
         self.monitor = None
@@ -225,6 +227,8 @@ class Machine:
                    "-qmp", f"unix:{self.folder}/monitor,server=on,wait=off",
                    "-rtc", f"base={clock or 'utc'}"]
         ways = [f",hostfwd=tcp:127.0.0.1:{port}-:22" for port in forwarded] or ["", ""]
+        if web is not None:
+            ways[0] += f",guestfwd=tcp:{WEB_SERVER}:80-cmd:busybox httpd -i -h {web}"
         for number, (address, network, way) in enumerate(zip(addresses, NETWORKS, ways)):
             command += ["-netdev", f"user,id=lan{number},restrict=on,{network}{way}",
                         "-device", f"e1000,id=port{number},netdev=lan{number},mac={address},romfile="]

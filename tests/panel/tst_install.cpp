@@ -24,8 +24,6 @@
 using namespace Kinds;
 
 namespace {
-constexpr char otherCounters[] = "GCOV_PREFIX=/tmp/counters"; // see tst_mkpackageverify
-
 QString put(const QString &name, PackageKind kind, quint32 version, const QString &target,
             const QByteArray &archive = smallArchive())
 {
@@ -363,8 +361,8 @@ void TestInstall::onlyRootInstalls()
 {
     const QString path = putApplication();
     const QStringList before = installedState();
-    const QStringList asOther{"--reuid=65534", "--regid=65534", "--clear-groups",
-                              "env",           otherCounters,   INSTALL};
+    const QStringList asOther{"--reuid=65534", "--regid=65534",  "--clear-groups",
+                              "env",           countersOfOthers, INSTALL};
     const ToolRun run = runTool("setpriv", asOther + QStringList(path));
     QCOMPARE(run.status, 77);
     QCOMPARE(run.errors, QByteArray("talmero-install: only root can install a package\n"));

@@ -27,9 +27,6 @@ constexpr long memoryGrowth = 1024; // KiB
 
 constexpr char file[] = "line.kpc";
 
-/// Another user cannot write a coverage build's counters to their usual folder.
-constexpr char otherCounters[] = "GCOV_PREFIX=/tmp/counters";
-
 ToolRun verify(const QStringList &arguments)
 {
     return runTool(MKPACKAGE, QStringList("verify") + arguments);
@@ -178,7 +175,7 @@ void TestMkpackageVerify::ordinaryUser()
     const ToolRun run
         = runTool("setpriv",
                   {"--reuid=65534", "--regid=65534", "--clear-groups", "env", "TMPDIR=/no/such",
-                   "HOME=/no/such", otherCounters, MKPACKAGE, "verify", path(file)});
+                   "HOME=/no/such", countersOfOthers, MKPACKAGE, "verify", path(file)});
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.status, 0);
     QCOMPARE(shellBytes(QString("ls -A '%1'").arg(m_folder->path())), QByteArray(file) + '\n');

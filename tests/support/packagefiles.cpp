@@ -97,13 +97,15 @@ void resetInstalledFiles()
 
 QStringList installedState()
 {
-    // Ignores folders of the test program itself, and the checkout, which may lie below /tmp.
-    const QByteArray lines = shellBytes(
-        "cd /; in='home opt/talmero/bios tmp outside homde media etc/passwd';"
-        "own=$(dirname '" PANEL_SIMULATOR "');"
-        "list() { find $in \\( -path 'tmp/tst_*-*' -o -path \"${own#/}\" \\) -prune -o \"$@\""
-        " | sort; };"
-        "list -printf '%p %y %l %m\\n'; list -type f -exec sha256sum {} +");
+    // Ignores folders of the test program itself, countersOfOthers, and the checkout, which may lie
+    // below /tmp.
+    const QByteArray lines
+        = shellBytes("cd /; in='home opt/talmero/bios tmp outside homde media etc/passwd';"
+                     "own=$(dirname '" PANEL_SIMULATOR "');"
+                     "list() { find $in \\( -path 'tmp/tst_*-*' -o -path tmp/counters -o -path "
+                     "\"${own#/}\" \\) -prune -o \"$@\""
+                     " | sort; };"
+                     "list -printf '%p %y %l %m\\n'; list -type f -exec sha256sum {} +");
     return QString::fromLatin1(lines).split('\n');
 }
 

@@ -65,6 +65,10 @@ bool fileExists(const QString &path);
 /// version 3. "/outside" holds files that an installation must not change.
 void resetInstalledFiles();
 
+/// An environment variable for tools that another user runs, who cannot write the counters of a
+/// coverage build to their usual folder.
+inline constexpr char countersOfOthers[] = "GCOV_PREFIX=/tmp/counters";
+
 /// All files that an installation may change, and "/outside": one line per entry and one per
 /// content.
 QStringList installedState();

@@ -28,6 +28,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace {
 constexpr QSize screenSizes[]
@@ -372,9 +373,9 @@ void TestEveryScreen::rowsShrinkBeforeFonts()
     const auto look = [](QSize size, const char *model) {
         const Panel panel(size, model);
         const auto *row = panel.open("Ethernet:3")->findChild<RadioButton *>();
-        return QPair(row->height(), row->font().pixelSize());
+        return std::pair(row->height(), row->font().pixelSize());
     };
-    QCOMPARE(look({1024, 768}, "RV-K25T"), QPair(44, 28));
+    QCOMPARE(look({1024, 768}, "RV-K25T"), std::pair(44, 28));
     const auto [lowRow, fullFont] = look({800, 600}, "RV-K25T"); // leaves room for the keypad
     QVERIFY(lowRow < 44);
     QCOMPARE(fullFont, 28);

@@ -63,7 +63,7 @@ void say(const QString &text)
 
 std::optional<PackageHeader> headerOf(QFile &file)
 {
-    const auto header = parsePackageHeader(file.read(packageHeaderSize));
+    auto header = parsePackageHeader(file.read(packageHeaderSize));
     file.seek(0);
     return header;
 }

@@ -166,7 +166,7 @@ QString makePackage(const Options &options, qint64 time, bool (*shallStop)())
     if (!package.open() || package.write(header) != header.size() || !package.flush()) {
         return cannotWrite;
     }
-    const QString error = packMembers(folder, namesFile.fileName(), time, package, shallStop);
+    QString error = packMembers(folder, namesFile.fileName(), time, package, shallStop);
     if (!error.isEmpty()) {
         return error;
     }

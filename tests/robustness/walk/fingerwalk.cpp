@@ -98,13 +98,15 @@ void FingerWalk::runFor(int steps)
 /// run the next step.
 void FingerWalk::takeStep()
 {
-    if (m_step >= m_lastStep) {
-        QApplication::exit();
-        return;
-    }
     if (m_isTouching) {
         QDrag::cancel(); // dragged text blocks until the release, which would never come
         QTimer::singleShot(waitForTouch, this, &FingerWalk::takeStep);
+        return;
+    }
+    // Not while touching: QTest::qWait() makes the event dispatcher forget that it must not wait
+    // for the next event, and the factory window has none.
+    if (m_step >= m_lastStep) {
+        QApplication::exit();
         return;
     }
     QTimer::singleShot(0, this, &FingerWalk::takeStep);
