@@ -1,3 +1,7 @@
+// This file defines both open() and open64(). With 64-bit offsets, the C library's headers give
+// both the same symbol.
+#undef _FILE_OFFSET_BITS
+
 #include "countedcalls.h"
 
 #include <csignal>
