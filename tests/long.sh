@@ -2,6 +2,8 @@
 # Runs the tests that take too long for test.sh, one after the other.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=scripts/common.sh
+. scripts/common.sh
 
 mapfile -t known < <(find tests/long -maxdepth 1 -name '*.sh' -printf '%f\n' | sed 's/\.sh$//' | sort)
 
@@ -18,18 +20,10 @@ Each is a script in tests/long with its own options; see its --help.
 TEXT
 }
 
-is_known() {
-    local part
-    for part in "${known[@]}"; do
-        [ "$part" != "$1" ] || return 0
-    done
-    return 1
-}
-
 for argument in "$@"; do
     case $argument in
     --help) usage && exit 0 ;;
-    *) is_known "$argument" || { usage >&2 && exit 2; } ;;
+    *) is_one_of "$argument" "${known[@]}" || { usage >&2 && exit 2; } ;;
     esac
 done
 

@@ -111,8 +111,8 @@ run_tests() {
 
 # Makes packages on this processor and verifies the hostile ones.
 compare_packages() {
-    in_panel tests/long/architectures/packages.sh "$shared" >"$folder/report" 2>&1 ||
-        die "the packages could not be made for $architecture, see $folder/report"
+    in_panel tests/long/architectures/packages.sh "$shared" >"$folder/report" 2>>"$log" ||
+        die "the packages could not be made for $architecture, see $log"
     if cmp -s "$shared/report" "$folder/report"; then
         printf '%-8s packages made and %s reports of verify: as on amd64\n' "$architecture" \
             "$(grep -c '^status' "$folder/report")"
