@@ -259,7 +259,6 @@ class Machine:
         for name in ("monitor", "shell", "wire"):
             (self.folder / name).unlink(missing_ok=True)
         with open(self.folder / "qemu.log", "wb") as log:
-            # nobody waits in front of it, unlike in front of the other work on this machine
             self.process = subprocess.Popen(self.command + ["-S"], stdin=subprocess.DEVNULL,
                                             stdout=log, stderr=log)
         try:
