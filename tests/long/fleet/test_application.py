@@ -180,9 +180,11 @@ class Application(FleetTest):
     def test_package_that_is_refused_at_the_desk(self):
         os.makedirs(self.desk.folder / "escaping/compile")
         os.symlink("/etc", self.desk.folder / "escaping/compile/link")
+        (self.desk.folder / "text.kpc").write_text("no package")
         packages = (
             (self.desk.make_package("escaping"), "leads out"),
             (self.desk.make_package("runtime", kind="firmware"), "it is no application"),
+            ("text.kpc", "a package has at least 36"),
             ("none.kpc", "there is no file"),
         )
         states = self.plant.states()
