@@ -8,7 +8,6 @@ from repository import NEW, install_programs, serve_repository
 REPOSITORY = "http://192.168.1.5/talmero"
 KEY = f"{FILES}/repository/talmero.asc"
 
-
 # dpkg notes this before it unpacks the first file.
 CUT_WHILE_UNPACKING = """
 sed -i '/^Package: talmero-bios-guard$/,/^$/ s/^Status: .*/Status: install reinstreq half-installed/' \\
@@ -44,7 +43,7 @@ class Upgrade(FleetTest):
         return [panel.shell(query) for panel in self.chosen]
 
     def test_upgrade(self):
-        """A rehearsal, an upgrade over two interrupted ones, and a repetition."""
+        """A rehearsal, an upgrade over two interrupted ones, a repetition, and a repair."""
         others = self.other_packages()
         before = [panel.state() for panel in self.chosen]
         self.assert_run(self.play("--check"), changed=self.chosen_names())
@@ -62,6 +61,10 @@ class Upgrade(FleetTest):
         self.assertEqual(self.other_packages(), others)
 
         self.assert_run(self.play(upgrade_version=NEW), changed=[])
+        self.chosen[0].shell(CUT_WHILE_UNPACKING)  # with no newer version that would replace it
+        self.assert_run(self.play(upgrade_version=NEW), changed=self.chosen_names()[:1])
+        self.assertEqual(self.versions(), [f"installed {NEW}\n"] * 2)
+
         run = self.play(upgrade_version="1.2")
         self.assert_run(run, named=self.chosen_names()[:1], changed=[])
         self.assertIn(f"talmero-bios {NEW}, ", run.output)
