@@ -80,7 +80,7 @@ case $arch in
 i386) machine_test_packages+=(ovmf-ia32) ;;
 arm64) machine_test_packages+=(qemu-system-arm qemu-efi-aarch64) ;;
 esac
-# "./test.sh --machine" leaves the short run out where QEMU cannot be installed.
+# test.sh leaves the short run out where QEMU cannot be installed.
 if ! (install_packages "${machine_test_packages[@]}"); then
     [ "$short" = no ] || exit 77
     exit 1

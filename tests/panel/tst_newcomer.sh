@@ -76,6 +76,20 @@ everything_is_there() {
         one_line 0 'ctest --preset release --parallel [0-9]+ --label-exclude machine --output-log build/tests.log' "${as_user[@]}" "$checkout/test.sh" --quick
 }
 
+# The folder of a build, and what runs beside the tests, are stand-ins.
+whole_test_uses_the_machine() {
+    mkdir -p "$checkout/build" "$checkout/tests/robustness/fuzz"
+    printf '#!/bin/sh\n' | tee "$checkout/scripts/check-code.sh" >"$checkout/tests/robustness/fuzz/run.sh"
+    chmod 755 "$checkout/scripts/check-code.sh" "$checkout/tests/robustness/fuzz/run.sh"
+    echo '100% tests passed' >"$checkout/build/tests.log"
+    chown -R "$user" "$checkout"
+    PATH=$stand_ins:$PATH "${as_user[@]}" "$checkout/test.sh" </dev/null >"$work/whole" 2>&1 &&
+        PATH=$stand_ins:$PATH "${as_user[@]}" "$checkout/test.sh" --no-machine </dev/null >"$work/part" 2>&1 &&
+        diff "$work/part" "$work/whole" | tee "$work/difference" | grep '^>' &&
+        [ "$(sed -n 's/^> //p' "$work/difference")" = 'ctest --preset release --label-regex machine' ] &&
+        [ "$(wc -l <"$work/difference")" -eq 2 ]
+}
+
 in_a_folder_with_blanks() {
     mv "$checkout" "$work/my own checkout" && mkdir "$checkout" && cd / &&
         one_line 0 'panel .* -- .*/my own checkout/build/bin/talmero-bios' "${as_user[@]}" "$work/my own checkout/run.sh"
@@ -190,6 +204,7 @@ on_a_new_machine() {
 }
 
 on_a_new_machine "builds and runs on a complete machine" everything_is_there
+on_a_new_machine "boots the panel's disk in a whole test.sh" whole_test_uses_the_machine
 on_a_new_machine "runs in a folder with blanks, from another folder" in_a_folder_with_blanks
 on_a_new_machine "can also be started by sh" started_by_sh
 on_a_new_machine "refuses packages for an unknown system" wrong_package_options
