@@ -18,7 +18,8 @@ fail() {
 . simulator/lib/tools.sh
 install_files
 install_tools
-mkdir -p /run/panel /run/lock
+mkdir -p /run/panel/network /run/lock
 mkdir -p /run/user && mkdir -m 700 /run/user/0
 export USER=root LOGNAME=root SHELL=/bin/bash XDG_RUNTIME_DIR=/run/user/0 QT_QPA_PLATFORM=offscreen
-exec "$@"
+# bash stays: as the first process, it must wait for those whose parents have ended.
+"$@"
