@@ -9,6 +9,7 @@ from states import main_page, started
 
 SETTINGS_FILE = "/opt/talmero/bios/bios.ini"
 INTERFACES_FILE = "/etc/network/interfaces"
+RUNTIME = "/opt/talmero/bios/runapp.sh"
 
 
 class MachineTest(unittest.TestCase):

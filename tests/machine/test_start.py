@@ -4,10 +4,8 @@ import time
 
 import panel as places
 import screen
-from machinetest import MachineTest
+from machinetest import RUNTIME, MachineTest
 from states import IMAGE, disk_of, main_page
-
-RUNTIME = "/opt/talmero/bios/runapp.sh"
 
 
 def is_login(line):

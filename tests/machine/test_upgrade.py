@@ -12,6 +12,7 @@ from states import IMAGE, WORK, State, changed, disk_of, main_page
 SOURCE = "/etc/apt/sources.list.d/talmero.list"
 KEY = "/etc/apt/keyrings/talmero.asc"
 DPKG_LOG = "/var/log/dpkg.log"
+REPAIR = "talmero-guard-dpkg.service"
 # What dpkg has just written into its log when the power fails.
 CUTS = ("startup archives unpack", "status half-installed talmero-bios:",
         "status unpacked talmero-bios:", "status half-configured talmero-bios:")
@@ -55,7 +56,8 @@ class Upgrade(MachineTest):
         panel.wait_for_main_page()
         panel.wait_for_shell()
         panel.wait_for_end_of_start()
-        self.assertEqual(panel.failed_units(), [], "failed units")
+        journal = panel.shell.run(f"journalctl --boot --no-pager --unit {REPAIR}")
+        self.assertEqual(panel.failed_units(), [], journal)
 
     def test_programs_are_updated(self):
         with self.panel(self.state) as panel:
@@ -77,12 +79,16 @@ class Upgrade(MachineTest):
         self.cut_at(f"status half-installed talmero-bios:[^ ]* {self.new}$",
                     f"sh -c '{self.upgrade}; {self.upgrade} --reinstall'")
 
-    def cut_at(self, event, command):
-        """Cuts the power when a command has made dpkg log an event."""
+    def test_interrupted_update_is_repaired_from_the_repository(self):
+        """apt's archives did not reach the disk."""
+        self.cut_at("status unpacked talmero-bios:", self.upgrade, before="rm /var/cache/apt/archives/*.deb; sync")
+
+    def cut_at(self, event, command, before=""):
+        """Cuts the power when a command has made dpkg log an event, after the command "before"."""
         cut = State("upgrade-cut", **self.state.options)
         with changed(cut, self.state) as panel:
             panel.shell.run(f": >{DPKG_LOG}; setsid {command} >/dev/null 2>&1 &")
-            panel.shell.run(f"tail -n +1 -F {DPKG_LOG} | grep -q -m 1 '{event}'")
+            panel.shell.run(f"tail -n +1 -F {DPKG_LOG} | grep -q -m 1 '{event}'; {before}")
             panel.pull_plug()
         with self.panel(disk_of(cut), **cut.options) as panel:
             self.require_whole_start(panel)
