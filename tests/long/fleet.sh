@@ -87,7 +87,8 @@ make_repository() {
     for package in "$work"/old/*.deb; do
         rm -r "$folder"
         dpkg-deb --raw-extract "$package" "$folder"
-        sed -i "s/\b1\.0\b/1.1/" "$folder/DEBIAN/control"
+        # Without the alternative to it, the next version needs that of another package.
+        sed -i 's/\b1\.0\b/1.1/; s/ | net-tools//' "$folder/DEBIAN/control"
         dpkg-deb --root-owner-group --build "$folder" "$work/dist/bookworm-amd64" >/dev/null
     done
     cp "$work"/dist/bookworm-amd64/talmero-bios-tools_*.deb "$work/new/tools.deb"

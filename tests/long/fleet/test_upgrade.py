@@ -8,10 +8,12 @@ from repository import NEW, install_programs, serve_repository
 REPOSITORY = "http://192.168.1.5/talmero"
 KEY = f"{FILES}/repository/talmero.asc"
 
-# dpkg notes this before it unpacks the first file.
-CUT_WHILE_UNPACKING = """
-sed -i '/^Package: talmero-bios-guard$/,/^$/ s/^Status: .*/Status: install reinstreq half-installed/' \\
-    /var/lib/dpkg/status
+# dpkg notes this when it has unpacked the new version.
+CUT_WHILE_UNPACKING = f"""
+sed -i '/^Package: talmero-bios$/,/^$/ {{
+    s/^Status: .*/Status: install reinstreq half-installed/
+    s/(= [^)]*) | net-tools/(= {NEW})/
+}}' /var/lib/dpkg/status
 """
 
 
