@@ -105,6 +105,7 @@ private slots:
     void fullTemporaryFolder();
     void display();
     void ordinaryUser();
+    void compatTools();
     void usage();
     void lostOutputIsAnError();
     void documentedExamples();
@@ -245,6 +246,25 @@ void TestDoctor::ordinaryUser()
     QVERIFY(text.output.contains("ok       tool ifconfig: /usr/sbin/ifconfig\n"));
     QVERIFY2(!text.output.contains("\nerror "), text.output.constData());
     QCOMPARE(text.status, 1);
+}
+
+/// The session puts the tools of the package talmero-bios-compat first on PATH. Over ssh, where
+/// nothing has done so, the doctor does.
+void TestDoctor::compatTools()
+{
+    const QString compat = "/tmp/installed/lib/talmero-bios/compat/bin";
+    const QString doctor = "/tmp/installed/bin/talmero-doctor";
+    shellBytes(QString("mkdir -p /tmp/installed/bin %1; cp '%2' %3; mv /usr/sbin/ifconfig %1")
+                   .arg(compat, DOCTOR, doctor));
+    const ToolRun session = runTool(doctor, {});
+    qunsetenv("DISPLAY");
+    const ToolRun ssh = runTool(doctor, {});
+    qputenv("DISPLAY", ":0");
+    shellBytes(QString("mv %1/ifconfig /usr/sbin; rm -r /tmp/installed").arg(compat));
+    QVERIFY(session.output.contains("error    tool ifconfig: not on PATH"));
+    QCOMPARE(complaintsIn(ssh.output), QByteArrayList());
+    QVERIFY(ssh.output.contains(
+        "ok       tool ifconfig: /tmp/installed/lib/talmero-bios/compat/bin/ifconfig\n"));
 }
 
 void TestDoctor::usage()

@@ -9,6 +9,7 @@
 #include "system/settings/settingskeys.h"
 #include "system/textcodec.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
@@ -38,6 +39,9 @@ constexpr int mostShownLinks = 3;
 /// Where root's tools are. The program runs as root; a user who logs in over ssh may have a shorter
 /// PATH.
 constexpr char rootPath[] = ":/usr/local/sbin:/usr/sbin:/sbin";
+
+/// The tools that the session puts first on PATH, seen from the folder of this program.
+constexpr char compatFolder[] = "/../lib/talmero-bios/compat/bin";
 
 /// An archive as in a package: one file "sample" with sampleContent in it.
 constexpr char sampleArchive[]
@@ -167,6 +171,15 @@ bool leadsOutOf(const QString &folder, const QFileInfo &link)
     return !(target + '/').startsWith(folder + '/');
 }
 
+/// Makes PATH that of the session, for a caller who is not in it.
+void addCompatTools()
+{
+    const QString folder = QDir::cleanPath(QCoreApplication::applicationDirPath() + compatFolder);
+    if (QFileInfo(folder).isDir()) {
+        qputenv("PATH", QFile::encodeName(folder) + ':' + qgetenv("PATH"));
+    }
+}
+
 void setUpEnvironment(Facts &facts)
 {
     facts.user = geteuid();
@@ -176,6 +189,7 @@ void setUpEnvironment(Facts &facts)
     facts.displayIsGuessed = qEnvironmentVariableIsEmpty(displayVariable);
     if (facts.displayIsGuessed) {
         qputenv(displayVariable, usualDisplay);
+        addCompatTools();
     }
     facts.display = qEnvironmentVariable(displayVariable);
 }
