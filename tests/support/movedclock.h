@@ -3,8 +3,8 @@
 #include <chrono>
 
 /// During its lifetime, Qt in the test process sees a wall clock that the test can move on. The
-/// clock of the machine does not change. A test program that uses it has a gettimeofday() of its
-/// own.
+/// clock of the machine does not change. A test program that uses it has a clock_gettime() and a
+/// gettimeofday() of its own.
 class MovedClock
 {
 public:
