@@ -79,6 +79,15 @@ class Ssh(MachineTest):
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
         return run.stdout
 
+    def status(self, desk):
+        """The panel's row. If a tool is too slow on the emulated processor, it is asked again."""
+        for _ in range(5):
+            self.ansible(desk, "ansible-playbook", "talmero.panels.status")
+            text = (desk / "panels.csv").read_text()
+            if "no answer within" not in text:
+                break
+        return text.split("\n", 1)[1]
+
     def test_panel_has_all_that_ansible_needs(self):
         with self.panel_with_ssh() as (panel, ports):
             desk = self.desk(ports[0])
@@ -96,9 +105,7 @@ class Ssh(MachineTest):
             self.assertIn("changed=0 ", self.ansible(desk, *roll_out))
 
             panel.shell.run(f"echo exit >{RUNTIME}")  # without it, the status is "errors"
-            self.ansible(desk, "ansible-playbook", "talmero.panels.status")
-            rows = (desk / "panels.csv").read_text().splitlines()
-            self.assertRegex(rows[1], '^"panel-01","panels","(ok|warnings)","RV-K21T",.*"line1.kpc"', rows[1])
+            self.assertRegex(self.status(desk), '^"panel-01","panels","(ok|warnings)","RV-K21T",.*"line1.kpc"')
             panel.shell.run("python3 -c 'import apt'") # for Ansible's module apt
 
     def test_empty_host_key_is_made_again(self):
