@@ -324,6 +324,10 @@ void TestPageCrawl::factoryPages()
     m_tools.setBody("sleep", "exec /usr/bin/sleep \"$@\""); // the echo tests need the real pause
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window, slowLimit));
+    const auto *result = window.findChild<QTextEdit *>("resultView");
+    bool hasVerdict = false; // which the message of another test can replace at once
+    connect(result, &QTextEdit::textChanged, this,
+            [&] { hasVerdict |= result->toPlainText().contains("Test "); });
     touchEach(window.findChild<QStackedWidget *>()->currentWidget());
     for (auto *button : window.findChildren<QAbstractButton *>()) {
         if (button->text() == "Save" || button->text() == "Test") {
@@ -333,8 +337,7 @@ void TestPageCrawl::factoryPages()
     QCOMPARE(window.findChild<QStackedWidget *>()->currentIndex(), 1);
     touchEach(window.findChild<QStackedWidget *>()->currentWidget());
     QCOMPARE(m_pixelTests, 1);
-    const auto *result = window.findChild<QTextEdit *>("resultView");
-    QTRY_VERIFY_WITH_TIMEOUT(result->toPlainText().contains("Test "), slowLimit); // the verdict
+    QTRY_VERIFY_WITH_TIMEOUT(hasVerdict, slowLimit);
 }
 
 PANEL_QTEST_MAIN(TestPageCrawl)

@@ -21,5 +21,6 @@ install_tools
 mkdir -p /run/panel/network /run/lock
 mkdir -p /run/user && mkdir -m 700 /run/user/0
 export USER=root LOGNAME=root SHELL=/bin/bash XDG_RUNTIME_DIR=/run/user/0 QT_QPA_PLATFORM=offscreen
+export QTEST_FUNCTION_TIMEOUT=3600000 # ms, because ARM is emulated
 # bash stays: as the first process, it must wait for those whose parents have ended.
 "$@"
