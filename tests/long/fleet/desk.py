@@ -60,18 +60,21 @@ class Cost:
             return 0
         return int(re.search(r"^Pss:\s+(\d+)", rollup, re.MULTILINE)[1])
 
+    def memory(self):
+        """In kB; 0 until the namespace has a process."""
+        try:
+            namespace = self.namespace()
+        except OSError:
+            return 0
+        if namespace == self.ours:
+            return 0
+        return sum(
+            self.memory_of(entry, namespace) for entry in os.listdir("/proc") if entry.isdigit()
+        )
+
     def sample(self):
         while self.process.poll() is None:
-            try:
-                namespace = self.namespace()
-            except OSError:
-                break
-            if namespace == self.ours:
-                continue  # not made yet
-            total = sum(
-                self.memory_of(entry, namespace) for entry in os.listdir("/proc") if entry.isdigit()
-            )
-            self.peak = max(self.peak, total / 1000)
+            self.peak = max(self.peak, self.memory() / 1000)
             time.sleep(SAMPLING_PAUSE)
 
     def end(self):
