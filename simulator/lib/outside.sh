@@ -15,9 +15,14 @@ accept_interrupts() {
 become_root() {
     ((EUID)) || return 0
     type -P sudo >/dev/null || fail "this needs root: run it as root or install sudo"
-    # sudo may drop the variables that point to the user's display
-    exec sudo -- env ${DISPLAY+"DISPLAY=$DISPLAY"} \
-        "XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}" "$simulator/panel" "$@"
+    # sudo may drop the variables that point to the user's display, and those of a build for tests
+    local name kept=("XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}")
+    for name in $(compgen -e); do
+        case $name in
+        DISPLAY | ASAN_* | GCOV_* | LSAN_* | UBSAN_*) kept+=("$name=${!name}") ;;
+        esac
+    done
+    exec sudo -- env "${kept[@]}" "$simulator/panel" "$@"
 }
 
 # The panel must not see the variables of a desktop session, or a test would depend on who runs it.

@@ -28,6 +28,16 @@ host_is_unchanged() {
         [ ! -e /etc/panel-was-here ] && [ -e /etc/passwd ] && [ ! -e /home/dest/x ]
 }
 
+# sudo drops variables, but what a sanitizer reports depends on them.
+options_of_sanitizers_pass_sudo() {
+    local as_user=()
+    [ "$(id -u)" -ne 0 ] || as_user=(setpriv --reuid 65534 --clear-groups)
+    cp -r "$root/simulator" "$work" && chmod -R go+rX "$work" &&
+        printf '#!/bin/sh\nprintf "%%s\\n" "$@"\n' >"$work/sudo" && chmod 755 "$work/sudo" &&
+        LSAN_OPTIONS="two words" PATH=$work:$PATH "${as_user[@]}" "$work/simulator/panel" -- true |
+        grep -qx 'LSAN_OPTIONS=two words'
+}
+
 share_reaches_the_host() {
     mkdir "$work/shared" && panel --share "$work/shared" -- touch "$work/shared/file" &&
         [ -e "$work/shared/file" ]
@@ -306,6 +316,7 @@ check "exits with the signal's status" status 139 panel -- sh -c 'kill -SEGV $$'
 check "reports an unknown command" status 127 panel -- no-such-command
 check "refuses unknown options" status 2 panel --unknown true
 check "does not change the host" host_is_unchanged
+check "keeps the options of sanitizers through sudo" options_of_sanitizers_pass_sudo
 check "shares a folder" share_reaches_the_host
 check "keeps panels apart" panels_are_separate
 check "keeps the clock out of reach" clock_is_out_of_reach
