@@ -12,7 +12,7 @@ export project_root
 build_packages=(g++ ninja-build cmake mold qt6-base-dev qt6-base-private-dev qt6-serialport-dev
     libgl-dev libarchive-dev zlib1g-dev libfuse3-dev)
 # shellcheck disable=SC2034
-package_packages=(dpkg-dev debhelper git)
+package_packages=(build-essential dpkg-dev debhelper git)
 # shellcheck disable=SC2034
 clean_root_packages=(debootstrap lintian)
 # shellcheck disable=SC2034
