@@ -11,19 +11,26 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+#include <ctime>
 #include <memory>
 
 // Runs the program's own code on all generated packages and folders. Prints a table.
 
 namespace {
 constexpr qint64 stepLimit = 30500; // ms: tar is killed after 30 s
-constexpr qint64 walkLimit = 500;   // ms
+constexpr qint64 walkLimit = 500;   // ms of processor time
 
 int installAny(const QByteArray &path)
 {
     const QString name = QString::fromUtf8(path);
     return isListedAs(PackageType::BiosImage, name) ? installBIOSPackage(name)
                                                     : installPackage(name);
+}
+
+/// Milliseconds that this process has used. What else the machine does is not in it.
+qint64 processorTime()
+{
+    return qint64(std::clock()) * 1000 / CLOCKS_PER_SEC;
 }
 
 QByteArray resultText(const QList<int> &results)
@@ -162,14 +169,13 @@ void TestHostilePackages::folders()
     if (tree.name == "mount-ring") {
         ring = std::make_unique<MountRing>(tree.path);
     }
-    QElapsedTimer timer;
-    timer.start();
+    const qint64 before = processorTime();
     const QStringList found
         = findPackagesBelow(QString::fromUtf8(tree.path) + '/', PackageType::Application);
-    const qint64 elapsed = timer.elapsed();
-    printRow("folder " + tree.name, QByteArray::number(found.size()) + " listed", "", elapsed);
+    const qint64 busy = processorTime() - before;
+    printRow("folder " + tree.name, QByteArray::number(found.size()) + " listed", "", busy);
     QCOMPARE(found.size(), tree.rows);
-    QVERIFY(elapsed < walkLimit);
+    QVERIFY(busy < walkLimit);
 }
 
 QTEST_GUILESS_MAIN(TestHostilePackages)
