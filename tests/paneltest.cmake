@@ -27,7 +27,10 @@ endfunction()
 # panel_register_test(NAME DISPLAY ARGUMENT...): runs the program NAME on that display as a test.
 function(panel_register_test name display)
     set(share)
-    set(environment
+    # Freed memory is not used again until 16 MB more are freed. Each process that a test starts
+    # copies its page tables: with the sanitizer's default of 256 MB, tst_hostilepackages takes 210 s
+    # instead of 116 s.
+    set(environment "ASAN_OPTIONS=quarantine_size_mb=16"
         "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0")
     if(PANEL_COVERAGE) # a folder outside the panel for the counters of this test alone
         set(counters ${CMAKE_BINARY_DIR}/coverage/${name})
