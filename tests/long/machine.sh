@@ -18,6 +18,7 @@ TEST is a file of tests/machine, a class or a function, such as test_network or
 test_pages.Pages.test_calibration_is_kept. With TEST, no power is cut.
 
   --short              Only a start, a page, a power cut and another start.
+  --figures            Only prints when the session starts and the program's memory.
   --cuts FIRST-LAST    Only the power cuts with these seeds (default of a whole run: 1-8).
                        Results are kept in build-machine/; a later run with other seeds
                        adds to them.
@@ -35,11 +36,12 @@ usage_error() {
     exit 2
 }
 
-short=no cuts='' image='' arch=amd64 cut_options=() tests=()
+short=no figures=no cuts='' image='' arch=amd64 cut_options=() tests=()
 while [ $# -gt 0 ]; do
     case $1 in
     --help) usage && exit 0 ;;
     --short) short=yes && shift && continue ;;
+    --figures) figures=yes && shift && continue ;;
     --without-guard) cut_options+=(--without-guard) && shift && continue ;;
     --cuts | --jobs | --image | --arch) [ -n "${2-}" ] || usage_error "$1 needs a value" ;;
     -*) usage_error "unknown option $1" ;;
@@ -95,6 +97,8 @@ export PANEL_IMAGE PANEL_ARCHITECTURE
 if [ "$short" = yes ]; then
     run_tests short
     exit
+elif [ "$figures" = yes ]; then
+    exec python3 tests/machine/figures.py
 fi
 install_packages "${build_packages[@]}"
 build_preset release talmero-mkpackage
