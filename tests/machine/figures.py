@@ -1,12 +1,8 @@
 """Prints when the session of an installed panel starts, and the memory of its program."""
 
-import pathlib
 import re
-import tempfile
 
-from machine import make_overlay
-from panel import Panel
-from states import IMAGE
+from states import IMAGE, started
 
 
 def session_start(panel):
@@ -23,15 +19,12 @@ def memory(panel):
 
 
 def main():
-    with tempfile.TemporaryDirectory(prefix="panel-") as folder:
-        disk = pathlib.Path(folder, "disk.qcow2")
-        make_overlay(disk, IMAGE)
-        with Panel(disk, folder, name="figures") as panel:
-            panel.open_main_page()
-            panel.wait_for_shell()
-            panel.wait_for_end_of_start()
-            print(f"session started {session_start(panel):.0f} s after the kernel")
-            print(f"memory of the program on its main page (PSS): {memory(panel):.1f} MB")
+    with started(IMAGE, "figures") as panel:
+        panel.open_main_page()
+        panel.wait_for_shell()
+        panel.wait_for_end_of_start()
+        print(f"session started {session_start(panel):.0f} s after the kernel")
+        print(f"memory of the program on its main page (PSS): {memory(panel):.1f} MB")
 
 
 if __name__ == "__main__":
