@@ -5,6 +5,11 @@
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QScreen>
+#include <QTest>
+
+#include <csignal>
+
+#include <unistd.h>
 
 namespace {
 constexpr int endLimit = 10000; // ms
@@ -20,6 +25,7 @@ PanelProgram::PanelProgram(const QStringList &arguments)
     requirePanel();
     m_process.setProcessChannelMode(QProcess::SeparateChannels);
     m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.setChildProcessModifier([] { setpgid(0, 0); });
     m_process.start(PANEL_PROGRAM, arguments);
     if (!m_process.waitForStarted()) {
         qFatal("cannot start %s", PANEL_PROGRAM);
@@ -32,8 +38,20 @@ PanelProgram::~PanelProgram()
     m_process.terminate(); // it writes its coverage counters when it exits
     m_process.waitForFinished(endLimit);
 #endif
-    m_process.kill();
+    killGroup();
+}
+
+void PanelProgram::killGroup()
+{
+    if (!isRunning()) {
+        return;
+    }
+    const auto group = static_cast<pid_t>(m_process.processId());
+    kill(-group, SIGKILL);
     m_process.waitForFinished();
+    if (!QTest::qWaitFor([group] { return kill(-group, 0) != 0; }, endLimit)) {
+        qFatal("the program or one of its tools cannot be killed");
+    }
 }
 
 bool PanelProgram::isRunning() const

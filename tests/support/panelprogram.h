@@ -22,6 +22,11 @@ public:
     QString errorText();
 
 private:
+    /// Kills the program and its tools. With sanitizers, Qt 6.8 starts a tool by a copy of the
+    /// program that waits for it. If only the program were killed at that moment, the copy would
+    /// stay and keep the window on the screen.
+    void killGroup();
+
     QProcess m_process;
     QString m_errorText;
 };

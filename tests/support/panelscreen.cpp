@@ -188,7 +188,7 @@ std::unique_ptr<PanelProgram> startAtPage(QPoint button)
     auto program = std::make_unique<PanelProgram>();
     openMainPage();
     tapScreen(button);
-    if (!QTest::qWaitFor(showsSettingsPage, startLimit)) {
+    if (!QTest::qWaitFor(showsSettingsPage)) {
         qFatal("the page does not open");
     }
     return program;
