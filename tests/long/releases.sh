@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs all tests of test.sh on the other releases of Debian.
+# Runs test.sh, or each of the other scripts, on the other releases of Debian.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck source=scripts/common.sh
@@ -17,9 +17,11 @@ a user with sudo, who has to install everything else first. The next run goes on
 there, unless it is more than $oldest_root days old. Prints one line per release. The first run
 takes about half an hour. Needs root or sudo, and apt's mirror.
 
-  --quick   Runs ./test.sh --quick.
-  --fresh   Starts with a new Debian.
-  --help    Shows this text.
+  --quick    Runs ./test.sh --quick.
+  --scripts  Runs ./run.sh, ./package.sh and ./image.sh instead, each on a new Debian. The
+             screenshot of the first is build-releases/RELEASE-panel.png.
+  --fresh    Starts with a new Debian.
+  --help     Shows this text.
 TEXT
 }
 
@@ -50,30 +52,53 @@ put_sources() {
     chown -R --reference="$root/home/developer" "$checkout"
 }
 
-run_tests() {
+# as_developer COMMAND...: in the folder with the sources
+as_developer() {
     # shellcheck disable=SC2016 # the inner shell expands it
     scripts/in-root "$root" runuser -u developer -- env HOME=/home/developer bash -c '
-        cd ~/talmero-bios && git init --quiet && ./test.sh "$@"' bash "${options[@]}" 2>&1 </dev/null | tee "$log"
+        cd ~/talmero-bios && git init --quiet && exec "$@"' bash "$@" 2>&1 </dev/null | tee "$log"
+}
+
+run_tests() {
+    { [ "$anew" = no ] && is_new "$folder/made"; } || make_root
+    put_sources
+    as_developer ./test.sh "${options[@]}"
+}
+
+# A new Debian for each, because one script installs what the next one may forget.
+run_script() { # COMMAND...
+    local start=$SECONDS
+    make_root
+    put_sources
+    as_developer "$@" || return 1
+    printf 'Debian %s: %s passed after %s s\n' "${release_number[$release]}" "$1" "$((SECONDS - start))"
+}
+
+run_scripts() {
+    run_script ./run.sh --screenshot panel.png &&
+        cp "$checkout/panel.png" "build-releases/$release-panel.png" &&
+        run_script ./package.sh &&
+        run_script ./image.sh
 }
 
 # try_release RELEASE: prints one line at the end
 try_release() {
     local release=$1 result=passed
     local folder=$PWD/build-releases/$release
+    [ "$what" = run_tests ] || folder+=-scripts
     local root=$folder/root log=$folder/log
     local checkout=$root/home/developer/talmero-bios
     SECONDS=0
-    { [ "$anew" = no ] && is_new "$folder/made"; } || make_root
-    put_sources
-    run_tests || result=failed
+    "$what" || result=failed
     echo "Debian ${release_number[$release]}: $result after $SECONDS s"
     [ "$result" = passed ]
 }
 
-anew=no options=() chosen=()
+anew=no what=run_tests options=() chosen=()
 for argument in "$@"; do
     case $argument in
     --quick) options=(--quick) ;;
+    --scripts) what=run_scripts ;;
     --fresh) anew=yes ;;
     --help) usage && exit 0 ;;
     *)
