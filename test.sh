@@ -52,7 +52,7 @@ check_and_fuzz() {
         tests/robustness/fuzz/run.sh --seconds 20 --jobs "$places"
 }
 
-# Tests leave a processor idle half of the time, so the rest of the work runs beside them.
+# Tests leave the processors idle for a part of the time, so the rest of the work runs beside them.
 run_tests_beside() { # PRESET WORK
     local log=build/beside-the-tests.log failed=no
     echo "Running the tests of build preset $1; ${2//_/ } runs beside them, see $log"
